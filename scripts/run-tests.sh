@@ -1,0 +1,78 @@
+#!/bin/bash
+# Runs every test of Sentrel on a fresh Debian machine: installs what it needs, builds the
+# native, Windows x64 and i686 trees, then runs the native and interop tests, the fuzz
+# targets for a bounded time, and the Windows and GUI tests under Wine + Xvfb.
+# Usage: scripts/run-tests.sh        (from anywhere; the build trees go to build/)
+set -uo pipefail
+cd "$(dirname "$0")/.."
+root=$PWD
+jobs=$(nproc)
+
+scripts/install-deps.sh || { echo "run-tests: installing packages failed"; exit 1; }
+
+total_pass=0; total_fail=0; failed_steps=()
+step() { echo; echo "=== $* ==="; }
+# Runs ctest, counts its results into the totals.
+run_ctest() {
+  local label=$1; shift
+  local log; log=$(mktemp)
+  ctest "$@" 2>&1 | tee "$log"
+  local rc=${PIPESTATUS[0]}
+  local line; line=$(grep -E 'tests passed, [0-9]+ tests failed out of [0-9]+' "$log" | tail -1)
+  if [ -n "$line" ]; then
+    local failed out
+    failed=$(sed -E 's/.* ([0-9]+) tests failed out of ([0-9]+).*/\1/' <<<"$line")
+    out=$(sed -E 's/.* ([0-9]+) tests failed out of ([0-9]+).*/\2/' <<<"$line")
+    total_pass=$((total_pass + out - failed)); total_fail=$((total_fail + failed))
+  fi
+  [ "$rc" = 0 ] || failed_steps+=("$label")
+  rm -f "$log"
+}
+build() {
+  local preset=$1
+  cmake --preset "$preset" >/dev/null && cmake --build --preset "$preset" -j"$jobs"
+}
+
+step "native build (ASan+UBSan)"
+if build native; then
+  step "native and interop tests"
+  run_ctest native --test-dir build/native --output-on-failure -j"$jobs"
+else
+  failed_steps+=("native build"); total_fail=$((total_fail + 1))
+fi
+
+if [ -d fuzz ] || [ -d tests/fuzz ]; then
+  step "fuzz targets (bounded runs)"
+  if build fuzz; then
+    run_ctest fuzz --test-dir build/fuzz --output-on-failure
+  else
+    failed_steps+=("fuzz build"); total_fail=$((total_fail + 1))
+  fi
+fi
+
+step "win32 build (compile and link only)"
+build win32 || { failed_steps+=("win32 build"); total_fail=$((total_fail + 1)); }
+
+step "win64 build"
+if build win64; then
+  step "Windows and GUI tests under Wine + Xvfb"
+  build/win64/wine-run --prefix-only
+  export WINEPREFIX=$root/build/win64/wineprefix
+  wineserver -p 2>/dev/null || true   # one server for the whole run, not one per test
+  xvfb_log=$(mktemp)
+  xvfb-run -a -s "-screen 0 1280x1024x24" bash -c "$(declare -f run_ctest); total_pass=0; total_fail=0; failed_steps=(); run_ctest win64 --test-dir build/win64 --output-on-failure; echo \"\$total_pass \$total_fail \${#failed_steps[@]}\" > '$xvfb_log'"
+  read -r p f s < "$xvfb_log" || { p=0; f=1; s=1; }
+  total_pass=$((total_pass + p)); total_fail=$((total_fail + f))
+  [ "${s:-1}" = 0 ] || failed_steps+=("win64 tests")
+  rm -f "$xvfb_log"
+  wineserver -k 2>/dev/null || true
+else
+  failed_steps+=("win64 build"); total_fail=$((total_fail + 1))
+fi
+
+echo
+if [ ${#failed_steps[@]} -gt 0 ]; then
+  echo "run-tests: FAILED steps: ${failed_steps[*]}"
+fi
+echo "Total: $total_pass passed, $total_fail failed"
+[ ${#failed_steps[@]} -eq 0 ]
