@@ -1,0 +1,75 @@
+// Part 2.1: the two operations through which the rest of the system reaches a device, the
+// verdict words and the index extraction. Built on CSnmpV1 / CSnmp / CSnmpTable exactly in the
+// call order that Part 2.1's algorithms give.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "snmp/snmp_client.h"
+
+// One binding of a set: OID text, type code (1 INTEGER, 2 OCTET STRING, 8 IpAddress) and the
+// value: decimal text, text, dotted text, or (raw == true, code 2) bytes of an explicit length.
+struct SnmpBinding {
+  std::string oid;
+  int type = kSnmpInteger;
+  std::string value;
+  bool raw = false;
+
+  static SnmpBinding Integer(std::string oid, long long v);
+  static SnmpBinding Integer(std::string oid, std::string decimalText);
+  static SnmpBinding Text(std::string oid, std::string text);
+  static SnmpBinding Bytes(std::string oid, std::string bytes);
+  static SnmpBinding Bytes(std::string oid, const void* data, size_t length);
+  static SnmpBinding IpAddress(std::string oid, std::string dottedText);
+};
+
+// The outcome of a set (Part 2.1).
+struct SnmpSetResult {
+  int sendStatus = 0;      // the library's return from send; 0 means an answer arrived
+  bool responded = false;  // an answer object was handed out
+  int errorStatus = 0;     // the answer's error status, 0 = noError
+  int errorIndex = 0;      // 1-based position of the offending binding, 0 when none
+};
+
+// One SetRequest with `bindings` in order, to UDP 161 of `agent`, with the write community.
+// timeoutMs is 3000 for every caller of the system; tests may shorten it.
+SnmpSetResult SnmpSet(const std::string& agent, const std::string& writeCommunity,
+                      const std::vector<SnmpBinding>& bindings,
+                      unsigned long timeoutMs = kSnmpTimeoutMs);
+
+// One binding of a walked row: the instance OID (dotted text) and the value rendered as
+// Part 2.1 says (octet strings as their exact bytes; `value.size()` is their length).
+struct SnmpRowBinding {
+  std::string oid;
+  std::string value;
+  int tag = 0;  // the BER tag of the value (snmp::kTagInteger, kTagOctetString, ...)
+};
+
+struct SnmpRow {
+  std::string index;                    // see SnmpIndexText
+  std::vector<SnmpRowBinding> bindings; // one per column, in column order
+};
+
+using SnmpRowConsumer = std::function<void(const SnmpRow& row)>;
+
+// Walks the columns with GetNext, one request per row, calling `consumer` once per row in the
+// agent's order. Returns the number of rows passed to the consumer when the walk has ended (end
+// of table, error status, time-out or a non-increasing OID).
+size_t SnmpWalk(const std::string& agent, const std::string& readCommunity,
+                const std::vector<std::string>& columnOids, const SnmpRowConsumer& consumer,
+                unsigned long timeoutMs = kSnmpTimeoutMs);
+
+// Index extraction (Part 2.1): the row's first binding OID with the first column's OID and the
+// "." after it removed from the front ("1.2" for a two-part index). A leading "." on either text
+// is ignored. Returns "" when the binding does not lie under the column.
+std::string SnmpIndexText(std::string_view firstColumnOid, std::string_view firstBindingOid);
+
+// Verdict words (Part 2.1): no answer gives "fail", an answer with a non-zero error status
+// "Fail", an answer with status 0 "Succeed" — or "Success" on the one apply path that says so.
+enum class SnmpSuccessWord { kSucceed, kSuccess };
+const char* SnmpVerdict(const SnmpSetResult& result,
+                        SnmpSuccessWord successWord = SnmpSuccessWord::kSucceed);

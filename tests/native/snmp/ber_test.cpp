@@ -1,0 +1,322 @@
+// BER codec of Part 2.1: byte tables of known packets and of malformed ones (X.690 rules).
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "snmp/ber.h"
+
+using namespace snmp;
+
+namespace {
+
+std::string Hex(const std::string& bytes) {
+  static const char* d = "0123456789abcdef";
+  std::string s;
+  for (unsigned char c : bytes) {
+    if (!s.empty()) s += ' ';
+    s += d[c >> 4];
+    s += d[c & 15];
+  }
+  return s;
+}
+
+std::string Bytes(std::initializer_list<int> v) {
+  std::string s;
+  for (int b : v) s.push_back(static_cast<char>(b));
+  return s;
+}
+
+Oid MakeOid(const char* t) {
+  Oid o;
+  EXPECT_TRUE(ParseOid(t, o)) << t;
+  return o;
+}
+
+Message OneBinding(Value v, uint8_t type = kTagSetRequest) {
+  Message m;
+  m.community = "public";
+  m.pdu.type = type;
+  m.pdu.requestId = 0x12345678;
+  m.pdu.varbinds.push_back(VarBind{MakeOid("1.3.6.1.2.1.1.1"), std::move(v)});
+  return m;
+}
+
+// The encoding of the single value inside a one-binding message.
+std::string EncodedValue(const Value& v) {
+  std::string out;
+  EXPECT_TRUE(EncodeMessage(OneBinding(v), out));
+  // Value follows the 9-byte name TLV (06 07 2b 06 01 02 01 01 01) at the end.
+  size_t pos = out.find(Bytes({0x06, 0x07, 0x2b, 0x06, 0x01, 0x02, 0x01, 0x01, 0x01}));
+  EXPECT_NE(pos, std::string::npos);
+  return out.substr(pos + 9);
+}
+
+DecodeError Decode(const std::string& bytes) {
+  Message m;
+  return DecodeMessage(bytes, m);
+}
+
+// A valid GetResponse with the given varbind list content; lengths filled in.
+std::string Wrap(const std::string& varbindListContent, int pduTag = 0xA2) {
+  auto tlv = [](int tag, const std::string& c) {
+    std::string s;
+    s.push_back(static_cast<char>(tag));
+    if (c.size() < 128) {
+      s.push_back(static_cast<char>(c.size()));
+    } else {
+      s.push_back(static_cast<char>(0x82));
+      s.push_back(static_cast<char>(c.size() >> 8));
+      s.push_back(static_cast<char>(c.size() & 0xFF));
+    }
+    return s + c;
+  };
+  std::string pdu = Bytes({0x02, 0x01, 0x07, 0x02, 0x01, 0x00, 0x02, 0x01, 0x00}) +
+                    tlv(0x30, varbindListContent);
+  std::string body = Bytes({0x02, 0x01, 0x00}) + tlv(0x04, "public") + tlv(pduTag, pdu);
+  return tlv(0x30, body);
+}
+
+// One varbind (name 1.3.6.1 and a raw value TLV).
+std::string Vb(const std::string& valueTlv) {
+  std::string c = Bytes({0x06, 0x03, 0x2b, 0x06, 0x01}) + valueTlv;
+  std::string s;
+  s.push_back(0x30);
+  if (c.size() >= 128) s.push_back(static_cast<char>(0x81));
+  s.push_back(static_cast<char>(c.size()));
+  return s + c;
+}
+
+}  // namespace
+
+TEST(BerEncode, GetNextRequestMatchesTheKnownPacket) {
+  Message m = OneBinding(Value::Null(), kTagGetNextRequest);
+  std::string out;
+  ASSERT_TRUE(EncodeMessage(m, out));
+  EXPECT_EQ(Hex(out),
+            "30 28 02 01 00 04 06 70 75 62 6c 69 63 a1 1b 02 04 12 34 56 78 02 01 00 02 01 00 "
+            "30 0d 30 0b 06 07 2b 06 01 02 01 01 01 05 00");
+}
+
+TEST(BerEncode, IntegersAreMinimalTwosComplement) {
+  EXPECT_EQ(Hex(EncodedValue(Value::Integer(0))), "02 01 00");
+  EXPECT_EQ(Hex(EncodedValue(Value::Integer(127))), "02 01 7f");
+  EXPECT_EQ(Hex(EncodedValue(Value::Integer(128))), "02 02 00 80");
+  EXPECT_EQ(Hex(EncodedValue(Value::Integer(256))), "02 02 01 00");
+  EXPECT_EQ(Hex(EncodedValue(Value::Integer(-1))), "02 01 ff");
+  EXPECT_EQ(Hex(EncodedValue(Value::Integer(-128))), "02 01 80");
+  EXPECT_EQ(Hex(EncodedValue(Value::Integer(-129))), "02 02 ff 7f");
+  EXPECT_EQ(Hex(EncodedValue(Value::Integer(INT32_MAX))), "02 04 7f ff ff ff");
+  EXPECT_EQ(Hex(EncodedValue(Value::Integer(INT32_MIN))), "02 04 80 00 00 00");
+}
+
+TEST(BerEncode, UnsignedMaximumNeedsALeadingZero) {
+  EXPECT_EQ(Hex(EncodedValue(Value::Unsigned(kTagCounter, 0xFFFFFFFFu))), "41 05 00 ff ff ff ff");
+  EXPECT_EQ(Hex(EncodedValue(Value::Unsigned(kTagGauge, 0x80u))), "42 02 00 80");
+  EXPECT_EQ(Hex(EncodedValue(Value::Unsigned(kTagTimeTicks, 0))), "43 01 00");
+}
+
+TEST(BerEncode, OctetStringKeepsZeroBytesAndUsesLongLengths) {
+  EXPECT_EQ(Hex(EncodedValue(Value::OctetString(Bytes({0, 0, 0, 0xFF})))), "04 04 00 00 00 ff");
+  EXPECT_EQ(Hex(EncodedValue(Value::OctetString(""))), "04 00");
+  std::string v200(200, 'x');
+  EXPECT_EQ(Hex(EncodedValue(Value::OctetString(v200)).substr(0, 3)), "04 81 c8");
+  std::string v300(300, 'x');
+  EXPECT_EQ(Hex(EncodedValue(Value::OctetString(v300)).substr(0, 4)), "04 82 01 2c");
+}
+
+TEST(BerEncode, IpAddressNullAndOid) {
+  EXPECT_EQ(Hex(EncodedValue(Value::IpAddress(0xC0A80001))), "40 04 c0 a8 00 01");
+  EXPECT_EQ(Hex(EncodedValue(Value::Null())), "05 00");
+  EXPECT_EQ(Hex(EncodedValue(Value::ObjectId(MakeOid("1.3.6.1.4.1.32473")))),
+            "06 08 2b 06 01 04 01 81 fd 59");
+  EXPECT_EQ(Hex(EncodedValue(Value::ObjectId(MakeOid("1.3.4294967295")))),
+            "06 06 2b 8f ff ff ff 7f");
+  EXPECT_EQ(Hex(EncodedValue(Value::ObjectId(MakeOid("2.999.3")))), "06 03 88 37 03");
+}
+
+TEST(BerEncode, RefusesWhatCannotBeEncoded) {
+  std::string out;
+  Message m = OneBinding(Value::Null());
+  m.pdu.varbinds[0].name = Oid{1};
+  EXPECT_FALSE(EncodeMessage(m, out));
+  m.pdu.varbinds[0].name = Oid{3, 1};
+  EXPECT_FALSE(EncodeMessage(m, out));
+  Value bad = Value::IpAddress(1);
+  bad.bytes.resize(3);
+  EXPECT_FALSE(EncodeMessage(OneBinding(bad), out));
+  Message big = OneBinding(Value::OctetString(std::string(70000, 'a')));
+  EXPECT_FALSE(EncodeMessage(big, out));
+  EXPECT_TRUE(out.empty());
+}
+
+TEST(BerRoundTrip, EveryValueTypeComesBackEqual) {
+  Message m;
+  m.version = 0;
+  m.community = std::string("pri\0vate", 8);
+  m.pdu.type = kTagGetResponse;
+  m.pdu.requestId = -5;
+  m.pdu.errorStatus = kBadValue;
+  m.pdu.errorIndex = 2;
+  std::vector<Value> values = {
+      Value::Integer(-123456), Value::OctetString(Bytes({0, 0, 0, 0xFF})),
+      Value::Null(), Value::IpAddress(0x7F000001), Value::ObjectId(MakeOid("1.3.6.1.6.3.1")),
+      Value::Unsigned(kTagCounter, 0xFFFFFFFFu), Value::Unsigned(kTagGauge, 42),
+      Value::Unsigned(kTagTimeTicks, 360000)};
+  Value opaque;
+  opaque.tag = kTagOpaque;
+  opaque.bytes = Bytes({0x9f, 0x78, 0x04});
+  values.push_back(opaque);
+  for (size_t i = 0; i < values.size(); ++i)
+    m.pdu.varbinds.push_back(VarBind{MakeOid(("1.3.6.1.4.1.32473.1." + std::to_string(i)).c_str()), values[i]});
+  std::string bytes;
+  ASSERT_TRUE(EncodeMessage(m, bytes));
+  Message back;
+  ASSERT_EQ(DecodeMessage(bytes, back), DecodeError::kOk);
+  EXPECT_EQ(back.community, m.community);
+  EXPECT_EQ(back.pdu.requestId, -5);
+  EXPECT_EQ(back.pdu.errorStatus, kBadValue);
+  EXPECT_EQ(back.pdu.errorIndex, 2);
+  ASSERT_EQ(back.pdu.varbinds.size(), m.pdu.varbinds.size());
+  for (size_t i = 0; i < values.size(); ++i) EXPECT_EQ(back.pdu.varbinds[i], m.pdu.varbinds[i]) << i;
+}
+
+TEST(BerRoundTrip, LargestSubIdentifiersAndLongestOid) {
+  Oid o = MakeOid("1.3.4294967295.0.4294967295");
+  Oid longest = {1, 3};
+  while (longest.size() < kMaxOidArcs) longest.push_back(static_cast<uint32_t>(longest.size()) * 1000003u);
+  for (const Oid& name : {o, longest}) {
+    Message m = OneBinding(Value::Null(), kTagGetResponse);
+    m.pdu.varbinds[0].name = name;
+    std::string bytes;
+    ASSERT_TRUE(EncodeMessage(m, bytes));
+    Message back;
+    ASSERT_EQ(DecodeMessage(bytes, back), DecodeError::kOk);
+    EXPECT_EQ(back.pdu.varbinds[0].name, name);
+  }
+}
+
+TEST(BerDecode, AcceptsAHandBuiltResponse) {
+  std::string pkt = Wrap(Vb(Bytes({0x02, 0x01, 0x05})) + Vb(Bytes({0x04, 0x02, 'h', 'i'})));
+  Message m;
+  ASSERT_EQ(DecodeMessage(pkt, m), DecodeError::kOk);
+  EXPECT_EQ(m.pdu.requestId, 7);
+  ASSERT_EQ(m.pdu.varbinds.size(), 2u);
+  EXPECT_EQ(FormatOid(m.pdu.varbinds[0].name), "1.3.6.1");
+  EXPECT_EQ(m.pdu.varbinds[0].value.integer, 5);
+  EXPECT_EQ(m.pdu.varbinds[1].value.bytes, "hi");
+  // Non-minimal long-form lengths are legal BER.
+  std::string longForm = Bytes({0x30, 0x81, 0x0c, 0x06, 0x03, 0x2b, 0x06, 0x01, 0x04, 0x84, 0, 0, 0, 1, 'z'});
+  ASSERT_EQ(DecodeMessage(Wrap(longForm), m), DecodeError::kOk);
+  EXPECT_EQ(m.pdu.varbinds[0].value.bytes, "z");
+}
+
+// The malformed classes that broke other SNMP decoders (issue 3).
+TEST(BerDecode, RefusesMalformedMessages) {
+  std::string good = Wrap(Vb(Bytes({0x02, 0x01, 0x05})));
+  ASSERT_EQ(Decode(good), DecodeError::kOk);
+
+  EXPECT_EQ(Decode(""), DecodeError::kTruncated) << "empty message";
+  EXPECT_EQ(Decode(Bytes({0x30})), DecodeError::kTruncated);
+  EXPECT_EQ(Decode(Bytes({0x30, 0x00})), DecodeError::kTruncated) << "empty sequence";
+  // Length beyond the buffer, at every level.
+  for (size_t cut = 1; cut < good.size(); ++cut)
+    EXPECT_NE(Decode(good.substr(0, cut)), DecodeError::kOk) << "cut at " << cut;
+  std::string over = good;
+  over[1] = static_cast<char>(over[1] + 1);
+  EXPECT_EQ(Decode(over), DecodeError::kTruncated);
+  // Long-form length of 5+ bytes, indefinite length, "negative" 4-byte length.
+  EXPECT_EQ(Decode(Bytes({0x30, 0x85, 0, 0, 0, 0, 3, 2, 1, 0})), DecodeError::kBadLength);
+  EXPECT_EQ(Decode(Bytes({0x30, 0x80, 2, 1, 0, 0, 0})), DecodeError::kBadLength);
+  EXPECT_EQ(Decode(Bytes({0x30, 0xFF, 2, 1, 0})), DecodeError::kBadLength);
+  EXPECT_EQ(Decode(Bytes({0x30, 0x84, 0xFF, 0xFF, 0xFF, 0xF0, 2, 1, 0})), DecodeError::kTruncated);
+  // Trailing bytes after the message.
+  EXPECT_EQ(Decode(good + Bytes({0})), DecodeError::kTrailingBytes);
+  // Multi-byte and wrong tags.
+  std::string multi = good;
+  multi[0] = 0x3F;
+  EXPECT_EQ(Decode(multi), DecodeError::kBadTag);
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x1F, 0x81, 0x00, 0x01, 0x00})))), DecodeError::kBadTag);
+  std::string wrongTop = good;
+  wrongTop[0] = 0x31;
+  EXPECT_EQ(Decode(wrongTop), DecodeError::kBadTag);
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x02, 0x01, 0x05})), 0xA4)), DecodeError::kBadTag) << "trap PDU";
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x30, 0x03, 0x02, 0x01, 0x05})))), DecodeError::kBadTag)
+      << "constructed value (deep nesting)";
+  // Zero-length and over-long INTEGERs.
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x02, 0x00})))), DecodeError::kBadInteger);
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x02, 0x09, 1, 2, 3, 4, 5, 6, 7, 8, 9})))), DecodeError::kBadInteger);
+  // request-id of 5 bytes: out of the 32-bit range of the field.
+  std::string pdu = Bytes({0x02, 0x05, 0x01, 0, 0, 0, 0, 0x02, 0x01, 0x00, 0x02, 0x01, 0x00, 0x30, 0x00});
+  std::string body = Bytes({0x02, 0x01, 0x00, 0x04, 0x00, 0xA2, static_cast<int>(pdu.size())}) + pdu;
+  EXPECT_EQ(Decode(Bytes({0x30, static_cast<int>(body.size())}) + body), DecodeError::kBadInteger);
+  // OID sub-identifier overflow, dangling continuation bit, empty OID, > 128 arcs.
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x06, 0x07, 0x2b, 0x90, 0x80, 0x80, 0x80, 0x80, 0x00})))),
+            DecodeError::kBadOid);
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x06, 0x03, 0x2b, 0x06, 0x81})))), DecodeError::kBadOid);
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x06, 0x00})))), DecodeError::kBadOid);
+  std::string arcs = Bytes({0x2b});
+  arcs.append(127, '\x01');  // 2 + 127 = 129 arcs
+  std::string tooLong = Bytes({0x06, 0x81, static_cast<int>(arcs.size())}) + arcs;
+  EXPECT_EQ(Decode(Wrap(Vb(tooLong))), DecodeError::kBadOid);
+  arcs.pop_back();  // exactly 128 arcs is fine
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x06, 0x81, static_cast<int>(arcs.size())}) + arcs))), DecodeError::kOk);
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x06, 0x02, 0x2b, 0x80})))), DecodeError::kBadOid) << "non-minimal";
+  // NULL with content, IpAddress of 3 bytes, Counter over 32 bits.
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x05, 0x01, 0x00})))), DecodeError::kBadValue);
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x40, 0x03, 1, 2, 3})))), DecodeError::kBadValue);
+  EXPECT_EQ(Decode(Wrap(Vb(Bytes({0x41, 0x05, 0x01, 0, 0, 0, 0})))), DecodeError::kBadValue);
+  // A varbind longer than its list, and a varbind with a third element.
+  std::string vb = Vb(Bytes({0x02, 0x01, 0x05}));
+  std::string longer = vb;
+  longer[1] = static_cast<char>(longer[1] + 2);
+  EXPECT_EQ(Decode(Wrap(longer)), DecodeError::kTruncated);
+  std::string third = Bytes({0x30, 0x0a, 0x06, 0x03, 0x2b, 0x06, 0x01, 0x02, 0x01, 0x05, 0x05, 0x00});
+  EXPECT_EQ(Decode(Wrap(third)), DecodeError::kTrailingBytes);
+}
+
+TEST(BerText, ParseAndFormatOids) {
+  Oid o;
+  EXPECT_TRUE(ParseOid(".1.3.6.1", o));
+  EXPECT_EQ(FormatOid(o), "1.3.6.1");
+  EXPECT_TRUE(ParseOid("1.3.4294967295", o));
+  EXPECT_EQ(o.back(), 4294967295u);
+  EXPECT_FALSE(ParseOid("1.3.4294967296", o));
+  EXPECT_FALSE(ParseOid("", o));
+  EXPECT_FALSE(ParseOid("1", o));
+  EXPECT_FALSE(ParseOid("1..3", o));
+  EXPECT_FALSE(ParseOid("1.3.", o));
+  EXPECT_FALSE(ParseOid("1.3.a", o));
+  EXPECT_FALSE(ParseOid("1.40", o));
+  EXPECT_FALSE(ParseOid("3.1", o));
+  EXPECT_FALSE(ParseOid(" 1.3", o));
+  std::string t = "1.3";
+  for (int i = 2; i < 128; ++i) t += ".7";
+  EXPECT_TRUE(ParseOid(t, o));
+  EXPECT_FALSE(ParseOid(t + ".7", o));
+}
+
+TEST(BerText, OrderAndPrefix) {
+  EXPECT_LT(CompareOids(MakeOid("1.3.6.1.2"), MakeOid("1.3.6.1.2.0")), 0);
+  EXPECT_LT(CompareOids(MakeOid("1.3.6.1.2.9"), MakeOid("1.3.6.1.10")), 0);
+  EXPECT_EQ(CompareOids(MakeOid("1.3.6"), MakeOid("1.3.6")), 0);
+  EXPECT_GT(CompareOids(MakeOid("1.3.7"), MakeOid("1.3.6.9.9")), 0);
+  EXPECT_TRUE(OidIsUnder(MakeOid("1.3.6.1.5"), MakeOid("1.3.6.1")));
+  EXPECT_FALSE(OidIsUnder(MakeOid("1.3.6.1"), MakeOid("1.3.6.1")));
+  EXPECT_FALSE(OidIsUnder(MakeOid("1.3.6.10"), MakeOid("1.3.6.1")));
+}
+
+TEST(BerText, RenderingOfEveryType) {
+  EXPECT_EQ(RenderValue(Value::Integer(-7)), "-7");
+  EXPECT_EQ(RenderValue(Value::IpAddress(0x0A000102)), "10.0.1.2");
+  EXPECT_EQ(RenderValue(Value::OctetString(Bytes({0, 'a', 0}))), Bytes({0, 'a', 0}));
+  EXPECT_EQ(RenderValue(Value::Unsigned(kTagCounter, 4294967295u)), "4294967295");
+  EXPECT_EQ(RenderValue(Value::Unsigned(kTagGauge, 7)), "7");
+  EXPECT_EQ(RenderValue(Value::Unsigned(kTagTimeTicks, 123)), "123");
+  Value opaque;
+  opaque.tag = kTagOpaque;
+  opaque.bytes = Bytes({0x9f, 0x01});
+  EXPECT_EQ(RenderValue(opaque), "9F 01");
+  EXPECT_EQ(RenderValue(Value::ObjectId(MakeOid("1.3.6.1"))), "1.3.6.1");
+  EXPECT_EQ(RenderValue(Value::Null()), "");
+  EXPECT_STREQ(TypeName(kTagIpAddress), "IpAddress");
+}

@@ -1,0 +1,522 @@
+// Part 2.1: CSnmpV1 / CSnmp / CSnmpTable, SnmpSet, SnmpWalk, verdicts and index extraction,
+// against scripted agents on loopback UDP 161. The "Edge cases worth testing" of Part 2.1 are
+// the tests marked "Part 2.1 edge case".
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <map>
+#include <mutex>
+#include <set>
+#include <thread>
+
+#include "fake_agent.h"
+#include "snmp/snmp_client.h"
+#include "snmp/snmp_ops.h"
+
+using namespace snmp;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+const char* kEthRule = "1.3.6.1.4.1.32473.12.9.3.1.1";
+
+// A tiny MIB: GetNext and Set over an ordered map, noSuchName past the end (SNMPv1).
+struct MapMib {
+  std::mutex mu;
+  std::map<Oid, Value, bool (*)(const Oid&, const Oid&)> values{
+      [](const Oid& a, const Oid& b) { return CompareOids(a, b) < 0; }};
+
+  void Put(const std::string& oid, Value v) { values[O(oid.c_str())] = std::move(v); }
+
+  FakeAgent::Handler Handler() {
+    return [this](FakeAgent& agent, const Message& req, const Endpoint& from) {
+      std::lock_guard<std::mutex> lock(mu);
+      std::vector<VarBind> out;
+      if (req.pdu.type == kTagSetRequest) {
+        for (const VarBind& vb : req.pdu.varbinds) values[vb.name] = vb.value;
+        agent.Reply(req, from, req.pdu.varbinds);
+        return;
+      }
+      for (size_t i = 0; i < req.pdu.varbinds.size(); ++i) {
+        auto it = values.upper_bound(req.pdu.varbinds[i].name);
+        if (it == values.end()) {
+          agent.Reply(req, from, req.pdu.varbinds, kNoSuchName, static_cast<int>(i + 1));
+          return;
+        }
+        out.push_back(VarBind{it->first, it->second});
+      }
+      agent.Reply(req, from, out);
+    };
+  }
+};
+
+std::string Col(const char* table, int column) { return std::string(table) + "." + std::to_string(column); }
+
+// Rule table rows (profile.access): VLAN text, MAC bytes, row status; then a foreign table.
+void FillRuleTable(MapMib& mib) {
+  const std::pair<const char*, const char*> rows[] = {{"1.2", "v12"}, {"1.10", "v110"}, {"3.12", "v312"}};
+  for (auto& [idx, vlan] : rows) {
+    mib.Put(Col(kEthRule, 3) + "." + idx, Value::OctetString(vlan));
+    mib.Put(Col(kEthRule, 4) + "." + idx, Value::OctetString(std::string("\x00\x11\x00\x00\x22\x00", 6)));
+    mib.Put(Col(kEthRule, 15) + "." + idx, Value::Integer(1));
+  }
+  mib.Put("1.3.6.1.4.1.32473.12.9.3.2.1.3.1.1", Value::OctetString("other table"));
+}
+
+std::vector<std::string> Columns(std::initializer_list<int> cols) {
+  std::vector<std::string> v;
+  for (int c : cols) v.push_back(Col(kEthRule, c));
+  return v;
+}
+
+long long MsSince(Clock::time_point t0) {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - t0).count();
+}
+
+}  // namespace
+
+TEST(SnmpSet, SucceedsAndSendsTheBindingsInOrder) {
+  MapMib mib;
+  FakeAgent agent(TestAddress(1), mib.Handler());
+  ASSERT_TRUE(agent.bound()) << "binding UDP 161 on " << TestAddress(1) << " needs root";
+  const char mask[] = {0, 0, 0, '\xFF'};
+  SnmpSetResult r = SnmpSet(TestAddress(1), "private",
+                            {SnmpBinding::Integer("1.3.6.1.4.1.32473.12.9.2.1.1.2.5", 2),
+                             SnmpBinding::Bytes("1.3.6.1.4.1.32473.12.9.2.1.1.4.5", mask, 4),
+                             SnmpBinding::Text("1.3.6.1.4.1.32473.12.9.3.1.1.3.5.1", "VLAN1"),
+                             SnmpBinding::IpAddress("1.3.6.1.4.1.32473.12.9.2.2.1.4.5", "255.255.0.0"),
+                             SnmpBinding::Integer("1.3.6.1.4.1.32473.12.9.2.1.1.8.5", "4")});
+  EXPECT_EQ(r.sendStatus, 0);
+  EXPECT_TRUE(r.responded);
+  EXPECT_EQ(r.errorStatus, 0);
+  EXPECT_EQ(r.errorIndex, 0);
+  EXPECT_STREQ(SnmpVerdict(r), "Succeed");
+  EXPECT_STREQ(SnmpVerdict(r, SnmpSuccessWord::kSuccess), "Success");
+  ASSERT_EQ(agent.requests.size(), 1u);
+  const Message& req = agent.requests[0];
+  EXPECT_EQ(req.version, 0);
+  EXPECT_EQ(req.community, "private");
+  EXPECT_EQ(req.pdu.type, kTagSetRequest);
+  ASSERT_EQ(req.pdu.varbinds.size(), 5u);
+  EXPECT_EQ(FormatOid(req.pdu.varbinds[0].name), "1.3.6.1.4.1.32473.12.9.2.1.1.2.5");
+  EXPECT_EQ(req.pdu.varbinds[0].value, Value::Integer(2));
+  EXPECT_EQ(req.pdu.varbinds[1].value, Value::OctetString(std::string(mask, 4)));
+  EXPECT_EQ(req.pdu.varbinds[2].value, Value::OctetString("VLAN1"));
+  EXPECT_EQ(req.pdu.varbinds[3].value, Value::IpAddress(0xFFFF0000));
+  EXPECT_EQ(req.pdu.varbinds[4].value, Value::Integer(4));
+}
+
+// Part 2.1 edge case: the agent rejects the second binding.
+TEST(SnmpSet, AgentRejectingTheSecondBindingGivesFailWithIndex2) {
+  FakeAgent agent(TestAddress(2), [](FakeAgent& a, const Message& req, const Endpoint& from) {
+    a.Reply(req, from, req.pdu.varbinds, kBadValue, 2);
+  });
+  ASSERT_TRUE(agent.bound());
+  SnmpSetResult r = SnmpSet(TestAddress(2), "private",
+                            {SnmpBinding::Integer("1.3.6.1.4.1.32473.12.9.2.1.1.2.5", 1),
+                             SnmpBinding::Integer("1.3.6.1.4.1.32473.12.9.2.1.1.3.5", 99)});
+  EXPECT_EQ(r.sendStatus, 0);
+  EXPECT_TRUE(r.responded);
+  EXPECT_NE(r.errorStatus, 0);
+  EXPECT_EQ(r.errorIndex, 2);
+  EXPECT_STREQ(SnmpVerdict(r), "Fail");
+  EXPECT_STREQ(SnmpVerdict(r, SnmpSuccessWord::kSuccess), "Fail");
+}
+
+// Part 2.1 edge case: a set to an unreachable device yields "fail" after one 3000 ms time-out.
+TEST(SnmpSet, UnreachableDeviceGivesFailAfterOneTimeout) {
+  auto t0 = Clock::now();
+  SnmpSetResult r = SnmpSet(TestAddress(250), "private",
+                            {SnmpBinding::Integer("1.3.6.1.4.1.32473.12.1.2.6.0", 5)});
+  long long ms = MsSince(t0);
+  EXPECT_NE(r.sendStatus, 0);
+  EXPECT_FALSE(r.responded);
+  EXPECT_EQ(r.errorStatus, 0);
+  EXPECT_EQ(r.errorIndex, 0);
+  EXPECT_STREQ(SnmpVerdict(r), "fail");
+  EXPECT_GE(ms, 2900);
+  EXPECT_LT(ms, 4500) << "one request, no retries";
+}
+
+TEST(SnmpSet, BadAddressOrBindingFailsWithoutSending) {
+  MapMib mib;
+  FakeAgent agent(TestAddress(3), mib.Handler());
+  ASSERT_TRUE(agent.bound());
+  for (const char* bad : {"", "127.0.3", "127.0.3.256", "localhost", "127.0.3.3 ", "127.0.3.3:0"}) {
+    SnmpSetResult r = SnmpSet(bad, "private", {SnmpBinding::Integer("1.3.6.1.2.1.1.5.0", 1)}, 200);
+    EXPECT_NE(r.sendStatus, 0) << bad;
+    EXPECT_STREQ(SnmpVerdict(r), "fail") << bad;
+  }
+  for (const SnmpBinding& b : {SnmpBinding::Integer("1.3.x", 1), SnmpBinding::Integer("1.3.6.1", "4a"),
+                               SnmpBinding::Integer("1.3.6.1", "4294967296"),
+                               SnmpBinding::IpAddress("1.3.6.1", "1.2.3"),
+                               SnmpBinding{"1.3.6.1", 7, "x", false}}) {
+    SnmpSetResult r = SnmpSet(TestAddress(3), "private", {b}, 200);
+    EXPECT_EQ(r.sendStatus, kSnmpBadRequest) << b.oid << " " << b.value;
+    EXPECT_FALSE(r.responded);
+  }
+  EXPECT_TRUE(agent.requests.empty());
+}
+
+TEST(SnmpSet, ExplicitPortFormReachesOtherPorts) {
+  MapMib mib;
+  FakeAgent agent(TestAddress(4), mib.Handler(), 16161);
+  ASSERT_TRUE(agent.bound());
+  EXPECT_STREQ(SnmpVerdict(SnmpSet(TestAddress(4) + ":16161", "w", {SnmpBinding::Integer("1.3.6.1.9.0", 1)})),
+               "Succeed");
+  EXPECT_STREQ(SnmpVerdict(SnmpSet(TestAddress(4), "w", {SnmpBinding::Integer("1.3.6.1.9.0", 1)}, 300)),
+               "fail") << "without a port the request goes to 161, where no one listens";
+}
+
+// Part 2.1 edge case: a walk of an empty table.
+TEST(SnmpWalk, EmptyTableCallsNoConsumerAndRaisesNothing) {
+  MapMib mib;
+  mib.Put("1.3.6.1.4.1.32473.12.9.3.2.1.3.1.1", Value::OctetString("next table"));
+  FakeAgent agent(TestAddress(5), mib.Handler());
+  ASSERT_TRUE(agent.bound());
+
+  CSnmpV1 request(0);
+  request.setType(kSnmpGetNextRequest);
+  CSnmpTable walker(&request);
+  request.clearVarBindList();
+  request.setCommunity("public");
+  request.addValue(Col(kEthRule, 3).c_str(), kSnmpNull, nullptr);
+  CSnmp* answer = nullptr;
+  EXPECT_NE(walker.getNext(TestAddress(5).c_str(), answer, 3000), 0);
+  EXPECT_EQ(answer, nullptr);
+
+  int calls = 0;
+  EXPECT_EQ(SnmpWalk(TestAddress(5), "public", Columns({3, 15}), [&](const SnmpRow&) { ++calls; }), 0u);
+  EXPECT_EQ(calls, 0);
+  // And a table at the very end of the agent's MIB (noSuchName on the first step).
+  EXPECT_EQ(SnmpWalk(TestAddress(5), "public", {"1.3.6.1.4.1.32473.99.1.1"}, [&](const SnmpRow&) { ++calls; }), 0u);
+  EXPECT_EQ(calls, 0);
+}
+
+// Part 2.1 edge case: no agent answers.
+TEST(SnmpWalk, NoAgentReturnsAfterOneTimeoutWithNoRows) {
+  auto t0 = Clock::now();
+  int calls = 0;
+  EXPECT_EQ(SnmpWalk(TestAddress(251), "public", Columns({3}), [&](const SnmpRow&) { ++calls; }), 0u);
+  long long ms = MsSince(t0);
+  EXPECT_EQ(calls, 0);
+  EXPECT_GE(ms, 2900);
+  EXPECT_LT(ms, 4500);
+}
+
+// Part 2.1 edge case: a row whose index has several parts keeps all of them.
+TEST(SnmpWalk, RowsInAgentOrderWithMultiPartIndexAndNoForeignRows) {
+  MapMib mib;
+  FillRuleTable(mib);
+  FakeAgent agent(TestAddress(6), mib.Handler());
+  ASSERT_TRUE(agent.bound());
+  std::vector<SnmpRow> rows;
+  size_t n = SnmpWalk(TestAddress(6), "public", Columns({3, 4, 15}),
+                      [&](const SnmpRow& r) { rows.push_back(r); });
+  ASSERT_EQ(n, 3u);
+  ASSERT_EQ(rows.size(), 3u);
+  EXPECT_EQ(rows[0].index, "1.2");
+  EXPECT_EQ(rows[1].index, "1.10");
+  EXPECT_EQ(rows[2].index, "3.12");
+  EXPECT_EQ(rows[1].bindings[0].oid, Col(kEthRule, 3) + ".1.10");
+  EXPECT_EQ(rows[1].bindings[0].value, "v110");
+  EXPECT_EQ(rows[1].bindings[0].tag, kTagOctetString);
+  EXPECT_EQ(rows[1].bindings[1].value, std::string("\x00\x11\x00\x00\x22\x00", 6));
+  EXPECT_EQ(rows[1].bindings[2].oid, Col(kEthRule, 15) + ".1.10");
+  EXPECT_EQ(rows[1].bindings[2].value, "1");
+  for (const SnmpRow& r : rows)
+    for (const SnmpRowBinding& b : r.bindings) EXPECT_EQ(b.oid.rfind(kEthRule, 0), 0u) << b.oid;
+  // n rows cost n + 1 requests, each carrying every column.
+  ASSERT_EQ(agent.requests.size(), 4u);
+  for (const Message& m : agent.requests) {
+    EXPECT_EQ(m.pdu.type, kTagGetNextRequest);
+    EXPECT_EQ(m.community, "public");
+    ASSERT_EQ(m.pdu.varbinds.size(), 3u);
+    EXPECT_EQ(m.pdu.varbinds[0].value.tag, kTagNull);
+  }
+  EXPECT_EQ(FormatOid(agent.requests[0].pdu.varbinds[0].name), Col(kEthRule, 3));
+  EXPECT_EQ(FormatOid(agent.requests[1].pdu.varbinds[2].name), Col(kEthRule, 15) + ".1.2");
+}
+
+// Part 2.1 edge case: a raw octet string with zero bytes inside goes out with its full length
+// and comes back with all its bytes.
+TEST(SnmpWalk, RawOctetStringWithZeroBytesRoundTrips) {
+  MapMib mib;
+  FakeAgent agent(TestAddress(7), mib.Handler());
+  ASSERT_TRUE(agent.bound());
+  const std::string mask("\x00\x00\x00\xFF", 4);
+  const std::string col = "1.3.6.1.4.1.32473.12.9.2.2.1.18";
+  SnmpSetResult r = SnmpSet(TestAddress(7), "private", {SnmpBinding::Bytes(col + ".7", mask)});
+  ASSERT_STREQ(SnmpVerdict(r), "Succeed");
+  ASSERT_EQ(agent.requests.size(), 1u);
+  // On the wire: 04 04 00 00 00 ff.
+  EXPECT_NE(agent.rawRequests[0].find(std::string("\x04\x04\x00\x00\x00\xFF", 6)), std::string::npos);
+
+  std::vector<SnmpRow> rows;
+  SnmpWalk(TestAddress(7), "public", {col}, [&](const SnmpRow& row) { rows.push_back(row); });
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(rows[0].index, "7");
+  EXPECT_EQ(rows[0].bindings[0].value, mask);
+
+  // The library's accessor: raw octets followed by a zero byte.
+  CSnmpV1 request(0);
+  request.setType(kSnmpGetNextRequest);
+  CSnmpTable walker(&request);
+  request.clearVarBindList();
+  request.setCommunity("public");
+  request.addValue(col.c_str(), kSnmpNull, nullptr);
+  CSnmp* answer = nullptr;
+  ASSERT_EQ(walker.getNext(TestAddress(7).c_str(), answer, 3000), 0);
+  ASSERT_NE(answer, nullptr);
+  char* value = nullptr;
+  ASSERT_EQ(answer->getValue(0, value), 0);
+  EXPECT_EQ(std::string(value, 5), mask + std::string(1, '\0'));
+  EXPECT_EQ(answer->getValueLength(0), 4);
+  CSnmp::freeText(value);
+  delete answer;
+}
+
+TEST(SnmpWalk, EndsOnAnErrorStatus) {
+  MapMib mib;
+  FillRuleTable(mib);
+  auto inner = mib.Handler();
+  int count = 0;
+  FakeAgent agent(TestAddress(8), [&](FakeAgent& a, const Message& req, const Endpoint& from) {
+    if (++count == 3) a.Reply(req, from, req.pdu.varbinds, kGenErr, 1);
+    else inner(a, req, from);
+  });
+  ASSERT_TRUE(agent.bound());
+  std::vector<std::string> idx;
+  EXPECT_EQ(SnmpWalk(TestAddress(8), "public", Columns({3}), [&](const SnmpRow& r) { idx.push_back(r.index); }), 2u);
+  EXPECT_EQ(idx, (std::vector<std::string>{"1.2", "1.10"}));
+}
+
+TEST(SnmpWalk, EndsWhenTheAgentLoopsOrGoesBackwards) {
+  const std::string c3 = Col(kEthRule, 3);
+  // Loop: the agent always answers with the same instance.
+  FakeAgent loop(TestAddress(9), [&](FakeAgent& a, const Message& req, const Endpoint& from) {
+    a.Reply(req, from, {VarBind{O((c3 + ".1.1").c_str()), Value::Integer(1)}});
+  });
+  ASSERT_TRUE(loop.bound());
+  EXPECT_EQ(SnmpWalk(TestAddress(9), "public", {c3}, nullptr), 1u);
+  EXPECT_EQ(loop.requests.size(), 2u);
+  // Backwards: 1.5 then 1.3.
+  int step = 0;
+  FakeAgent back(TestAddress(10), [&](FakeAgent& a, const Message& req, const Endpoint& from) {
+    a.Reply(req, from, {VarBind{O((c3 + (++step == 1 ? ".1.5" : ".1.3")).c_str()), Value::Integer(1)}});
+  });
+  ASSERT_TRUE(back.bound());
+  EXPECT_EQ(SnmpWalk(TestAddress(10), "public", {c3}, nullptr), 1u);
+}
+
+TEST(SnmpWalk, EndsWhenAnyColumnLeavesItsColumnOrTheCountChanges) {
+  MapMib mib;
+  FillRuleTable(mib);
+  mib.values.erase(O((Col(kEthRule, 4) + ".3.12").c_str()));  // column 4 runs out one row early
+  FakeAgent agent(TestAddress(11), mib.Handler());
+  ASSERT_TRUE(agent.bound());
+  std::vector<SnmpRow> rows;
+  SnmpWalk(TestAddress(11), "public", Columns({3, 4}), [&](const SnmpRow& r) { rows.push_back(r); });
+  ASSERT_EQ(rows.size(), 2u);  // the third answer carries column 15's instance for column 4
+  FakeAgent fewer(TestAddress(12), [&](FakeAgent& a, const Message& req, const Endpoint& from) {
+    a.Reply(req, from, {VarBind{O((Col(kEthRule, 3) + ".1.1").c_str()), Value::Integer(1)}});
+  });
+  ASSERT_TRUE(fewer.bound());
+  EXPECT_EQ(SnmpWalk(TestAddress(12), "public", Columns({3, 4}), nullptr), 0u);
+}
+
+TEST(SnmpWalk, GetNextStaysEndedWithoutSendingAgain) {
+  MapMib mib;
+  FakeAgent agent(TestAddress(13), mib.Handler());
+  ASSERT_TRUE(agent.bound());
+  CSnmpV1 request(0);
+  request.setType(kSnmpGetNextRequest);
+  CSnmpTable walker(&request);
+  request.clearVarBindList();
+  request.setCommunity("public");
+  request.addValue("1.3.6.1.2.1.2", kSnmpNull, nullptr);
+  CSnmp* answer = nullptr;
+  EXPECT_NE(walker.getNext(TestAddress(13).c_str(), answer, 3000), 0);
+  EXPECT_NE(walker.getNext(TestAddress(13).c_str(), answer, 3000), 0);
+  EXPECT_EQ(agent.requests.size(), 1u);
+  EXPECT_EQ(answer, nullptr);
+}
+
+// Only the agent's own answer with the request's request-id counts; the rest is dropped and
+// the wait goes on.
+TEST(SnmpClient, DropsAnswersFromOtherAddressesPortsIdsTypesAndGarbage) {
+  UdpSocket otherPort, otherAddr;
+  Endpoint e;
+  ParseEndpoint(TestAddress(14), 0, e);
+  ASSERT_TRUE(otherPort.Bind(e));
+  ParseEndpoint(TestAddress(15), 161, e);
+  ASSERT_TRUE(otherAddr.Bind(e));
+  MapMib mib;
+  FillRuleTable(mib);
+  auto real = mib.Handler();
+  Message previous;
+  bool havePrevious = false;
+  FakeAgent agent(TestAddress(14), [&](FakeAgent& a, const Message& req, const Endpoint& from) {
+    Message forged;
+    forged.community = req.community;
+    forged.pdu.type = kTagGetResponse;
+    forged.pdu.requestId = req.pdu.requestId;
+    forged.pdu.varbinds = {VarBind{O((Col(kEthRule, 3) + ".9.9").c_str()), Value::OctetString("forged")}};
+    std::string bytes;
+    EncodeMessage(forged, bytes);
+    otherPort.SendTo(from, bytes.data(), bytes.size());  // right address, wrong port
+    otherAddr.SendTo(from, bytes.data(), bytes.size());  // right port, wrong address
+    a.SendRaw("garbage", from);
+    a.SendRaw(std::string("\x30\x03\x02\x01", 4), from);
+    a.Reply(req, from, forged.pdu.varbinds, 0, 0, 1);    // wrong request-id
+    Message v2 = forged;
+    v2.version = 1;
+    a.Send(v2, from);                                    // SNMPv2c
+    Message echo = forged;
+    echo.pdu.type = kTagSetRequest;
+    a.Send(echo, from);                                  // not a GetResponse
+    if (havePrevious) a.Reply(previous, from, forged.pdu.varbinds);  // stale duplicate
+    previous = req;
+    havePrevious = true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    real(a, req, from);
+    real(a, req, from);  // a duplicate of the real answer, arriving after it
+  });
+  ASSERT_TRUE(agent.bound());
+  std::vector<std::string> values;
+  SnmpWalk(TestAddress(14), "public", Columns({3}), [&](const SnmpRow& r) { values.push_back(r.bindings[0].value); });
+  EXPECT_EQ(values, (std::vector<std::string>{"v12", "v110", "v312"}));
+}
+
+TEST(SnmpClient, ForgedAnswersAloneEndInATimeout) {
+  FakeAgent agent(TestAddress(16), [](FakeAgent& a, const Message& req, const Endpoint& from) {
+    a.Reply(req, from, req.pdu.varbinds, 0, 0, 1);
+    a.Reply(req, from, req.pdu.varbinds, 0, 0, -1);
+  });
+  ASSERT_TRUE(agent.bound());
+  CSnmpV1 request(0);
+  request.setType(kSnmpSetRequest);
+  request.clearVarBindList();
+  request.setCommunity("private");
+  request.addValue("1.3.6.1.4.1.32473.12.1.2.6.0", kSnmpInteger, "5");
+  CSnmp* answer = nullptr;
+  auto t0 = Clock::now();
+  EXPECT_EQ(request.send(TestAddress(16).c_str(), answer, 400), kSnmpTimeout);
+  EXPECT_GE(MsSince(t0), 380);
+  EXPECT_EQ(answer, nullptr);
+}
+
+TEST(SnmpClient, RequestIdsAreNotPredictable) {
+  FakeAgent agent(TestAddress(17), [](FakeAgent& a, const Message& req, const Endpoint& from) {
+    a.Reply(req, from, req.pdu.varbinds);
+  });
+  ASSERT_TRUE(agent.bound());
+  for (int i = 0; i < 64; ++i)
+    ASSERT_STREQ(SnmpVerdict(SnmpSet(TestAddress(17), "w", {SnmpBinding::Integer("1.3.6.1.9.0", i)})), "Succeed");
+  std::set<int32_t> ids;
+  std::set<int64_t> steps;
+  int32_t lo = INT32_MAX, hi = 0;
+  for (size_t i = 0; i < agent.requests.size(); ++i) {
+    int32_t id = agent.requests[i].pdu.requestId;
+    ids.insert(id);
+    lo = std::min(lo, id);
+    hi = std::max(hi, id);
+    EXPECT_GT(id, 0);
+    if (i) steps.insert(static_cast<int64_t>(id) - agent.requests[i - 1].pdu.requestId);
+  }
+  EXPECT_EQ(ids.size(), 64u);
+  EXPECT_GT(steps.size(), 60u) << "no constant step between consecutive ids";
+  EXPECT_GT(static_cast<int64_t>(hi) - lo, 1 << 24) << "ids spread over the 31-bit space";
+}
+
+TEST(SnmpClient, AnswerAccessorsRenderEveryType) {
+  FakeAgent agent(TestAddress(18), [](FakeAgent& a, const Message& req, const Endpoint& from) {
+    Value opaque;
+    opaque.tag = kTagOpaque;
+    opaque.bytes = "\x01\xAB";
+    a.Reply(req, from,
+            {VarBind{O("1.3.6.1.1.1"), Value::Integer(-42)},
+             VarBind{O("1.3.6.1.1.2"), Value::IpAddress(0xC0A80A01)},
+             VarBind{O("1.3.6.1.1.3"), Value::OctetString("text")},
+             VarBind{O("1.3.6.1.1.4"), Value::Unsigned(kTagCounter, 4000000000u)},
+             VarBind{O("1.3.6.1.1.5"), Value::Unsigned(kTagGauge, 9)},
+             VarBind{O("1.3.6.1.1.6"), Value::Unsigned(kTagTimeTicks, 12345)},
+             VarBind{O("1.3.6.1.1.7"), opaque},
+             VarBind{O("1.3.6.1.1.8"), Value::ObjectId(O("1.3.6.1.4.1.32473"))}},
+            kNoError, 0);
+  });
+  ASSERT_TRUE(agent.bound());
+  CSnmpV1 request(0);
+  request.setType(kSnmpGetRequest);
+  request.clearVarBindList();
+  request.setCommunity("public");
+  request.addValue("1.3.6.1.1.1", kSnmpNull, nullptr);
+  CSnmp* answer = nullptr;
+  ASSERT_EQ(request.send(TestAddress(18).c_str(), answer, 3000), 0);
+  ASSERT_NE(answer, nullptr);
+  ASSERT_EQ(answer->getVarBindCount(), 8);
+  const char* expect[] = {"-42", "192.168.10.1", "text", "4000000000", "9", "12345", "01 AB", "1.3.6.1.4.1.32473"};
+  const char* types[] = {"INTEGER", "IpAddress", "OCTET STRING", "Counter", "Gauge", "TimeTicks", "Opaque", "OBJECT IDENTIFIER"};
+  for (int i = 0; i < 8; ++i) {
+    char* oid = nullptr;
+    char* value = nullptr;
+    char* type = nullptr;
+    ASSERT_EQ(answer->getOid(i, oid), 0);
+    EXPECT_EQ(std::string(oid), "1.3.6.1.1." + std::to_string(i + 1));
+    ASSERT_EQ(answer->getValue(i, value, type), 0);
+    EXPECT_STREQ(value, expect[i]);
+    EXPECT_STREQ(type, types[i]);
+    CSnmp::freeText(oid);
+    CSnmp::freeText(value);
+    CSnmp::freeText(type);
+  }
+  char* none = nullptr;
+  EXPECT_EQ(answer->getOid(8, none), -1);
+  EXPECT_EQ(answer->getValue(-1, none), -1);
+  EXPECT_EQ(none, nullptr);
+  int status = -1, index = -1;
+  answer->getError(status, index);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(index, 0);
+  delete answer;
+}
+
+TEST(SnmpClient, IndependentRequestObjectsOnSeveralThreads) {
+  MapMib mib;
+  for (int i = 1; i <= 200; ++i) mib.Put(Col(kEthRule, 3) + ".1." + std::to_string(i), Value::Integer(i));
+  FakeAgent agent(TestAddress(19), mib.Handler());
+  ASSERT_TRUE(agent.bound());
+  size_t counts[4] = {};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t)
+    threads.emplace_back([&, t] {
+      long long sum = 0;
+      counts[t] = SnmpWalk(TestAddress(19), "public", Columns({3}), [&](const SnmpRow& r) { sum += std::stoll(r.bindings[0].value); });
+      if (sum != 200 * 201 / 2) counts[t] = 0;
+    });
+  for (auto& th : threads) th.join();
+  for (size_t c : counts) EXPECT_EQ(c, 200u);
+}
+
+TEST(SnmpIndex, FirstColumnAndDotRemoved) {
+  EXPECT_EQ(SnmpIndexText(Col(kEthRule, 1), Col(kEthRule, 1) + ".1.2"), "1.2");
+  EXPECT_EQ(SnmpIndexText("1.3.6.1.4.1.32473.12.9.2.1.1.1", "1.3.6.1.4.1.32473.12.9.2.1.1.1.5"), "5");
+  EXPECT_EQ(SnmpIndexText(".1.3.6.1.2", "1.3.6.1.2.7.8.9"), "7.8.9");
+  EXPECT_EQ(SnmpIndexText("1.3.6.1.2", ".1.3.6.1.2.7"), "7");
+  EXPECT_EQ(SnmpIndexText("1.3.6.1.2", "1.3.6.1.20.5"), "");
+  EXPECT_EQ(SnmpIndexText("1.3.6.1.2", "1.3.6.1.2"), "");
+  EXPECT_EQ(SnmpIndexText("1.3.6.1.2", "1.3.6.1.3.1"), "");
+}
+
+TEST(SnmpVerdictWords, TheWordRule) {
+  SnmpSetResult none{1, false, 0, 0};
+  SnmpSetResult err{0, true, kNoSuchName, 1};
+  SnmpSetResult ok{0, true, 0, 0};
+  SnmpSetResult okOddIndex{7, true, 0, 3};  // sendStatus and errorIndex play no part
+  EXPECT_STREQ(SnmpVerdict(none), "fail");
+  EXPECT_STREQ(SnmpVerdict(none, SnmpSuccessWord::kSuccess), "fail");
+  EXPECT_STREQ(SnmpVerdict(err), "Fail");
+  EXPECT_STREQ(SnmpVerdict(ok), "Succeed");
+  EXPECT_STREQ(SnmpVerdict(ok, SnmpSuccessWord::kSuccess), "Success");
+  EXPECT_STREQ(SnmpVerdict(okOddIndex), "Succeed");
+}
