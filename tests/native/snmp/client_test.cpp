@@ -78,7 +78,7 @@ long long MsSince(Clock::time_point t0) {
 TEST(SnmpSet, SucceedsAndSendsTheBindingsInOrder) {
   MapMib mib;
   FakeAgent agent(TestAddress(1), mib.Handler());
-  ASSERT_TRUE(agent.bound()) << "binding UDP 161 on " << TestAddress(1) << " needs root";
+  ASSERT_TRUE(agent.bound()) << "binding " << TestAddress(1) << " (UDP 161 needs root)";
   const char mask[] = {0, 0, 0, '\xFF'};
   SnmpSetResult r = SnmpSet(TestAddress(1), "private",
                             {SnmpBinding::Integer("1.3.6.1.4.1.32473.12.9.2.1.1.2.5", 2),
@@ -158,6 +158,7 @@ TEST(SnmpSet, BadAddressOrBindingFailsWithoutSending) {
   EXPECT_TRUE(agent.requests.empty());
 }
 
+#ifndef SNMP_TEST_PORT_BASE  // under Wine every agent already uses the explicit port form
 TEST(SnmpSet, ExplicitPortFormReachesOtherPorts) {
   MapMib mib;
   FakeAgent agent(TestAddress(4), mib.Handler(), 16161);
@@ -167,6 +168,7 @@ TEST(SnmpSet, ExplicitPortFormReachesOtherPorts) {
   EXPECT_STREQ(SnmpVerdict(SnmpSet(TestAddress(4), "w", {SnmpBinding::Integer("1.3.6.1.9.0", 1)}, 300)),
                "fail") << "without a port the request goes to 161, where no one listens";
 }
+#endif
 
 // Part 2.1 edge case: a walk of an empty table.
 TEST(SnmpWalk, EmptyTableCallsNoConsumerAndRaisesNothing) {
@@ -348,9 +350,12 @@ TEST(SnmpClient, DropsAnswersFromOtherAddressesPortsIdsTypesAndGarbage) {
   UdpSocket otherPort, otherAddr;
   Endpoint e;
   ParseEndpoint(TestAddress(14), 0, e);
+  e.port = 0;
   ASSERT_TRUE(otherPort.Bind(e));
+#ifndef SNMP_TEST_PORT_BASE  // Wine cannot give a socket a second loopback source address
   ParseEndpoint(TestAddress(15), 161, e);
   ASSERT_TRUE(otherAddr.Bind(e));
+#endif
   MapMib mib;
   FillRuleTable(mib);
   auto real = mib.Handler();
@@ -365,7 +370,7 @@ TEST(SnmpClient, DropsAnswersFromOtherAddressesPortsIdsTypesAndGarbage) {
     std::string bytes;
     EncodeMessage(forged, bytes);
     otherPort.SendTo(from, bytes.data(), bytes.size());  // right address, wrong port
-    otherAddr.SendTo(from, bytes.data(), bytes.size());  // right port, wrong address
+    if (otherAddr.IsOpen()) otherAddr.SendTo(from, bytes.data(), bytes.size());  // wrong address
     a.SendRaw("garbage", from);
     a.SendRaw(std::string("\x30\x03\x02\x01", 4), from);
     a.Reply(req, from, forged.pdu.varbinds, 0, 0, 1);    // wrong request-id

@@ -12,12 +12,21 @@
 #include "snmp/ber.h"
 #include "snmp/udp_transport.h"
 
+// Natively every scripted agent has its own loopback address on UDP 161 (127.0.3.n:161).
+// Under Wine a socket bound to 127.x.y.z is bound to 0.0.0.0 on the loopback device (Wine's
+// interface binding), so there the agents share 127.0.0.1 and differ by port:
+// SNMP_TEST_PORT_BASE + n, through the "address:port" form of the agent text.
 #ifndef SNMP_TEST_NET
 #define SNMP_TEST_NET "127.0.3."
 #endif
 
-// The loopback address with last byte `host` in this test program's own /24.
-inline std::string TestAddress(int host) { return std::string(SNMP_TEST_NET) + std::to_string(host); }
+inline std::string TestAddress(int host) {
+#ifdef SNMP_TEST_PORT_BASE
+  return std::string("127.0.0.1:") + std::to_string(SNMP_TEST_PORT_BASE + host);
+#else
+  return std::string(SNMP_TEST_NET) + std::to_string(host);
+#endif
+}
 
 class FakeAgent {
  public:
