@@ -42,7 +42,7 @@ LONG WriteProgIdKey(const char* progId, const std::string& description, const ch
 
 }  // namespace
 
-void ClassKeyName(REFCLSID clsid, char (&out)[40]) {
+void ClassKeyName(REFGUID clsid, char (&out)[40]) {
     snprintf(out, sizeof out, "{%08lX-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
              static_cast<unsigned long>(clsid.Data1), clsid.Data2, clsid.Data3, clsid.Data4[0],
              clsid.Data4[1], clsid.Data4[2], clsid.Data4[3], clsid.Data4[4], clsid.Data4[5],
@@ -112,11 +112,16 @@ HRESULT RegisterServer() {
 HRESULT UnregisterServer() {
     ComModule& module = Module();
     module.UnregisterClasses();
-    // The host is not told (Part 1.1). A type library already gone is no failure.
-    HRESULT hr = UnRegisterTypeLib(module.TypeLibId(), 1, 0, LOCALE_NEUTRAL,
-                                   sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32);
-    if (hr == TYPE_E_REGISTRYACCESS || hr == TYPE_E_LIBNOTREGISTERED) hr = S_OK;
-    return hr;
+    // The host is not told (Part 1.1). A type library that is registered no more is no
+    // failure: unregistration succeeds when everything is already gone.
+    char libKey[40];
+    ClassKeyName(module.TypeLibId(), libKey);
+    ui::UniqueRegKey key;
+    if (RegOpenKeyExA(HKEY_CLASSES_ROOT, (std::string("TypeLib\\") + libKey + "\\1.0").c_str(), 0, KEY_READ,
+                      key.put()) != ERROR_SUCCESS)
+        return S_OK;
+    key.reset();
+    return UnRegisterTypeLib(module.TypeLibId(), 1, 0, LOCALE_NEUTRAL, sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32);
 }
 
 }  // namespace shell

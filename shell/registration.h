@@ -18,7 +18,7 @@ HRESULT RegisterClassKeys(const ClassRegistration& reg);
 HRESULT UnregisterClassKeys(const ClassRegistration& reg);
 
 // Registry form of a class identifier: braces, upper-case hexadecimal digits.
-void ClassKeyName(REFCLSID clsid, char (&out)[40]);
+void ClassKeyName(REFGUID guid, char (&out)[40]);
 
 HRESULT RegisterServer();    // DllRegisterServer
 HRESULT UnregisterServer();  // DllUnregisterServer

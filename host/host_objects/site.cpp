@@ -110,7 +110,7 @@ long SiteLong(IXMLDOMDocument* site, const wchar_t* name, long fallback) {
 void LogCall(const std::wstring& line) {
     wchar_t path[MAX_PATH] = {};
     if (GetEnvironmentVariableW(L"ORBLANE_HOST_LOG", path, MAX_PATH) == 0) return;
-    FILE* f = _wfopen(path, L"a");
+    FILE* f = _wfopen(path, L"ab");
     if (!f) return;
     fprintf(f, "%ls\n", line.c_str());
     fclose(f);
