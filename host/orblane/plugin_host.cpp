@@ -12,10 +12,10 @@ namespace {
 // the host takes whatever was stored, whatever the HRESULT. A sentinel tells "nothing stored".
 constexpr long kNotStored = -1;
 
-std::vector<std::wstring> RegisteredClsids() {
+std::vector<std::wstring> RegisteredClsids(const wchar_t* keyPath) {
     std::vector<std::wstring> names;
     HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, kPlugInsKey, 0, KEY_READ, &key) != ERROR_SUCCESS) return names;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, keyPath, 0, KEY_READ, &key) != ERROR_SUCCESS) return names;
     for (DWORD index = 0;; ++index) {
         wchar_t name[128];
         DWORD length = ARRAYSIZE(name);
@@ -38,10 +38,11 @@ std::wstring LoadResourceString(HINSTANCE module, long id) {
     return std::wstring(text, static_cast<size_t>(length));
 }
 
-std::vector<PlugIn> LoadPlugIns(UINT firstCommandId, std::vector<PlugInProblem>& problems) {
+std::vector<PlugIn> LoadPlugIns(UINT firstCommandId, std::vector<PlugInProblem>& problems,
+                                const wchar_t* keyPath) {
     std::vector<PlugIn> plugIns;
     UINT nextCommand = firstCommandId;
-    for (const std::wstring& name : RegisteredClsids()) {
+    for (const std::wstring& name : RegisteredClsids(keyPath)) {
         PlugIn p;
         p.clsidText = name;
         HRESULT hr = CLSIDFromString(name.c_str(), &p.clsid);

@@ -35,7 +35,9 @@ struct PlugInProblem {
 // Creates every registered plug-in object and reads its texts. Plug-ins that cannot be
 // created or have no IHostPlugIn are reported in `problems` and left out. Command IDs are
 // given from `firstCommandId` up, in registry order.
-std::vector<PlugIn> LoadPlugIns(UINT firstCommandId, std::vector<PlugInProblem>& problems);
+// `keyPath` under HKEY_CURRENT_USER lists the plug-ins (tests use a key of their own).
+std::vector<PlugIn> LoadPlugIns(UINT firstCommandId, std::vector<PlugInProblem>& problems,
+                                const wchar_t* keyPath = kPlugInsKey);
 
 // A string of a module's string table; empty when missing.
 std::wstring LoadResourceString(HINSTANCE module, long id);
