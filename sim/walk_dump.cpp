@@ -46,8 +46,10 @@ bool ParseUnsigned(std::string_view s, uint64_t max, uint64_t& v) {
   if (s.size() >= 20) {  // Counter64 values beyond int64
     uint64_t u = 0;
     for (char c : s) {
-      if (c < '0' || c > '9' || u > (UINT64_MAX - 9) / 10) return false;
-      u = u * 10 + static_cast<uint64_t>(c - '0');
+      if (c < '0' || c > '9') return false;
+      uint64_t d = static_cast<uint64_t>(c - '0');
+      if (u > (UINT64_MAX - d) / 10) return false;
+      u = u * 10 + d;
     }
     v = u;
     return u <= max;
