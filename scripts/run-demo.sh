@@ -6,8 +6,8 @@
 # the demo site (host/demo/site.xml).
 #
 # With a display: opens the host window; close it to end the demo.
-# Without one (or with --headless): runs under Xvfb, saves screenshots of the host window
-# and of its plug-in menu under build/win64/screenshots/ and says where.
+# Without one (or with --headless): runs under Xvfb, saves screenshots of the host window,
+# of its plug-in menu and of the ACL wizard under build/win64/screenshots/ and says where.
 #
 # Usage: scripts/run-demo.sh [--headless] [--no-build] [--no-sim]
 set -euo pipefail
@@ -136,7 +136,7 @@ shoot() {  # shoot <png> <orblane options...>
     kill "$pid" 2>/dev/null || true
     return 1
   fi
-  sleep 1
+  sleep 1.5
   import -window root "$png"
   rm -f "$ready"
   wait "$pid" || true
@@ -146,4 +146,6 @@ shoot() {  # shoot <png> <orblane options...>
 shoot "$shots/host-window.png" --select-node 22 --select-device 127.0.0.21
 shoot "$shots/host-menus.png" --select-node 11 --select-device 127.0.0.2 \
   --open-menu "&Plug-In/&Halvo Console Plug-In"
+# The plug-in's ACL command as the host runs it: Execute of CSentrelCfg shows the wizard.
+shoot "$shots/host-acl-wizard.png" --select-node 22 --select-device 127.0.0.21 --run "&ACL Manager..."
 echo "run-demo: done; screenshots in $shots"

@@ -145,10 +145,18 @@ LRESULT MainWindow::Handle(UINT msg, WPARAM wParam, LPARAM lParam) {
             WriteReadyFile();
         } else if (wParam == kWatchReadyTimer) {
             // The ready file's reader removes it when done with us (e.g. after a screenshot).
-            if (GetFileAttributesW(m_options.readyFile.c_str()) == INVALID_FILE_ATTRIBUTES && !m_inCommand) {
+            if (GetFileAttributesW(m_options.readyFile.c_str()) == INVALID_FILE_ATTRIBUTES) {
                 KillTimer(m_hwnd, kWatchReadyTimer);
                 EndMenu();
-                PostMessageW(m_hwnd, WM_CLOSE, 0, 0);
+                if (m_inCommand) {
+                    // A plug-in command's modal window is open: close it as the user would
+                    // (a wizard takes WM_CLOSE as Cancel); the host follows when Execute returns.
+                    m_exitPending = true;
+                    HWND popup = GetLastActivePopup(m_hwnd);
+                    if (popup && popup != m_hwnd) PostMessageW(popup, WM_CLOSE, 0, 0);
+                } else {
+                    PostMessageW(m_hwnd, WM_CLOSE, 0, 0);
+                }
             }
         } else if (wParam == kExitTimer) {
             // A running plug-in command owns the thread's modal loop; close when it returns.
