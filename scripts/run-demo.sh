@@ -35,6 +35,7 @@ host_dll=$bin/host/host_objects/OrblaneHost.dll
 sentrel_dll=$bin/shell/Sentrel.dll
 orblane=$bin/host/orblane/orblane.exe
 sim_exe=$root/build/bench/sim/sentrel-sim
+[ -x "$sim_exe" ] || sim_exe=$root/build/native/sim/sentrel-sim
 # The demo has a Wine prefix of its own, so its registry values and its wineserver never
 # meet a test run's (wine-run honours SENTREL_WINEPREFIX).
 export SENTREL_WINEPREFIX=$demo/wineprefix
@@ -51,9 +52,15 @@ if [ "$inside_xvfb" = 0 ]; then
     cmake --preset win64 >/dev/null
     cmake --build --preset win64 -j2
     if [ "$sim" = 1 ] && [ -f sim/CMakeLists.txt ]; then
-      echo "run-demo: building the switch simulator"
-      { cmake --preset bench >/dev/null && cmake --build build/bench --target sentrel-sim -j2 >/dev/null; } ||
-        echo "run-demo: the simulator does not build yet; the demo runs without switches"
+      # The optimised (bench) build, else the native one; the log tells why neither built.
+      echo "run-demo: building the switch simulator (log: build/sim-build.log)"
+      mkdir -p build
+      for preset in bench native; do
+        if { cmake --preset $preset && cmake --build build/$preset --target sentrel-sim -j2; } \
+             > build/sim-build.log 2>&1; then
+          break
+        fi
+      done
     fi
   fi
   for f in "$host_dll" "$sentrel_dll" "$orblane"; do
