@@ -220,9 +220,13 @@ void MainWindow::OnCreate() {
         SetEnvironmentVariableW(L"ORBLANE_SITE", m_options.site.c_str());
     }
 
-    m_plugIns = LoadPlugIns(kFirstPlugInCommand, m_problems);
+    // One host system object for the whole session keeps OrblaneHost.dll loaded, so the
+    // state set through its exports (site path, selected device) lasts.
+    CoCreateInstance(CLSID_HostSystem, nullptr, CLSCTX_INPROC_SERVER, IID_IHostSystem,
+                     reinterpret_cast<void**>(m_hostSystem.GetAddressOf()));
     if (!m_options.site.empty())
         if (SetTextFn setSite = HostExport("OrblaneHostSetSitePath")) setSite(m_options.site.c_str());
+    m_plugIns = LoadPlugIns(kFirstPlugInCommand, m_problems);
 
     BuildPlugInMenus();
     DrawMenuBar(m_hwnd);
@@ -482,6 +486,7 @@ void MainWindow::OnTreeSelection() {
     std::wstring right = std::wstring(text) + L" (" + std::to_wstring(id) + L"): ";
     right += rows < 0 ? L"device list failed" : std::to_wstring(rows) + (rows == 1 ? L" device" : L" devices");
     SetStatusRight(right);
+    m_nodeText = right;
 }
 
 void MainWindow::OnDeviceSelection() {
@@ -495,6 +500,12 @@ void MainWindow::OnDeviceSelection() {
     wchar_t ip[64] = {};
     ListView_GetItemText(m_list, row, kColIP, ip, ARRAYSIZE(ip));
     setIp(ip);
+    // Show what the host system object now answers to GetSelectedDeviceIP (Part 1.2).
+    BSTR selected = nullptr;
+    long valid = 0;
+    if (m_hostSystem && SUCCEEDED(m_hostSystem->GetSelectedDeviceIP(&selected, &valid)) && valid && selected)
+        SetStatusRight(m_nodeText + L"; selected " + selected);
+    SysFreeString(selected);
 }
 
 void MainWindow::ReloadSite() {
@@ -621,6 +632,9 @@ std::wstring MainWindow::DumpMenus() const {
     return out;
 }
 
-void MainWindow::ReleasePlugIns() { m_plugIns.clear(); }
+void MainWindow::ReleasePlugIns() {
+    m_plugIns.clear();
+    m_hostSystem.Reset();
+}
 
 }  // namespace orblane

@@ -4,6 +4,7 @@
 #pragma once
 #include <windows.h>
 #include <commctrl.h>
+#include <wrl/client.h>
 #include <map>
 #include <string>
 #include <vector>
@@ -31,7 +32,7 @@ public:
     ~MainWindow();
     bool Create(HINSTANCE instance, int show);
     HWND hwnd() const { return m_hwnd; }
-    // Releases the plug-in objects (before CoUninitialize).
+    // Releases the plug-in objects and the host's own (before CoUninitialize).
     void ReleasePlugIns();
     // Text dump of the menu bar, one line per item with its full path (for tests and people).
     std::wstring DumpMenus() const;
@@ -82,6 +83,7 @@ private:
     bool m_dragging = false;
     bool m_inCommand = false;
     bool m_exitPending = false;
+    Microsoft::WRL::ComPtr<IHostSystem> m_hostSystem;
     std::vector<PlugIn> m_plugIns;
     std::vector<PlugInProblem> m_problems;
     std::vector<Toolbar> m_toolbars;
@@ -90,6 +92,7 @@ private:
     std::vector<std::wstring> m_menuLevels;
     size_t m_menuDepth = 0;
     bool m_readyWritten = false;
+    std::wstring m_nodeText;  // status-bar text of the opened node
 };
 
 }  // namespace orblane
