@@ -1,0 +1,196 @@
+#include "acl/acl_device.h"
+
+namespace {
+
+constexpr AclType kTypeOrder[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6,
+                                  AclType::kPacketContent};
+
+bool Stopped(const AclReadOptions& o) { return o.stop != nullptr && o.stop->load(); }
+
+bool IsRule(const AclTableLayout& t) { return t.record.kind == AclKind::kRules; }
+
+void Apply(AclKind kind, const std::vector<AclTarget>& targets, AclOwner owner,
+           const std::array<AclRecordList, 4>& lists, const AclApplyCallbacks& cb,
+           unsigned long timeoutMs) {
+  // Step 1 (the progress bar shown at 0).
+  if (cb.progress) cb.progress(0);
+  long long total = 0;
+  for (const AclRecordList& l : lists) total += static_cast<long long>(l.size());
+  const long long n = static_cast<long long>(targets.size());
+  for (size_t i = 0; i < targets.size(); ++i) {
+    const AclTarget& target = targets[i];
+    const long long d = static_cast<long long>(i) + 1;
+    bool deviceOk = true;
+    const ModelEntry* model = LookupSupportedModel(target.typeText);
+    SnmpSetResult closing;
+    if (model == nullptr) {
+      // The wizard admits only supported types (Part 5.1); an unknown one gets nothing sent.
+      deviceOk = false;
+    } else {
+      for (AclType type : kTypeOrder) {
+        auto table = TableLayout(*model, owner, kind, type);
+        if (!table) continue;  // not offered by the model (Part 2.2 table 2)
+        const AclRecordList& list = lists[static_cast<size_t>(type)];
+        for (size_t r = 0; r < list.size(); ++r) {
+          if (cb.progress) cb.progress(ApplyProgress(static_cast<long long>(r) + 1, d, total, n));
+          bool ok = SetRecord(target, *table, list[r], timeoutMs);
+          if (!ok) deviceOk = false;  // the apply goes on with the next record, no retry
+          if (cb.recordSent) cb.recordSent(i, type, r, ok);
+        }
+      }
+      if (deviceOk) closing = SendClosingRequest(target, owner, kind, timeoutMs);
+    }
+    if (cb.result) cb.result(i, ApplyResultWord(kind, owner, deviceOk, closing));
+  }
+  if (cb.deleteStaged) cb.deleteStaged();
+}
+
+}  // namespace
+
+// --- Part 4.3 -----------------------------------------------------------------------------------
+
+void ReadTable(const AclTarget& target, const ModelEntry& model, const AclTableLayout& table,
+               const AclReadOptions& options, AclReadResult& out) {
+  // Step 2: every column of the table in cell order; cells without a column stay empty.
+  std::vector<std::string> columns;
+  std::vector<size_t> cellOf;
+  for (size_t c = 0; c < table.columns.size(); ++c) {
+    if (table.columns[c] == 0) continue;
+    columns.push_back(table.columnOid(c));
+    cellOf.push_back(c);
+  }
+  if (columns.empty()) return;
+  const size_t cells = RecordCellCount(table.record);
+  const AclType type = table.record.type;
+  SnmpWalk(target.ip, target.readCommunity, columns,
+           [&](const SnmpRow& row) {
+             if (Stopped(options)) return;
+             AclRecord record(cells);
+             // Rows with fewer varbinds than columns leave the missing cells empty.
+             for (size_t i = 0; i < row.bindings.size() && i < cellOf.size(); ++i)
+               record[cellOf[i]] = DecodeCell(table.kinds[cellOf[i]], model, row.bindings[i]);
+             AclSummaryLine line{record[0], IsRule(table) ? record[1] : std::string(), TypeWord(type),
+                                 OwnerWord(table.record.owner)};
+             out.records[static_cast<size_t>(type)].push_back(record);
+             out.lines.push_back(line);
+             if (options.sink) options.sink(type, record, line);
+           },
+           options.timeoutMs);
+}
+
+AclReadResult ReadProfiles(const AclTarget& target, AclOwner owner, const AclReadOptions& options) {
+  AclReadResult out;
+  const ModelEntry* model = LookupSupportedModel(target.typeText);
+  if (model == nullptr) return out;
+  for (AclType type : kTypeOrder) {
+    if (Stopped(options)) break;
+    if (auto table = TableLayout(*model, owner, AclKind::kProfiles, type))
+      ReadTable(target, *model, *table, options, out);
+  }
+  return out;
+}
+
+AclReadResult ReadRules(const AclTarget& target, AclOwner owner, AclType ruleType,
+                        const AclReadOptions& options) {
+  AclReadResult out;
+  const ModelEntry* model = LookupSupportedModel(target.typeText);
+  if (model == nullptr || Stopped(options)) return out;
+  if (auto table = TableLayout(*model, owner, AclKind::kRules, ruleType))
+    ReadTable(target, *model, *table, options, out);
+  return out;
+}
+
+std::vector<int> FreeProfileIds(const AclReadResult& profiles, int count) {
+  std::vector<bool> used(static_cast<size_t>(count > 0 ? count : 0) + 1, false);
+  for (const AclRecordList& list : profiles.records)
+    for (const AclRecord& r : list) {
+      if (r.empty() || !IsIndexText(r[0])) continue;
+      long id = ParseLeadingDecimal(r[0]);
+      if (id >= 1 && id <= count) used[static_cast<size_t>(id)] = true;
+    }
+  std::vector<int> free;
+  for (int id = 1; id <= count; ++id)
+    if (!used[static_cast<size_t>(id)]) free.push_back(id);
+  return free;
+}
+
+// --- Part 4.4 -----------------------------------------------------------------------------------
+
+std::vector<SnmpBinding> RecordBindings(const ModelEntry& model, const AclTableLayout& table,
+                                        const AclRecord& record) {
+  std::vector<SnmpBinding> out;
+  auto cell = [&](size_t k) -> std::string_view {
+    return k < record.size() ? std::string_view(record[k]) : std::string_view();
+  };
+  // Step 2: the instance suffix. An ID that is not a decimal number never becomes an OID.
+  if (!IsIndexText(cell(0))) return out;
+  if (IsRule(table) && !IsIndexText(cell(1))) return out;
+  const std::string profileId(cell(0));
+  const std::string accessId = IsRule(table) ? std::string(cell(1)) : std::string();
+  // Step 3: every further cell with a column, in cell order, by its encoding.
+  for (size_t k = 0; k < table.columns.size(); ++k) {
+    if (table.columns[k] == 0 || table.leftOut[k]) continue;
+    auto enc = EncodeCell(table.kinds[k], model, cell(k));
+    if (!enc) continue;
+    out.push_back(SnmpBinding{InstanceOid(table.columnOid(k), profileId, accessId), enc->type,
+                              std::move(enc->value), enc->raw});
+  }
+  return out;
+}
+
+bool SetRecord(const AclTarget& target, const AclTableLayout& table, const AclRecord& record,
+               unsigned long timeoutMs) {
+  const ModelEntry* model = LookupSupportedModel(target.typeText);
+  if (model == nullptr) return false;
+  std::vector<SnmpBinding> bindings = RecordBindings(*model, table, record);
+  if (bindings.empty()) return false;
+  SnmpSetResult r = SnmpSet(target.ip, target.writeCommunity, bindings, timeoutMs);
+  return r.responded && r.errorStatus == 0;
+}
+
+bool DeleteRow(const AclTarget& target, const std::string& rowStatusColumnOid,
+               const std::string& profileId, const std::string& accessId, unsigned long timeoutMs) {
+  if (rowStatusColumnOid.empty() || !IsIndexText(profileId) ||
+      (!accessId.empty() && !IsIndexText(accessId)))
+    return false;
+  SnmpSetResult r = SnmpSet(target.ip, target.writeCommunity,
+                            {SnmpBinding::Integer(InstanceOid(rowStatusColumnOid, profileId, accessId),
+                                                  kRowStatusDestroy)},
+                            timeoutMs);
+  return r.responded && r.errorStatus == 0;
+}
+
+std::string RowStatusColumnOid(const ModelEntry& model, AclOwner owner, AclKind kind, AclType type) {
+  auto t = TableLayout(model, owner, kind, type);
+  if (!t || t->rowStatusCell < 0) return std::string();
+  return t->columnOid(static_cast<size_t>(t->rowStatusCell));
+}
+
+SnmpSetResult SendClosingRequest(const AclTarget& target, AclOwner owner, AclKind kind,
+                                 unsigned long timeoutMs) {
+  const ModelEntry* model = LookupSupportedModel(target.typeText);
+  if (model == nullptr) return SnmpSetResult{};
+  auto closing = model->closingRequest(owner, kind);
+  if (!closing || closing->oid == nullptr) return SnmpSetResult{};
+  return SnmpSet(target.ip, target.writeCommunity, {SnmpBinding::Integer(closing->oid, closing->value)},
+                 timeoutMs);
+}
+
+const char* ApplyResultWord(AclKind kind, AclOwner owner, bool deviceOk, const SnmpSetResult& closing) {
+  if (!deviceOk) return "Fail";
+  if (!closing.responded) return kind == AclKind::kRules && owner == AclOwner::kAcl ? "Fail" : "fail";
+  const bool success = kind == AclKind::kProfiles && owner == AclOwner::kCpu;
+  return SnmpVerdict(closing, success ? SnmpSuccessWord::kSuccess : SnmpSuccessWord::kSucceed);
+}
+
+void ApplyProfiles(const std::vector<AclTarget>& targets, AclOwner owner,
+                   const std::array<AclRecordList, 4>& lists, const AclApplyCallbacks& callbacks,
+                   unsigned long timeoutMs) {
+  Apply(AclKind::kProfiles, targets, owner, lists, callbacks, timeoutMs);
+}
+
+void ApplyRules(const std::vector<AclTarget>& targets, AclOwner owner,
+                const std::array<AclRecordList, 4>& lists, const AclApplyCallbacks& callbacks,
+                unsigned long timeoutMs) {
+  Apply(AclKind::kRules, targets, owner, lists, callbacks, timeoutMs);
+}

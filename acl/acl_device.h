@@ -1,0 +1,113 @@
+// Parts 4.3 and 4.4: reading a switch's ACL tables into records and summary lines, and writing
+// records, deletions and the closing request. Every request goes through SnmpSet / SnmpWalk
+// (Part 2.1). Progress, result words and the deletion of staged files reach the caller through
+// callbacks, so the wizard's pages and the tests share one implementation. Portable.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "acl/acl_mib.h"
+#include "acl/acl_record.h"
+
+// One selected switch (Part 5.1 `ACLTarget`).
+struct AclTarget {
+  std::string ip;
+  std::string readCommunity;
+  std::string writeCommunity;
+  std::string typeText;
+};
+
+// --- Part 4.3 ---------------------------------------------------------------------------------
+
+// One line of the visible summary list: profile ID, type word and owner word ("ACL" /
+// "CPU ACL"); for rules also the Access ID.
+struct AclSummaryLine {
+  std::string profileId;
+  std::string accessId;
+  std::string typeWord;
+  std::string ownerWord;
+};
+
+struct AclReadResult {
+  std::array<AclRecordList, 4> records;  // by AclType: the hidden lists
+  std::vector<AclSummaryLine> lines;     // the visible list, in reading order
+};
+
+// Called once per row as it arrives (a page inserts it into its lists); may be empty.
+using AclRowSink = std::function<void(AclType type, const AclRecord& record, const AclSummaryLine& line)>;
+
+struct AclReadOptions {
+  unsigned long timeoutMs = kSnmpTimeoutMs;
+  // Cooperative stop (Part 5.5 allows it): checked before each table and before each row is
+  // handed on; a walk in progress ends at its next answer.
+  const std::atomic<bool>* stop = nullptr;
+  AclRowSink sink;
+};
+
+// Walks the profile tables of the model and owner in the order Ethernet, IPv4, IPv6, packet
+// content (only those the model offers). An unknown or unsupported model reads nothing.
+AclReadResult ReadProfiles(const AclTarget& target, AclOwner owner, const AclReadOptions& options = {});
+// Walks one rule table of the model and owner.
+AclReadResult ReadRules(const AclTarget& target, AclOwner owner, AclType ruleType,
+                        const AclReadOptions& options = {});
+// Walks one table given its layout (the two above use it).
+void ReadTable(const AclTarget& target, const ModelEntry& model, const AclTableLayout& table,
+               const AclReadOptions& options, AclReadResult& out);
+
+// Part 4.3 edge case: the profile IDs 1..count not used by `profiles` (all four lists).
+std::vector<int> FreeProfileIds(const AclReadResult& profiles, int count);
+
+// --- Part 4.4 ---------------------------------------------------------------------------------
+
+// The bindings that SetRecord sends for a record (instance suffix, left-out cells, encodings).
+// Empty when the record cannot be sent: its profile ID (and Access ID for rules) is not a
+// decimal number, so bad input never reaches a switch.
+std::vector<SnmpBinding> RecordBindings(const ModelEntry& model, const AclTableLayout& table,
+                                        const AclRecord& record);
+
+// One SET with every column of the record and row status 4. Returns true when answered with
+// error status 0. A record that cannot be sent (see RecordBindings) returns false unsent.
+bool SetRecord(const AclTarget& target, const AclTableLayout& table, const AclRecord& record,
+               unsigned long timeoutMs = kSnmpTimeoutMs);
+
+// One SET of INTEGER 6 to the row-status column + ".profileId" (+ ".accessId" for rules).
+// Refused unsent (false) when the IDs are not decimal numbers (Part 5.5: a delete without a
+// selection is refused). Returns whether it was answered with error status 0.
+bool DeleteRow(const AclTarget& target, const std::string& rowStatusColumnOid,
+               const std::string& profileId, const std::string& accessId = {},
+               unsigned long timeoutMs = kSnmpTimeoutMs);
+// The row-status column OID of the model's table (Part 5.5 uses it for deletions); "" if none.
+std::string RowStatusColumnOid(const ModelEntry& model, AclOwner owner, AclKind kind, AclType type);
+
+// Part 2.2 table 5 / Part 4.4: the closing request of the target's model for owner and kind.
+SnmpSetResult SendClosingRequest(const AclTarget& target, AclOwner owner, AclKind kind,
+                                 unsigned long timeoutMs = kSnmpTimeoutMs);
+
+// Part 5.4's table: the result word of a target by page, owner and outcome.
+// `deviceOk` false gives "Fail" (no closing request was sent); otherwise the closing answer
+// decides: no error "Succeed" ("Success" for CPU-ACL profiles), error "Fail", no answer "fail"
+// ("Fail" for ordinary-ACL rules).
+const char* ApplyResultWord(AclKind kind, AclOwner owner, bool deviceOk, const SnmpSetResult& closing);
+
+struct AclApplyCallbacks {
+  std::function<void(int position)> progress;                          // 0..100
+  std::function<void(size_t target, const char* word)> result;         // per target, in order
+  std::function<void()> deleteStaged;                                  // Part 4.5 group deletion
+  std::function<void(size_t target, AclType type, size_t record, bool ok)> recordSent;  // optional
+};
+
+// Part 4.4 apply: for every target in order, the lists the model offers for the owner in the
+// order Ethernet, IPv4, IPv6, packet content, one SetRecord per record with the progress
+// formula, then the closing request when every record succeeded, and the result word; at the
+// end the staged files of the group are deleted. `lists` is indexed by AclType; a packet-content
+// list holds records in the model's shape (Part 4.5).
+void ApplyProfiles(const std::vector<AclTarget>& targets, AclOwner owner,
+                   const std::array<AclRecordList, 4>& lists, const AclApplyCallbacks& callbacks,
+                   unsigned long timeoutMs = kSnmpTimeoutMs);
+void ApplyRules(const std::vector<AclTarget>& targets, AclOwner owner,
+                const std::array<AclRecordList, 4>& lists, const AclApplyCallbacks& callbacks,
+                unsigned long timeoutMs = kSnmpTimeoutMs);

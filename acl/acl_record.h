@@ -1,0 +1,155 @@
+// Part 4.1: the ACL records (ordered rows of text cells), their lists, the text checks and the
+// rule checks, and the building of records from a page's field texts (Parts 5.2, 5.3), so that
+// the pages, the staging files (Part 4.5), the writer (Part 4.4) and the tests share one
+// implementation. Portable: no <windows.h>.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "snmp/model_catalogue.h"
+
+// A profile or rule: text cells in the fixed column order of its kind (Part 4.1). An empty cell
+// means the field is not given.
+using AclRecord = std::vector<std::string>;
+using AclRecordList = std::vector<AclRecord>;
+
+// Which record: owner, profile or rule, type, and for packet content the layout.
+struct AclRecordKind {
+  AclOwner owner = AclOwner::kAcl;
+  AclKind kind = AclKind::kProfiles;
+  AclType type = AclType::kEthernet;
+  PacketShape shape = PacketShape::kNone;  // packet content only
+  bool operator==(const AclRecordKind&) const = default;
+};
+
+// The record kind that a model uses for an owner, kind and type (the packet-content layout
+// from the catalogue). Profiles of packet content use the model's profile shape for the
+// ordinary ACL and Block16 for the CPU ACL (Part 2.2).
+AclRecordKind RecordKindFor(const ModelEntry& model, AclOwner owner, AclKind kind, AclType type);
+
+// Number of cells of a record kind (Part 4.1; 0 for a kind that does not exist).
+size_t RecordCellCount(const AclRecordKind& kind);
+
+// Part 4.1 codes as text.
+inline constexpr const char* kRowStatusCreate = "4";   // create and go
+inline constexpr const char* kRowStatusDestroy = "6";
+inline constexpr const char* kFlagYes = "1";
+inline constexpr const char* kFlagNo = "2";
+inline constexpr const char* kOmittedMac = "00.00.00.00.00.00";  // Part 4.1: a rule MAC not given
+
+// Display words. Part 4.1: "Ethernet", "IPv4", "IPv6", "Packet Content"; owner words of Part
+// 4.3: "ACL" / "CPU ACL".
+const char* TypeWord(AclType type);
+const char* OwnerWord(AclOwner owner);
+// Part 4.3: the action as the detail views show it: "Permit" for 2, "mirror" for 3, "deny" else.
+const char* ActionDetailWord(std::string_view code);
+// Part 4.5: the action in the confirmation lists: "permit", "miror", "deny", other text as is.
+std::string ActionStagingWord(std::string_view code);
+
+// Part 4.1 `AddProfile` / `AddRule`: append unless the key (profile ID; profile ID and Access
+// ID) is already in the list. Returns whether the record was appended; an existing key leaves
+// the list unchanged.
+bool AddProfile(AclRecordList& list, AclRecord record);
+bool AddRule(AclRecordList& list, AclRecord record);
+
+// Part 4.1 text checks. Left to the implementer (Part 4.1): inputs longer than a field can hold
+// are refused; every check refuses texts longer than kMaxFieldText before looking further.
+inline constexpr size_t kMaxFieldText = 96;
+bool ValidateMac(std::string_view text);        // trim, upper-case, exactly 12 of 0-9 A-F
+bool ValidateHex(std::string_view text);        // trim, upper-case, every char 0-9 A-F ("" passes)
+bool ValidateDigits(std::string_view text);     // trim, upper-case, every char 0-9
+bool ValidatePortList(std::string_view text, int portCount);  // Part 4.1 port-list rule
+// Trimmed (blanks at both ends) and upper-cased, as the MAC rule stores it.
+std::string NormalizeMac(std::string_view text);
+
+// The fields of a rule dialog (Part 5.3) as texts, plus the check boxes that decide cells.
+struct RuleFields {
+  std::string profileId, accessId;
+  std::string action = "2";        // code text: 1 deny, 2 permit, 3 mirror
+  std::string ports;               // port list
+  std::string rxRate;
+  bool priorityChecked = false;
+  std::string priority;
+  bool replaceDscpChecked = false;
+  std::string replaceDscp;
+  bool replaceTosChecked = false;
+  std::string replaceTos;
+  // Ethernet
+  std::string vlan, srcMac, dstMac, p8021, ethertype;
+  // IPv4 (protocol: the profile's "UseProtoType" code 1..6, Part 5.3)
+  std::string srcIp, dstIp, dscp, protocol;
+  std::string value1, value2;      // first and second protocol field (Part 4.1 checks 8 and 9)
+  std::string flagBits;            // TCP flag bits, decimal
+  // IPv6
+  std::string ipv6Class, flowLabel, srcIpv6, dstIpv6;
+  // Packet content: Block16 blocks (data), OffsetItems items (offset, data), Chunks4 chunks
+  // (offset, data); an item not checked is left empty.
+  struct Item {
+    bool checked = false;
+    std::string offset, data;
+  };
+  std::array<Item, 5> items{};
+};
+
+// Part 4.1 `ValidateRule`: the checks of the rule type in their order, then the checks made
+// before a record is added (empty Access ID / ports). Returns nullptr on success or the first
+// failing message, exactly as the dialog shows it.
+const char* ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
+                         const RuleFields& fields);
+
+// Builds the rule record in the cell order of Part 4.1 for the model and owner, as the rule
+// pages do (Part 5.3): MACs upper-cased and trimmed, an empty MAC stored as kOmittedMac,
+// priority flags "1"/"2", row status "4".
+AclRecord BuildRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
+                    const RuleFields& fields);
+
+// The fields of a profile definition page (Part 5.2).
+struct ProfileFields {
+  std::string profileId, profileName;
+  // Ethernet
+  bool vlan = false, p8021 = false, ethernetType = false;
+  bool srcMacChecked = false, dstMacChecked = false;
+  std::string srcMac, dstMac;
+  // IPv4
+  bool dscp = false;
+  bool srcIpChecked = false, dstIpChecked = false;
+  std::string srcIp = "0.0.0.0", dstIp = "0.0.0.0";
+  int protocolGroup = 0;          // m_nFrameOption: 3 ICMP, 4 IGMP, 5 TCP, 6 UDP, 7 protocol ID
+  bool protocolChecked = false;   // the group's own check box ("ICMP", "IGMP", "TCP", "UDP",
+                                  // "Protocol ID Mask(0-255)")
+  bool typeChecked = false, codeChecked = false;  // ICMP type / code, IGMP type
+  std::string srcPortMask, dstPortMask;           // TCP/UDP, 4 hex digits, empty = unchecked
+  bool flagBitsChecked = false;
+  int flagValue = 0;                              // URG 32, ACK 16, PSH 8, RST 4, SYN 2, FIN 1
+  std::string protocolId;
+  bool userMaskChecked = false;
+  std::string userMask;                           // 8 (or 40 on TVR4510/TVR4820) hex digits
+  // IPv6
+  bool ipv6Class = false, flowLabel = false;
+  bool srcIpv6Checked = false, dstIpv6Checked = false;
+  std::string srcIpv6Mask, dstIpv6Mask;
+  // Packet content: Block16 masks (32 hex digits each) or Chunks4 chunks (offset, mask).
+  struct Item {
+    bool checked = false;
+    std::string offset, mask;
+  };
+  std::array<Item, 5> items{};
+};
+
+// Part 5.2: "Invalid MAC Address !" when a checked MAC mask is not 12 hex digits, else nullptr.
+const char* ValidateProfile(AclType type, const ProfileFields& fields);
+
+// Builds the profile record (Part 4.1 cell order) as the definition pages do (Part 5.2).
+// The owner cell holds the owner code ("1" / "2"), except on TVR4512 with the ordinary ACL,
+// whose writer sends that cell to the profile-name column (Part 4.2), so it holds the name.
+AclRecord BuildProfile(AclType type, AclOwner owner, const ModelEntry& model,
+                       const ProfileFields& fields);
+
+// Part 4.4: the progress position after record r (1-based within its list) of target d
+// (1-based) with t records in all and n targets: (r * d * 100 / t) / n, integer arithmetic.
+// 0 when t or n is 0.
+int ApplyProgress(long long r, long long d, long long t, long long n);
