@@ -2,7 +2,11 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <algorithm>
 #include <map>
+#include <string>
+
+#include "snmp/model_catalogue.h"
 
 namespace sim {
 
@@ -122,107 +126,255 @@ ScalarDef Closing(const char* oid) {
   return s;
 }
 
-// Ethernet profile table (Part 4.2, as TVG5240-10 names it). Layout1 models stop at column 8.
-TableDef EthernetProfile(const char* entry, bool layout1, bool withName, int64_t owner) {
+// --- Part 4.2: the ACL tables as data ------------------------------------------------------
+//
+// A table is written as "column:name:type" items, in the words of Part 4.2's named-column
+// table, per model where the models differ. Types:
+//   idx0 idx1  index part 0 / 1 (ProfileID, AccessID), read-only, shows the index
+//   int        INTEGER (read-create, default 0)     flag   INTEGER 1..2 (default 2)
+//   state      address-mask state 1..4 (default 1)  act    action 1..3 (default 2)
+//   rs         RowStatus                            ip     IpAddress (default 0.0.0.0)
+//   bN         OCTET STRING of exactly N bytes (default N zero bytes)
+//   sN         text of at most N bytes (default "") hN     OCTET STRING of 0..N bytes
+//   ports      port bitmap of the model's length    own    owner (read-only: 1 or 2)
+//   ro         read-only INTEGER (unused rule entries, 128)
+
+struct TableSpec {
+  const char* name;
+  const char* entry;  // below 1.3.6.1.4.1.32473.12.9
+  const char* columns;
+};
+
+TableDef Table(const TableSpec& spec, size_t portBytes, int64_t owner) {
   TableDef t;
-  t.name = owner == 2 ? "CpuEthernetProfile" : "EthernetProfile";
-  t.entry = OidOf(Under(entry));
-  t.index = {IndexPart{1, 65535}};
-  t.columns = {IndexColumn(1, "ProfileID", 0),
-               WithDefault(IntColumn(2, "UseVLAN"), snmp::Value::Integer(2)),
-               WithDefault(IntColumn(3, "MacAddrMaskState"), snmp::Value::Integer(1)),
-               BytesColumn(4, "SrcMacAddrMask", 6),
-               BytesColumn(5, "DstMacAddrMask", 6),
-               WithDefault(IntColumn(6, "Use802.1P"), snmp::Value::Integer(2)),
-               WithDefault(IntColumn(7, "EthernetType"), snmp::Value::Integer(2)),
-               RowStatusColumn(8, "EthernetRowStatus")};
-  if (!layout1 && owner == 1) {
-    t.columns.push_back(ReadOnlyIntColumn(9, "EthernetOwner", owner));
-    t.columns.push_back(ReadOnlyIntColumn(10, "EthernetUnusedRuleEntries", 128));
-    if (withName) t.columns.push_back(WithDefault(TextColumn(11, "ProfileName", 32), snmp::Value::OctetString("")));
+  t.name = spec.name;
+  t.entry = OidOf(Under(spec.entry));
+  std::string_view cols(spec.columns);
+  bool rule = false;
+  while (!cols.empty()) {
+    size_t sp = cols.find(' ');
+    std::string_view item = cols.substr(0, sp);
+    cols = sp == std::string_view::npos ? std::string_view() : cols.substr(sp + 1);
+    if (item.empty()) continue;
+    size_t c1 = item.find(':'), c2 = item.rfind(':');
+    uint32_t number = static_cast<uint32_t>(std::stoul(std::string(item.substr(0, c1))));
+    std::string name(item.substr(c1 + 1, c2 - c1 - 1));
+    std::string_view type = item.substr(c2 + 1);
+    auto n = [&] { return static_cast<size_t>(std::stoul(std::string(type.substr(1)))); };
+    ColumnDef c;
+    if (type == "idx0") c = IndexColumn(number, name, 0);
+    else if (type == "idx1") { c = IndexColumn(number, name, 1); rule = true; }
+    else if (type == "int") c = WithDefault(IntColumn(number, name), snmp::Value::Integer(0));
+    else if (type == "flag") c = WithDefault(IntColumn(number, name, 1, 2), snmp::Value::Integer(2));
+    else if (type == "state") c = WithDefault(IntColumn(number, name, 1, 4), snmp::Value::Integer(1));
+    else if (type == "act") c = WithDefault(IntColumn(number, name, 1, 3), snmp::Value::Integer(2));
+    else if (type == "rs") c = RowStatusColumn(number, name);
+    else if (type == "ip") c = IpColumn(number, name);
+    else if (type == "ports") c = BytesColumn(number, name, portBytes);
+    else if (type == "own") c = ReadOnlyIntColumn(number, name, owner);
+    else if (type == "ro") c = ReadOnlyIntColumn(number, name, 128);
+    else if (type[0] == 'b') c = BytesColumn(number, name, n());
+    else if (type[0] == 's') c = WithDefault(TextColumn(number, name, n()), snmp::Value::OctetString(""));
+    else if (type[0] == 'h') c = WithDefault(TextColumn(number, name, n()), snmp::Value::OctetString(""));
+    else {
+      std::fprintf(stderr, "sim: bad column type in %s\n", spec.name);
+      std::abort();
+    }
+    t.columns.push_back(std::move(c));
   }
+  std::sort(t.columns.begin(), t.columns.end(),
+            [](const ColumnDef& a, const ColumnDef& b) { return a.number < b.number; });
+  // Profile IDs from 1; Access IDs from 0 (TVR4510's IPv6 rules start at 0, Part 2.2).
+  t.index = rule ? std::vector<IndexPart>{IndexPart{1, 65535}, IndexPart{0, 65535}}
+                 : std::vector<IndexPart>{IndexPart{1, 65535}};
   return t;
 }
 
-// Ethernet rule table (Part 4.2): index ProfileID.AccessID; the port bitmap's length is the
-// model's (4, 8 or 96 bytes). `rowStatus` and `rxRate` name the columns that carry them.
-TableDef EthernetRule(const char* entry, size_t portBytes, uint32_t rowStatus, uint32_t rxRate,
-                      bool withRx, bool withTos) {
-  TableDef t;
-  t.name = "EthernetRule";
-  t.entry = OidOf(Under(entry));
-  t.index = {IndexPart{1, 65535}, IndexPart{0, 65535}};
-  t.columns = {IndexColumn(1, "ProfileID", 0),
-               IndexColumn(2, "AccessID", 1),
-               WithDefault(TextColumn(3, "VLAN", 32), snmp::Value::OctetString("")),
-               BytesColumn(4, "SrcMac", 6),
-               BytesColumn(5, "DstMac", 6),
-               WithDefault(IntColumn(6, "802.1p"), snmp::Value::Integer(0)),
-               WithDefault(BytesColumn(7, "Ethertype", 2), snmp::Value::OctetString(std::string(2, '\0'))),
-               WithDefault(IntColumn(8, "PriorityFlag"), snmp::Value::Integer(2)),
-               WithDefault(IntColumn(9, "Priority"), snmp::Value::Integer(0)),
-               WithDefault(IntColumn(10, "ReplaceDSCP"), snmp::Value::Integer(0)),
-               WithDefault(IntColumn(13, "Action", 1, 3), snmp::Value::Integer(2)),
-               BytesColumn(14, "Ports", portBytes)};
-  std::map<uint32_t, ColumnDef> extra;
-  extra[rowStatus] = RowStatusColumn(rowStatus, "RowStatus");
-  if (withTos) extra[16] = WithDefault(IntColumn(16, "ToSPrecedence"), snmp::Value::Integer(0));
-  if (withRx) extra[rxRate] = WithDefault(IntColumn(rxRate, "RxRate"), snmp::Value::Integer(0));
-  for (auto& [n, c] : extra) t.columns.push_back(c);
-  return t;
+// Ordinary ACL profiles.
+constexpr const char* kEthProfile =
+    "1:ProfileID:idx0 2:UseVLAN:flag 3:MacAddrMaskState:state 4:SrcMacAddrMask:b6 "
+    "5:DstMacAddrMask:b6 6:Use802.1P:flag 7:EthernetType:flag 8:EthernetRowStatus:rs";
+constexpr const char* kEthProfileRead = " 9:EthernetOwner:own 10:EthernetUnusedRuleEntries:ro";
+constexpr const char* kIpv4ProfileHead =
+    "1:ProfileID:idx0 2:UseVLAN:flag 3:AddrMaskState:state 4:SrcIPAddrMask:ip 5:DstIPAddrMask:ip "
+    "6:UseDSCP:flag 7:UseProtoType:int 8:IcmpOption:int 9:IgmpOption:int 10:TcpOption:int "
+    "11:UdpOption:int 12:TCPorUDPSrcPortMask:b2 13:TCPorUDPDstPortMask:b2 14:TCPFlagBit:int "
+    "15:TCPFlagBitMask:int 16:ProtolIDOption:int 17:ProtolID:int 19:RowStatus:rs";
+constexpr const char* kIpv4ProfileRead = " 20:Owner:own 21:UnusedRuleEntries:ro 22:Spare:ro";
+constexpr const char* kIpv6Profile =
+    "1:ProfileID:idx0 2:MaskClass:flag 3:MaskFlowlabel:flag 4:AddrMaskState:state "
+    "5:SrcIPv6Mask:b16 6:DstIPv6Mask:b16 7:RowStatus:rs";
+constexpr const char* kBlock16Profile =
+    "1:ProfileID:idx0 2:offset0to15:b16 3:offset16to31:b16 4:offset32to47:b16 5:offset48to63:b16 "
+    "6:offset64to79:b16 7:RowStatus:rs";
+constexpr const char* kChunks4Profile =
+    "1:ID:idx0 2:Chunk1:int 3:Value1:int 4:Mask1:b4 5:Chunk2:int 6:Value2:int 7:Mask2:b4 "
+    "8:Chunk3:int 9:Value3:int 10:Mask3:b4 11:Chunk4:int 12:Value4:int 13:Mask4:b4 14:RowStatus:rs";
+
+// Ordinary ACL rules.
+constexpr const char* kEthRuleHead =
+    "1:ProfileID:idx0 2:AccessID:idx1 3:VLAN:s32 4:SrcMac:b6 5:DstMac:b6 6:802.1p:int "
+    "7:Ethertype:b2 8:PriorityFlag:flag 9:Priority:int 10:ReplaceDSCP:int 13:Action:act 14:Ports:ports";
+constexpr const char* kIpv4RuleMid =
+    "4:SrcIp:ip 5:DstIp:ip 6:DSCP:int 7:Protocol:int 10:SrcPort:int 11:DstPort:int "
+    "12:FlagBits:int 13:ProtoID:int 14:UserMask:b4 15:PriorityFlag:int 16:Priority:int "
+    "18:ReplaceDSCPFlag:int 19:ReplaceDSCP:int 20:Action:act 21:Ports:ports";
+constexpr const char* kIpv4RuleFull = " 3:VLAN:s32 8:IcmpType:int 9:IcmpCode:int";
+constexpr const char* kIpv6RuleHead =
+    "1:profileID:idx0 2:AccessID:idx1 3:Class:int 4:Flowlabel:b4 5:SrcIpv6Addr:b16 "
+    "6:DstIpv6Addr:b16 7:PriorityFlag:int 8:Priority:int 9:ReplaceDSCP:int";
+constexpr const char* kBlock16Rule =
+    "1:ProfileID:idx0 2:AccessID:idx1 3:offset0to15:b16 4:offset16to31:b16 5:offset32to47:b16 "
+    "6:offset48to63:b16 7:offset64to79:b16 8:EnablePriority:int 9:Priority:int "
+    "11:EnableReplaceDscp:int 12:RepDscp:int 13:Action:act 14:Ports:ports 15:RowStatus:rs";
+constexpr const char* kChunks4Rule =
+    "1:ProfileID:idx0 2:AccessID:idx1 3:Chunk1Offset:int 4:Chunk1Content:b4 5:Chunk2Offset:int "
+    "6:Chunk2Content:b4 7:Chunk3Offset:int 8:Chunk3Content:b4 9:Chunk4Offset:int "
+    "10:Chunk4Content:b4 11:EnablePriority:int 12:Priority:int 13:ReplaceDSCP:int 16:Action:act "
+    "17:RowStatus:rs 18:Ports:ports 20:RxRate:int";
+constexpr const char* kOffsetItemsRule =
+    "1:ProfileID:idx0 2:AccessID:idx1 8:OffsetIndex1:int 10:OffsetData1:h16 11:OffsetIndex2:int "
+    "13:OffsetData2:h16 14:OffsetIndex3:int 16:OffsetData3:h16 17:OffsetIndex4:int "
+    "19:OffsetData4:h16 20:OffsetIndex5:int 22:OffsetData5:h16 23:EnablePriority:int "
+    "24:Priority:int 28:RxRate:int 29:Action:act 30:RowStatus:rs 33:Ports:ports";
+
+// CPU ACL.
+constexpr const char* kCpuEthRuleHead =
+    "1:ProfileID:idx0 2:AccessID:idx1 3:VLAN:s32 4:SrcMac:b6 5:DstMac:b6 6:802.1p:int "
+    "7:Ethertype:b2 8:Action:act";
+constexpr const char* kCpuIpv4RuleHead =
+    "1:ProfileID:idx0 2:AccessID:idx1 3:VLAN:s32 4:SrcIp:ip 5:DstIp:ip 6:DSCP:int 7:Protocol:int "
+    "8:Type:int 9:Code:int 10:SrcPort:int 11:DstPort:int 12:FlagBits:int 13:ProtoID:int "
+    "14:UserMask:b4 15:Action:act";
+constexpr const char* kCpuIpv6Rule =
+    "1:profileID:idx0 2:AccessID:idx1 3:Class:int 4:Flowlabel:b4 5:SrcIpv6Addr:b16 "
+    "6:DstIpv6Addr:b16 7:Action:act 8:RowStatus:rs 9:Ports:ports";
+constexpr const char* kCpuBlock16RuleHead =
+    "1:ProfileID:idx0 2:AccessID:idx1 3:offset0to15:b16 4:offset16to31:b16 5:offset32to47:b16 "
+    "6:offset48to63:b16 7:offset64to79:b16 8:Action:act";
+
+std::string Cat(std::initializer_list<const char*> parts) {
+  std::string s;
+  for (const char* p : parts) (s += p) += ' ';
+  return s;
 }
 
-TableDef CpuEthernetRule(size_t portBytes, bool swapped) {
-  TableDef t;
-  t.name = "CpuEthernetRule";
-  t.entry = OidOf(Under("5.1.1"));
-  t.index = {IndexPart{1, 65535}, IndexPart{0, 65535}};
-  t.columns = {IndexColumn(1, "ProfileID", 0),
-               IndexColumn(2, "AccessID", 1),
-               WithDefault(TextColumn(3, "VLAN", 32), snmp::Value::OctetString("")),
-               BytesColumn(4, "SrcMac", 6),
-               BytesColumn(5, "DstMac", 6),
-               WithDefault(IntColumn(6, "802.1p"), snmp::Value::Integer(0)),
-               WithDefault(BytesColumn(7, "Ethertype", 2), snmp::Value::OctetString(std::string(2, '\0'))),
-               WithDefault(IntColumn(8, "Action", 1, 3), snmp::Value::Integer(2))};
-  // Part 4.2: on TVG5470/TVG5690 the row status sits in column 10 and the ports in column 9.
-  if (swapped) {
-    t.columns.push_back(BytesColumn(9, "Ports", portBytes));
-    t.columns.push_back(RowStatusColumn(10, "RowStatus"));
-  } else {
-    t.columns.push_back(RowStatusColumn(9, "RowStatus"));
-    t.columns.push_back(BytesColumn(10, "Ports", portBytes));
+// What distinguishes the models (Parts 2.2 and 4.2).
+struct ModelShape {
+  const char* closing;
+  size_t portBytes;       // 4, 8 (TVR4512) or 96 (TVG5470, TVG5690)
+  bool layout1;           // TVR4510
+  bool tvgPair;           // TVG5470, TVG5690: own column positions
+  bool named;             // TVR4512: profile-name columns
+  bool tvr4820;           // its IPv6 rule columns (Part 4.2: 12 action, 13 ports, 15 row status)
+  bool cpuEthNo8021p;     // TVG5690: its CPU Ethernet profiles have no column 6
+  size_t protoMaskBytes;  // 20 on TVR4510, TVR4820 (five 8-digit fields, Part 5.2)
+  unsigned ordProfiles, ordRules, cpuProfiles, cpuRules;  // bit 0 E, 1 IPv4, 2 IPv6, 3 PC
+  PacketShape ordProfileShape, ordRuleShape;
+};
+
+MibDef BuildModel(const ModelShape& m) {
+  MibDef d;
+  d.scalars = {Closing(m.closing)};
+  auto add = [&](const char* name, const std::string& entry, const std::string& cols, int64_t owner) {
+    d.tables.push_back(Table(TableSpec{name, entry.c_str(), cols.c_str()}, m.portBytes, owner));
+  };
+  const std::string protoMask = " 18:ProtolIDMask:b" + std::to_string(m.protoMaskBytes);
+  const char* L = m.layout1 ? "1" : "2";  // profile branch
+  const char* RL = m.layout1 ? "2" : "3";  // rule branch
+  auto E = [&](const char* tail) { return std::string(L) + tail; };
+  auto RE = [&](const char* tail) { return std::string(RL) + tail; };
+  // Ordinary ACL profiles.
+  if (m.ordProfiles & 1)
+    add("EthernetProfile", E(".1.1"),
+        Cat({kEthProfile, m.layout1 ? "" : kEthProfileRead, m.named ? "11:ProfileName:s32" : ""}), 1);
+  if (m.ordProfiles & 2)
+    add("Ipv4Profile", E(".2.1"),
+        Cat({kIpv4ProfileHead, protoMask.c_str(), m.layout1 ? "" : kIpv4ProfileRead,
+             m.named ? "23:ProfileName:s32" : ""}), 1);
+  if (m.ordProfiles & 4)
+    add("Ipv6Profile", "2.4.1", Cat({kIpv6Profile, "8:Owner:own 9:UnusedRuleEntries:ro",
+                                      m.named ? "10:ProfileName:s32" : ""}), 1);
+  if (m.ordProfiles & 8) {
+    if (m.ordProfileShape == PacketShape::kChunks4)
+      add("ChunkProfile", "2.8.1", Cat({kChunks4Profile, m.named ? "17:ProfileName:s32" : ""}), 1);
+    else
+      add("PacketProfile", E(".3.1"), kBlock16Profile, 1);
   }
-  return t;
-}
-
-MibDef Layout2(const char* closing, size_t portBytes, bool tvgPair, bool withName, bool withRx) {
-  MibDef m;
-  m.scalars = {Closing(closing)};
-  m.tables = {EthernetProfile("2.1.1", false, withName, 1),
-              tvgPair ? EthernetRule("3.1.1", portBytes, 16, 15, true, false)
-                      : EthernetRule("3.1.1", portBytes, 15, 17, withRx, true),
-              EthernetProfile("4.1.1", false, false, 2),
-              CpuEthernetRule(portBytes, tvgPair)};
-  return m;
+  // Ordinary ACL rules.
+  if (m.ordRules & 1)
+    add("EthernetRule", RE(".1.1"),
+        Cat({kEthRuleHead, m.layout1  ? "15:RowStatus:rs"
+                           : m.tvgPair ? "15:RxRate:int 16:RowStatus:rs"
+                                       : "15:RowStatus:rs 16:ToSPrecedence:int 17:RxRate:int"}), 1);
+  if (m.ordRules & 2)
+    add("Ipv4Rule", RE(".2.1"),
+        Cat({"1:ProfileID:idx0 2:AccessID:idx1", kIpv4RuleMid,
+             m.tvgPair ? "22:RxRate:int 23:RowStatus:rs" : kIpv4RuleFull,
+             m.tvgPair || m.layout1 ? "" : "22:RowStatus:rs 23:Spare:int 24:RxRate:int 25:ReplaceTOS:int",
+             m.layout1 ? "22:RowStatus:rs" : ""}), 1);
+  if (m.ordRules & 4)
+    add("Ipv6Rule", "3.4.1",
+        Cat({kIpv6RuleHead,
+             m.tvgPair             ? "10:Action:act 11:Ports:ports 12:RxRate:int 13:RowStatus:rs"
+             : m.tvr4820 ? "12:Action:act 13:Ports:ports 14:RxRate:int 15:RowStatus:rs"
+                                   : "10:Action:act 11:Ports:ports 12:RowStatus:rs 13:Spare:int 14:RxRate:int"}),
+        1);
+  if (m.ordRules & 8) {
+    switch (m.ordRuleShape) {
+      case PacketShape::kChunks4: add("ChunkRule", "3.7.1", kChunks4Rule, 1); break;
+      case PacketShape::kOffsetItems: add("OffsetRule", "3.9.1", kOffsetItemsRule, 1); break;
+      default: add("PacketRule", RE(".3.1"), kBlock16Rule, 1); break;
+    }
+  }
+  // CPU ACL (Part 2.2: profiles under .4, rules under .5 on every model).
+  if (m.cpuProfiles & 1)
+    add("CpuEthernetProfile", "4.1.1",
+        m.cpuEthNo8021p
+            ? "1:ProfileID:idx0 2:UseVLAN:flag 3:MacAddrMaskState:state 4:SrcMacAddrMask:b6 "
+              "5:DstMacAddrMask:b6 7:EthernetType:flag 8:EthernetRowStatus:rs"
+            : kEthProfile,
+        2);
+  if (m.cpuProfiles & 2) add("CpuIpv4Profile", "4.2.1", Cat({kIpv4ProfileHead, protoMask.c_str()}), 2);
+  if (m.cpuProfiles & 4) add("CpuIpv6Profile", "4.4.1", kIpv6Profile, 2);
+  if (m.cpuProfiles & 8) add("CpuPacketProfile", "4.3.1", kBlock16Profile, 2);
+  // Part 4.2: on the TVG pair the CPU rules keep the ports before the row status.
+  const bool swapped = m.tvgPair;
+  if (m.cpuRules & 1)
+    add("CpuEthernetRule", "5.1.1",
+        Cat({kCpuEthRuleHead, swapped ? "9:Ports:ports 10:RowStatus:rs" : "9:RowStatus:rs 10:Ports:ports"}), 2);
+  if (m.cpuRules & 2)
+    add("CpuIpv4Rule", "5.2.1",
+        Cat({kCpuIpv4RuleHead, swapped ? "16:Ports:ports 17:RowStatus:rs" : "16:RowStatus:rs 17:Ports:ports"}), 2);
+  if (m.cpuRules & 4) add("CpuIpv6Rule", "5.4.1", kCpuIpv6Rule, 2);
+  if (m.cpuRules & 8)
+    add("CpuPacketRule", "5.3.1",
+        Cat({kCpuBlock16RuleHead, swapped ? "9:Ports:ports 10:RowStatus:rs" : "9:RowStatus:rs 10:Ports:ports"}), 2);
+  return d;
 }
 
 const std::map<std::string, MibDef, std::less<>>& Mibs() {
   static const std::map<std::string, MibDef, std::less<>> mibs = [] {
+    using PS = PacketShape;
+    constexpr unsigned E = 1, V4 = 2, V6 = 4, PC = 8;
     std::map<std::string, MibDef, std::less<>> m;
-    m["TVG5240-10"] = Layout2(kClose6, 4, false, false, true);
-    m["TVG5470"] = Layout2(kClose6, 96, true, false, true);
-    m["TVG5690"] = Layout2(kClose18, 96, true, false, true);
-    m["TVR4060"] = Layout2(kClose6, 4, false, false, true);
-    m["TVR4820"] = Layout2(kClose6, 4, false, false, false);
-    m["TVR4512"] = Layout2(kClose6, 8, false, true, true);
-    MibDef l1;  // TVR4510: profiles under .1, rules under .2 (Part 2.2)
-    l1.scalars = {Closing(kClose6)};
-    l1.tables = {EthernetProfile("1.1.1", true, false, 1),
-                 EthernetRule("2.1.1", 4, 15, 17, false, false),
-                 EthernetProfile("4.1.1", false, false, 2),
-                 CpuEthernetRule(4, false)};
-    m["TVR4510"] = l1;
+    // Part 2.2 tables 1, 2 and 5; Part 4.2 for the port bitmap lengths.
+    // closing, ports, layout1, tvgPair, named, tvr4820, cpuEthNo8021p, protocol-mask bytes,
+    // ordinary profiles / rules, CPU profiles / rules, ordinary packet shapes (profiles, rules).
+    m["TVG5240-10"] = BuildModel({kClose6, 4, false, false, false, false, false, 4, E | V4 | V6 | PC,
+                                  E | V4 | V6 | PC, E | V4 | V6 | PC, E | V4 | V6 | PC, PS::kChunks4, PS::kChunks4});
+    m["TVG5470"] = BuildModel({kClose6, 96, false, true, false, false, false, 4, E | V4 | V6, E | V4 | V6, E | V4 | PC,
+                               E | V4 | PC, PS::kNone, PS::kNone});
+    m["TVG5690"] = BuildModel({kClose18, 96, false, true, false, false, true, 4, E | V4 | V6 | PC, E | V4 | V6 | PC,
+                               E | V4 | V6 | PC, E | V4 | V6 | PC, PS::kChunks4, PS::kChunks4});
+    m["TVR4060"] = BuildModel({kClose6, 4, false, false, false, false, false, 4, E | V4 | PC, E | V4 | PC, E | V4 | PC,
+                               E | V4 | PC, PS::kBlock16, PS::kOffsetItems});
+    m["TVR4510"] = BuildModel({kClose6, 4, true, false, false, false, false, 20, E | V4 | PC, E | V4 | PC, E | V4 | PC,
+                               E | V4 | PC, PS::kBlock16, PS::kBlock16});
+    m["TVR4820"] = BuildModel({kClose6, 4, false, false, false, true, false, 20, E | V4 | V6 | PC, E | V4 | V6 | PC,
+                               E | V4 | PC, E | V4 | PC, PS::kBlock16, PS::kBlock16});
+    m["TVR4512"] = BuildModel({kClose6, 8, false, false, true, false, false, 4, E | V4 | V6 | PC, E | V4 | V6 | PC,
+                               E | V4 | V6 | PC, E | V4 | V6 | PC, PS::kChunks4, PS::kChunks4});
     m["replay"] = MibDef{};  // no definitions: a read-only device loaded from a walk dump
     return m;
   }();
