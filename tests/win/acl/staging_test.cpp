@@ -1,0 +1,209 @@
+// Part 4.5: the staging files through the real Win32 private-profile functions (under Wine).
+// Tests named "EdgeCase..." are the "Edge cases worth testing" of Part 4.5.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "acl/acl_device.h"
+#include "acl/acl_staging.h"
+
+namespace {
+
+const ModelEntry& M(const char* text) { return *LookupModel(text); }
+
+// Every test runs in a fresh current directory, since the files live there.
+class StagingTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    char tmp[MAX_PATH];
+    ASSERT_NE(GetTempPathA(MAX_PATH, tmp), 0u);
+    dir_ = std::string(tmp) + "sentrel_staging_" + std::to_string(GetCurrentProcessId()) + "_" +
+           ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    CreateDirectoryA(dir_.c_str(), nullptr);
+    GetCurrentDirectoryA(MAX_PATH, old_);
+    ASSERT_TRUE(SetCurrentDirectoryA(dir_.c_str()));
+  }
+  void TearDown() override {
+    DeleteProfileStagingFiles();
+    DeleteRuleStagingFiles();
+    SetCurrentDirectoryA(old_);
+    RemoveDirectoryA(dir_.c_str());
+  }
+  static bool Exists(const char* name) {
+    return GetFileAttributesA(StagingPath(name).c_str()) != INVALID_FILE_ATTRIBUTES;
+  }
+  static std::string Raw(const char* section, const char* key, const char* name) {
+    char buf[4096];
+    DWORD n = GetPrivateProfileStringA(section, key, "<absent>", buf, sizeof buf, StagingPath(name).c_str());
+    return std::string(buf, n);
+  }
+  static std::string Sections(const char* name) {
+    char buf[4096];
+    DWORD n = GetPrivateProfileSectionNamesA(buf, sizeof buf, StagingPath(name).c_str());
+    std::string s;
+    for (DWORD i = 0; i < n; ++i) s += buf[i] ? buf[i] : '|';
+    return s;
+  }
+  std::string dir_;
+  char old_[MAX_PATH] = {0};
+};
+
+}  // namespace
+
+TEST_F(StagingTest, FileNamesAreTheCurrentDirectoryFollowedByTheName) {
+  char cwd[MAX_PATH];
+  GetCurrentDirectoryA(MAX_PATH, cwd);
+  EXPECT_EQ(StagingPath(kStagingEthernet), std::string(cwd) + "\\ACLEthernet.ini");
+  ASSERT_TRUE(WriteStagingFile(kStagingCpuIpv4Rule, {{"1", "2"}}, 17));
+  std::ifstream f(std::string(cwd) + "\\ACLCPUIpv4rule.ini");
+  EXPECT_TRUE(f.good());
+}
+
+TEST_F(StagingTest, LayoutSection1Item1ThenOneSectionAndKeyPerRecord) {
+  AclRecordList two{{"1", "1", "1", "", "", "2", "2", "4", "1", ""}, {"2", "2", "4", "FFFFFFFFFFFF", "0000000000FF",
+                                                                      "1", "1", "4", "1", ""}};
+  ASSERT_TRUE(WriteStagingFile(kStagingEthernet, two, 10));
+  EXPECT_EQ(Sections(kStagingEthernet), "Section1|0|1|");
+  EXPECT_EQ(Raw("Section1", "Item1", kStagingEthernet), "2");
+  EXPECT_EQ(Raw("0", "0", kStagingEthernet), "1?1?1???2?2?4?1??");
+  EXPECT_EQ(Raw("1", "1", kStagingEthernet), "2?2?4?FFFFFFFFFFFF?0000000000FF?1?1?4?1??");
+  EXPECT_EQ(ReadStagingFile(kStagingEthernet, 10, 80), two);
+}
+
+TEST_F(StagingTest, EdgeCaseZeroRecordsWriteOnlyTheCount) {
+  ASSERT_TRUE(WriteStagingFile(kStagingIpv6, {}, 9));
+  EXPECT_EQ(Sections(kStagingIpv6), "Section1|");
+  EXPECT_EQ(Raw("Section1", "Item1", kStagingIpv6), "0");
+  EXPECT_TRUE(ReadStagingFile(kStagingIpv6, 9, 80).empty());
+}
+
+TEST_F(StagingTest, EdgeCaseEmptyCellIsTwoSeparatorsAndReadsBackEmpty) {
+  ASSERT_TRUE(WriteStagingFile(kStagingIpv4Rule, {{"3", "", "x"}}, 3));
+  EXPECT_EQ(Raw("0", "0", kStagingIpv4Rule), "3??x?");
+  AclRecordList back = ReadStagingFile(kStagingIpv4Rule, 3, 160);
+  ASSERT_EQ(back.size(), 1u);
+  EXPECT_EQ(back[0], (AclRecord{"3", "", "x"}));
+}
+
+TEST_F(StagingTest, EdgeCaseShorterListOverLongerLeavesNoStaleRecords) {
+  AclRecordList three{{"1", "a"}, {"2", "b"}, {"3", "c"}};
+  ASSERT_TRUE(WriteStagingFile(kStagingEthRule, three, 2));
+  ASSERT_TRUE(WriteStagingFile(kStagingEthRule, {{"9", "z"}}, 2));
+  EXPECT_EQ(Sections(kStagingEthRule), "Section1|0|");
+  EXPECT_EQ(Raw("1", "1", kStagingEthRule), "<absent>");
+  EXPECT_EQ(ReadStagingFile(kStagingEthRule, 2, 80), (AclRecordList{{"9", "z"}}));
+}
+
+TEST_F(StagingTest, EdgeCaseMirrorReadsAsMirorInTheConfirmationList) {
+  RuleFields f;
+  f.profileId = "1";
+  f.accessId = "2";
+  f.ports = "1";
+  f.action = "3";
+  ASSERT_TRUE(WriteStagingFile(kStagingEthRule, {BuildRule(AclType::kEthernet, AclOwner::kAcl, M("TVG5690"), f)}, 15));
+  AclRecordList back = ReadStagingFile(kStagingEthRule, 15, 80);
+  ASSERT_EQ(back.size(), 1u);
+  EXPECT_EQ(ActionStagingWord(back[0][10]), "miror");
+}
+
+TEST_F(StagingTest, LongValuesComeBackWholeBeyondTheReadBuffers) {
+  // A Block16 packet-content rule with five 32-digit blocks does not fit 160 characters, an
+  // IPv6 rule with two addresses does not fit 80.
+  RuleFields f;
+  f.profileId = "1";
+  f.accessId = "1";
+  f.ports = "1-28";
+  f.srcIpv6 = std::string(32, 'A');
+  f.dstIpv6 = std::string(32, 'B');
+  for (size_t i = 0; i < 5; ++i) {
+    f.items[i].checked = true;
+    f.items[i].data = std::string(32, static_cast<char>('0' + i));
+  }
+  AclRecord pc = BuildRule(AclType::kPacketContent, AclOwner::kAcl, M("TVR4820"), f);
+  AclRecord v6 = BuildRule(AclType::kIPv6, AclOwner::kAcl, M("TVR4820"), f);
+  ASSERT_GT(JoinStagingRecord(pc, 14).size(), 160u);
+  ASSERT_GT(JoinStagingRecord(v6, 14).size(), 80u);
+  ASSERT_TRUE(WriteStagingFile(kStagingPacketRule, {pc, pc}, 14));
+  ASSERT_TRUE(WriteStagingFile(kStagingIpv6Rule, {v6}, 14));
+  EXPECT_EQ(ReadStagingFile(kStagingPacketRule, 14, 160), (AclRecordList{pc, pc}));
+  EXPECT_EQ(ReadStagingFile(kStagingIpv6Rule, 14, 80), (AclRecordList{v6}));
+  AclRecord huge(3, std::string(5000, 'F'));
+  ASSERT_TRUE(WriteStagingFile(kStagingPacket, {huge}, 3));
+  EXPECT_EQ(ReadStagingFile(kStagingPacket, 3, 180), (AclRecordList{huge}));
+}
+
+TEST_F(StagingTest, AbsentFileAndFewerSeparatorsThanCells) {
+  EXPECT_TRUE(ReadStagingFile(kStagingIpv4, 22, 120).empty());
+  WritePrivateProfileStringA("Section1", "Item1", "1", StagingPath(kStagingIpv4).c_str());
+  WritePrivateProfileStringA("0", "0", "7?1?", StagingPath(kStagingIpv4).c_str());
+  AclRecordList back = ReadStagingFile(kStagingIpv4, 22, 120);
+  ASSERT_EQ(back.size(), 1u);
+  ASSERT_EQ(back[0].size(), 22u);
+  EXPECT_EQ(back[0][0], "7");
+  EXPECT_EQ(back[0][1], "1");
+  EXPECT_EQ(back[0][21], "");
+  // A damaged count does not run away.
+  WritePrivateProfileStringA("Section1", "Item1", "99999999999", StagingPath(kStagingIpv4).c_str());
+  EXPECT_EQ(ReadStagingFile(kStagingIpv4, 22, 120).size(), 65536u);
+}
+
+TEST_F(StagingTest, QuestionMarkCellIsRefusedAndTheFileKept) {
+  ASSERT_TRUE(WriteStagingFile(kStagingEthernet, {{"1", "ok"}}, 2));
+  EXPECT_FALSE(WriteStagingFile(kStagingEthernet, {{"2", "a?b"}}, 2));
+  EXPECT_EQ(ReadStagingFile(kStagingEthernet, 2, 80), (AclRecordList{{"1", "ok"}}));
+}
+
+// Every file of Part 4.5 at once with its own records: nothing is lost or mixed between files,
+// and each group's deletion removes exactly its files.
+TEST_F(StagingTest, NothingIsLostOrMixedBetweenFilesAndGroupsDeleteTheirOwn) {
+  struct Kind {
+    const char* model;
+    AclOwner owner;
+    AclKind kind;
+    AclType type;
+  } kinds[] = {
+      {"TVG5240-10", AclOwner::kAcl, AclKind::kProfiles, AclType::kEthernet},
+      {"TVG5240-10", AclOwner::kAcl, AclKind::kProfiles, AclType::kIPv4},
+      {"TVG5240-10", AclOwner::kAcl, AclKind::kProfiles, AclType::kIPv6},
+      {"TVG5240-10", AclOwner::kAcl, AclKind::kProfiles, AclType::kPacketContent},
+      {"TVG5240-10", AclOwner::kAcl, AclKind::kRules, AclType::kEthernet},
+      {"TVG5240-10", AclOwner::kCpu, AclKind::kRules, AclType::kEthernet},
+      {"TVG5240-10", AclOwner::kAcl, AclKind::kRules, AclType::kIPv4},
+      {"TVG5240-10", AclOwner::kCpu, AclKind::kRules, AclType::kIPv4},
+      {"TVG5240-10", AclOwner::kAcl, AclKind::kRules, AclType::kIPv6},
+      {"TVG5240-10", AclOwner::kCpu, AclKind::kRules, AclType::kIPv6},
+      {"TVG5240-10", AclOwner::kAcl, AclKind::kRules, AclType::kPacketContent},
+  };
+  std::vector<std::pair<StagingFile, AclRecordList>> written;
+  int n = 0;
+  for (const Kind& k : kinds) {
+    auto f = StagingFileFor(M(k.model), k.owner, k.kind, k.type);
+    ASSERT_TRUE(f);
+    AclRecordList list;
+    for (int r = 0; r < 3; ++r) {
+      AclRecord rec(f->cellCount);
+      for (size_t c = 0; c < rec.size(); ++c) rec[c] = c % 3 == 1 ? "" : "f" + std::to_string(n) + "r" + std::to_string(r) + "c" + std::to_string(c);
+      list.push_back(rec);
+    }
+    ++n;
+    ASSERT_TRUE(WriteStagingFile(f->name, list, f->cellCount));
+    written.emplace_back(*f, list);
+  }
+  for (const auto& [f, list] : written) EXPECT_EQ(ReadStagingFile(f.name, f.cellCount, f.bufferSize), list) << f.name;
+  // A profile apply deletes the profile files (through its callback) and nothing else.
+  AclApplyCallbacks cb;
+  cb.deleteStaged = DeleteProfileStagingFiles;
+  ApplyProfiles({}, AclOwner::kAcl, {}, cb);
+  for (const char* p : {kStagingEthernet, kStagingIpv4, kStagingIpv6, kStagingPacket}) EXPECT_FALSE(Exists(p)) << p;
+  for (const auto& [f, list] : written) {
+    const std::string name = f.name;
+    if (name != kStagingEthernet && name != kStagingIpv4 && name != kStagingIpv6 && name != kStagingPacket) {
+      EXPECT_EQ(ReadStagingFile(f.name, f.cellCount, f.bufferSize), list) << f.name;
+    }
+  }
+  DeleteRuleStagingFiles();
+  for (const auto& [f, list] : written) EXPECT_FALSE(Exists(f.name)) << f.name;
+}
