@@ -1,0 +1,141 @@
+// Plain logic of the wizard's first pages (Parts 1.3, 5.1), kept free of windows so that it
+// is tested natively (DESIGN.md section 3): column comparisons for sorting the device list,
+// the target-selection rules of page 0 and the navigation table of all pages.
+#pragma once
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace acl::pages {
+
+// ---------------------------------------------------------------------------------------
+// Sorting (Part 5.1, device list filling): a click on a column header sorts by that column.
+
+// Device list columns (Part 1.3).
+enum DeviceColumn : int {
+    kColCheck = 0,
+    kColName = 1,
+    kColType = 2,
+    kColIP = 3,
+    kColReadCommunity = 4,
+    kColWriteCommunity = 5,
+    kColDeviceID = 6,
+    kDeviceColumnCount = 7
+};
+
+// Dotted addresses part by part as numbers: four parts, then equal. A part that is missing
+// or not a number counts as 0 (the system never checks the host's texts, Part 1.2).
+int CompareDottedAddress(const std::string& a, const std::string& b);
+// Decimal numbers, converted as the C library's ASCII-to-integer does.
+int CompareNumberText(const std::string& a, const std::string& b);
+// Plain byte-wise string comparison.
+int CompareText(const std::string& a, const std::string& b);
+// The comparison of a device-list column: 3 addresses, 6 numbers, the rest strings.
+int CompareDeviceColumn(int column, const std::string& a, const std::string& b);
+
+// Sort direction of the device list. Left to the implementer: Part 5.1 says ascending on
+// the first click and toggling on each further click; we count clicks per column, so a click
+// on a new column always sorts it ascending and further clicks on it toggle, as users expect.
+class SortToggle {
+public:
+    // Records a click on `column`; returns true for ascending.
+    bool Click(int column);
+    int Column() const { return m_nColumn; }
+
+private:
+    int m_nColumn = -1;
+    bool m_bAscending = true;
+};
+
+// ---------------------------------------------------------------------------------------
+// Target validation (Part 5.1, page 0, Next).
+
+inline constexpr int kMaxTargets = 10;  // the sheet's array of `ACLTarget`
+
+struct CheckedDevice {
+    std::string strDeviceType;      // column 2
+    std::string strIP;              // column 3
+    std::string strReadCommunity;   // column 4
+    std::string strWriteCommunity;  // column 5
+};
+
+enum class TargetVerdict {
+    kAccepted,         // move to page 1
+    kNoDevice,         // "Please select the device !"
+    kNotSupported,     // "Havent't developed the ACL function for the device!"
+    kDifferentType,    // "Please select the same device type!"
+    kTooManyDevices,   // more than kMaxTargets checked: our own message (left to the implementer)
+};
+
+struct TargetSelection {
+    TargetVerdict verdict = TargetVerdict::kNoDevice;
+    // The rows stored as targets, in list order; on a refusal those accepted before the
+    // failing row (Part 5.1, Failure handling), at most kMaxTargets.
+    std::vector<CheckedDevice> targets;
+    int nCheckedCount = 0;  // every checked row, for the too-many message
+};
+
+// Walks the checked rows in list order. The first row's type must be among `supportedTypes`
+// (exact, whole string); every further row must have the type of the row before it.
+// Left to the implementer: more than kMaxTargets rows that pass both rules are refused as a
+// whole (never a silent cut): the type rules are judged first over all rows, as the spec
+// orders them, and only a selection that passes them can be refused for its size.
+TargetSelection SelectTargets(const std::vector<CheckedDevice>& checkedRows,
+                              const std::vector<std::string>& supportedTypes);
+
+// ---------------------------------------------------------------------------------------
+// Navigation (Part 5.1, navigation rules of all pages).
+
+enum Page : int {
+    kPageDeviceList = 0,      // CACLStep0
+    kPageAclKind = 1,         // CACLStep1
+    kPageSelect = 2,          // CACLselect
+    kPageAddProfile = 3,      // CACLStep2
+    kPageAddAclProfile = 4,   // CACLStep3
+    kPageSelectProfile = 5,   // CACLStep4
+    kPageIPv4Profile = 6,     // CACLStep5
+    kPageEthProfile = 7,      // CACLSTEP_ETH
+    kPageIPv6Profile = 8,     // CACLStep_IPV6
+    kPagePacketProfile = 9,   // CACLStep_Packet
+    kPageApply = 10,          // CACLApply
+    kPageEthRule = 11,        // CACLAddrule
+    kPageModifyProfile = 12,  // CACLModifyProfile
+    kPageModifyRule = 13,     // CACLModifyRule
+    kPageIPv4Rule = 14,       // CACLAddIPv4Rule
+    kPageIPv6Rule = 15,       // CACLAddIPv6Rule
+    kPageRuleApply = 16,      // CACLRuleApply
+    kPagePacketRule = 17,     // CACLAddPacketRule
+    kPageCount = 18
+};
+
+// How a page leaves by Next or Back.
+struct Jump {
+    enum Kind {
+        kStay,         // the page stays
+        kStep,         // the wizard's own step to the neighbouring page (index +1 / -1)
+        kDirect,       // activate `nTarget` directly
+        kPassing,      // activate `nPassing`, then let the wizard step by one from there
+        kFinish,       // the page's Next is the Finish button
+    } kind = kStay;
+    int nTarget = -1;   // the page the user sees next (-1 for kStay and kFinish)
+    int nPassing = -1;  // kPassing only: the page whose activation runs in passing
+};
+
+// What the navigation depends on, from the sheet's shared state and the page's choices.
+struct NavInput {
+    int nActionChoice = 0;     // page 2: 1 create profile, 2 create rule, 3 modify profile, 4 modify rule
+    int nProfileChoice = 0;    // page 3: 1 Ethernet, 2 IPv4, 3 IPv6, 4 Packet Content (Part 5.2 radios)
+    std::string strProfileTypeName;  // page 5: the selected profile's type name, "" when none
+    long nProfileType = 0;     // m_nProfileType: 1 Ethernet, 2 IPv4, 3 IPv6, 5 Packet Content
+    long nRuleType = 0;        // m_nRuleType: 1 Ethernet, 2 IPv4, 3 IPv6, 4 Packet Content
+};
+
+Jump NextJump(int page, const NavInput& in);
+Jump BackJump(int page, const NavInput& in);
+
+// The value a profile definition page (6 to 9) sets in m_nProfileType on Next, and a rule
+// page (11, 14, 15, 17) in m_nRuleType; 0 for other pages.
+long ProfileTypeOfPage(int page);
+long RuleTypeOfPage(int page);
+
+}  // namespace acl::pages

@@ -1,0 +1,222 @@
+// Parts 1.3 and 5.1: the plain logic behind the device list's sorting, page 0's target
+// selection and the navigation table of the wizard.
+#include "acl/page_logic.h"
+
+#include <gtest/gtest.h>
+
+using namespace acl::pages;
+
+// --- sorting -------------------------------------------------------------------------------
+
+TEST(DeviceListSort, AddressesCompareByNumericParts) {
+    EXPECT_LT(CompareDottedAddress("127.0.0.9", "127.0.0.10"), 0) << "not as strings";
+    EXPECT_GT(CompareDottedAddress("10.0.0.2", "9.255.255.255"), 0);
+    EXPECT_EQ(0, CompareDottedAddress("192.168.1.1", "192.168.1.1"));
+    EXPECT_LT(CompareDottedAddress("192.168.1.1", "192.168.2.0"), 0);
+}
+
+TEST(DeviceListSort, AddressesCompareFourPartsThenEqual) {
+    EXPECT_EQ(0, CompareDottedAddress("1.2.3.4.5", "1.2.3.4.9")) << "a fifth part is not looked at";
+    EXPECT_LT(CompareDottedAddress("1.2.3", "1.2.3.1"), 0) << "a missing part counts as 0";
+    EXPECT_EQ(0, CompareDottedAddress("", "0.0.0.0"));
+}
+
+TEST(DeviceListSort, IdsCompareAsNumbers) {
+    EXPECT_LT(CompareNumberText("9", "10"), 0);
+    EXPECT_GT(CompareNumberText("100", "23"), 0);
+    EXPECT_EQ(0, CompareNumberText("abc", "0")) << "text that is not a number is 0";
+    EXPECT_LT(CompareNumberText("-3", "2"), 0);
+}
+
+TEST(DeviceListSort, OtherColumnsCompareAsStrings) {
+    EXPECT_LT(CompareDeviceColumn(kColName, "core-sw10", "core-sw9"), 0);
+    EXPECT_LT(CompareDeviceColumn(kColType, "TVG5690", "TVR4060"), 0);
+    EXPECT_LT(CompareDeviceColumn(kColReadCommunity, "Public", "public"), 0) << "case-sensitive";
+    EXPECT_GT(CompareDeviceColumn(kColIP, "127.0.0.10", "127.0.0.9"), 0);
+    EXPECT_GT(CompareDeviceColumn(kColDeviceID, "10", "9"), 0);
+}
+
+TEST(DeviceListSort, FirstClickAscendingThenToggles) {
+    SortToggle toggle;
+    EXPECT_TRUE(toggle.Click(3));
+    EXPECT_FALSE(toggle.Click(3));
+    EXPECT_TRUE(toggle.Click(3));
+    EXPECT_TRUE(toggle.Click(6)) << "another column starts ascending";
+    EXPECT_FALSE(toggle.Click(6));
+    EXPECT_EQ(6, toggle.Column());
+}
+
+// --- target selection ------------------------------------------------------------------------
+
+namespace {
+CheckedDevice Dev(const std::string& type, const std::string& ip) { return {type, ip, "public", "private"}; }
+const std::vector<std::string> kSupported = {"TVR4820", "TVG5690", "TVG5240-10"};
+}  // namespace
+
+TEST(TargetSelection, NothingCheckedAsksForADevice) {
+    auto s = SelectTargets({}, kSupported);
+    EXPECT_EQ(TargetVerdict::kNoDevice, s.verdict);
+    EXPECT_TRUE(s.targets.empty());
+}
+
+TEST(TargetSelection, SameSupportedTypeIsAcceptedInListOrder) {
+    auto s = SelectTargets({Dev("TVR4820", "127.0.0.2"), Dev("TVR4820", "127.0.0.3")}, kSupported);
+    ASSERT_EQ(TargetVerdict::kAccepted, s.verdict);
+    ASSERT_EQ(2u, s.targets.size());
+    EXPECT_EQ("127.0.0.2", s.targets[0].strIP);
+    EXPECT_EQ("127.0.0.3", s.targets[1].strIP);
+    EXPECT_EQ("public", s.targets[1].strReadCommunity);
+    EXPECT_EQ("private", s.targets[1].strWriteCommunity);
+}
+
+TEST(TargetSelection, SupportedFirstThenOtherTypeIsRefusedKeepingTheFirst) {
+    auto s = SelectTargets({Dev("TVR4820", "127.0.0.2"), Dev("TVG5690", "127.0.0.4")}, kSupported);
+    EXPECT_EQ(TargetVerdict::kDifferentType, s.verdict);
+    ASSERT_EQ(1u, s.targets.size()) << "targets before the failing row remain";
+    EXPECT_EQ("127.0.0.2", s.targets[0].strIP);
+}
+
+TEST(TargetSelection, UnsupportedFirstGivesOnlyTheFirstMessage) {
+    auto s = SelectTargets({Dev("TVG-5240", "127.0.0.9"), Dev("TVR4820", "127.0.0.2")}, kSupported);
+    EXPECT_EQ(TargetVerdict::kNotSupported, s.verdict);
+    EXPECT_TRUE(s.targets.empty());
+}
+
+TEST(TargetSelection, TypesMatchExactlyAndCaseSensitively) {
+    EXPECT_EQ(TargetVerdict::kNotSupported, SelectTargets({Dev("tvr4820", "1.1.1.1")}, kSupported).verdict);
+    EXPECT_EQ(TargetVerdict::kNotSupported, SelectTargets({Dev("TVR482", "1.1.1.1")}, kSupported).verdict);
+    EXPECT_EQ(TargetVerdict::kNotSupported, SelectTargets({Dev("TVR4820", "1.1.1.1")}, {}).verdict)
+        << "an empty supported list refuses everything";
+}
+
+TEST(TargetSelection, TenDevicesAreAcceptedElevenRefusedWithTheFirstTenKept) {
+    std::vector<CheckedDevice> rows;
+    for (int i = 0; i < 10; ++i) rows.push_back(Dev("TVR4820", "127.0.1." + std::to_string(i)));
+    auto ten = SelectTargets(rows, kSupported);
+    EXPECT_EQ(TargetVerdict::kAccepted, ten.verdict);
+    EXPECT_EQ(10u, ten.targets.size());
+
+    rows.push_back(Dev("TVR4820", "127.0.1.10"));
+    auto eleven = SelectTargets(rows, kSupported);
+    EXPECT_EQ(TargetVerdict::kTooManyDevices, eleven.verdict);
+    EXPECT_EQ(11, eleven.nCheckedCount);
+    EXPECT_EQ(10u, eleven.targets.size());
+}
+
+TEST(TargetSelection, TypeRulesComeBeforeTheCount) {
+    std::vector<CheckedDevice> rows;
+    for (int i = 0; i < 11; ++i) rows.push_back(Dev("TVR4820", "127.0.1." + std::to_string(i)));
+    rows.push_back(Dev("TVG5690", "127.0.2.1"));
+    EXPECT_EQ(TargetVerdict::kDifferentType, SelectTargets(rows, kSupported).verdict);
+}
+
+// --- navigation ------------------------------------------------------------------------------
+
+TEST(Navigation, FirstPagesStepInOrder) {
+    EXPECT_EQ(Jump::kStep, NextJump(kPageDeviceList, {}).kind);
+    EXPECT_EQ(kPageAclKind, NextJump(kPageDeviceList, {}).nTarget);
+    EXPECT_EQ(kPageSelect, NextJump(kPageAclKind, {}).nTarget);
+    EXPECT_EQ(Jump::kStay, BackJump(kPageDeviceList, {}).kind);
+    EXPECT_EQ(kPageDeviceList, BackJump(kPageAclKind, {}).nTarget);
+    EXPECT_EQ(kPageAclKind, BackJump(kPageSelect, {}).nTarget);
+}
+
+TEST(Navigation, ActionChoiceChoosesTheFlow) {
+    const int expected[] = {kPageAddProfile, kPageSelectProfile, kPageModifyProfile, kPageModifyRule};
+    for (int choice = 1; choice <= 4; ++choice) {
+        NavInput in;
+        in.nActionChoice = choice;
+        Jump j = NextJump(kPageSelect, in);
+        EXPECT_EQ(Jump::kDirect, j.kind);
+        EXPECT_EQ(expected[choice - 1], j.nTarget) << "choice " << choice;
+    }
+    NavInput none;
+    EXPECT_EQ(Jump::kStay, NextJump(kPageSelect, none).kind) << "no valid choice stays";
+    none.nActionChoice = 5;
+    EXPECT_EQ(Jump::kStay, NextJump(kPageSelect, none).kind);
+}
+
+TEST(Navigation, AddProfileGoesByProfileType) {
+    const int expected[] = {kPageEthProfile, kPageIPv4Profile, kPageIPv6Profile, kPagePacketProfile};
+    for (int type = 1; type <= 4; ++type) {
+        NavInput in;
+        in.nProfileChoice = type;
+        EXPECT_EQ(expected[type - 1], NextJump(kPageAddProfile, in).nTarget);
+    }
+}
+
+TEST(Navigation, SelectProfileGoesByTypeNameOrStays) {
+    NavInput in;
+    const std::pair<const char*, int> cases[] = {
+        {"Ethernet", kPageEthRule}, {"IPv4", kPageIPv4Rule}, {"IPv6", kPageIPv6Rule}, {"Packet Content", kPagePacketRule}};
+    for (auto [name, page] : cases) {
+        in.strProfileTypeName = name;
+        EXPECT_EQ(page, NextJump(kPageSelectProfile, in).nTarget) << name;
+    }
+    in.strProfileTypeName = "";
+    EXPECT_EQ(Jump::kStay, NextJump(kPageSelectProfile, in).kind);
+    in.strProfileTypeName = "ethernet";
+    EXPECT_EQ(Jump::kStay, NextJump(kPageSelectProfile, in).kind);
+}
+
+TEST(Navigation, BackFromActionPagesPassesThroughAddProfileToTheChoice) {
+    for (int page : {kPageSelectProfile, kPageModifyProfile, kPageModifyRule}) {
+        Jump j = BackJump(page, {});
+        EXPECT_EQ(Jump::kPassing, j.kind) << page;
+        EXPECT_EQ(kPageAddProfile, j.nPassing) << page;
+        EXPECT_EQ(kPageSelect, j.nTarget) << page << ": lands on the action choice, not on Add profile";
+    }
+}
+
+TEST(Navigation, DefinitionPagesPassThroughPage9ForwardAndPage4Back) {
+    for (int page : {kPageIPv4Profile, kPageEthProfile, kPageIPv6Profile, kPagePacketProfile}) {
+        Jump next = NextJump(page, {});
+        EXPECT_EQ(Jump::kPassing, next.kind);
+        EXPECT_EQ(kPagePacketProfile, next.nPassing);
+        EXPECT_EQ(kPageApply, next.nTarget);
+        Jump back = BackJump(page, {});
+        EXPECT_EQ(kPageAddAclProfile, back.nPassing);
+        EXPECT_EQ(kPageAddProfile, back.nTarget);
+    }
+    EXPECT_EQ(2, ProfileTypeOfPage(kPageIPv4Profile));
+    EXPECT_EQ(1, ProfileTypeOfPage(kPageEthProfile));
+    EXPECT_EQ(3, ProfileTypeOfPage(kPageIPv6Profile));
+    EXPECT_EQ(5, ProfileTypeOfPage(kPagePacketProfile));
+    EXPECT_EQ(0, ProfileTypeOfPage(kPageApply));
+}
+
+TEST(Navigation, ConfirmationBackGoesByProfileType) {
+    NavInput in;
+    const std::pair<long, int> cases[] = {{1, kPageEthProfile}, {2, kPageIPv4Profile}, {3, kPageIPv6Profile}, {5, kPagePacketProfile}};
+    for (auto [type, page] : cases) {
+        in.nProfileType = type;
+        EXPECT_EQ(page, BackJump(kPageApply, in).nTarget) << type;
+    }
+    in.nProfileType = 4;  // not used
+    EXPECT_EQ(Jump::kStay, BackJump(kPageApply, in).kind);
+    in.nProfileType = 0;
+    EXPECT_EQ(Jump::kStay, BackJump(kPageApply, in).kind);
+}
+
+TEST(Navigation, RulePagesAndRuleConfirmation) {
+    for (int page : {kPageEthRule, kPageIPv4Rule, kPageIPv6Rule, kPagePacketRule}) {
+        EXPECT_EQ(kPageRuleApply, NextJump(page, {}).nTarget);
+        EXPECT_EQ(kPageSelectProfile, BackJump(page, {}).nTarget);
+    }
+    EXPECT_EQ(1, RuleTypeOfPage(kPageEthRule));
+    EXPECT_EQ(2, RuleTypeOfPage(kPageIPv4Rule));
+    EXPECT_EQ(3, RuleTypeOfPage(kPageIPv6Rule));
+    EXPECT_EQ(4, RuleTypeOfPage(kPagePacketRule));
+    NavInput in;
+    const std::pair<long, int> cases[] = {{1, kPageEthRule}, {2, kPageIPv4Rule}, {3, kPageIPv6Rule}, {4, kPagePacketRule}, {0, kPageSelectProfile}, {9, kPageSelectProfile}};
+    for (auto [type, page] : cases) {
+        in.nRuleType = type;
+        EXPECT_EQ(page, BackJump(kPageRuleApply, in).nTarget) << type;
+    }
+}
+
+TEST(Navigation, FinishPages) {
+    for (int page : {kPageApply, kPageModifyProfile, kPageModifyRule, kPageRuleApply})
+        EXPECT_EQ(Jump::kFinish, NextJump(page, {}).kind) << page;
+    EXPECT_EQ(kPageSelect, BackJump(kPageModifyProfile, {}).nTarget);
+}
