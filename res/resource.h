@@ -46,3 +46,68 @@
 #define IDD_ACL_RULE_APPLY           216   // page 16, CACLRuleApply
 #define IDD_ACL_ADD_PACKET_RULE      217   // page 17, CACLAddPacketRule
 #define IDI_ACL_WIZARD               300
+
+// Part 1.3: device list column texts (trailing blanks kept) and the panel's bitmaps.
+#define IDS_COL_DEVICE_NAME          130
+#define IDS_COL_DEVICE_TYPE          131
+#define IDS_COL_DEVICE_IP            132
+#define IDS_COL_READ_COMMUNITY       133
+#define IDS_COL_WRITE_COMMUNITY      134
+#define IDS_COL_DEVICE_ID            135
+#define IDB_TREE_IMAGES              310   // 112 x 16, 24-bit, white transparent: 7 tree images
+#define IDB_HEADER_CHECKS            311   // 64 x 16, 8-bit, magenta transparent: 4 header images
+
+// Part 5.1: the wizard's texts.
+#define IDS_ACL                      140   // the sheet's caption and page 1's group title
+#define IDS_MSG_SELECT_DEVICE        141
+#define IDS_MSG_NO_ACL_FUNCTION      142
+#define IDS_MSG_SAME_TYPE            143
+#define IDS_MSG_TOO_MANY_DEVICES     144   // ours: Part 5.1 leaves more than 10 targets open
+#define IDS_MSG_NO_PROFILE           145
+#define IDS_ACCESS_PROFILE_LIST      146
+#define IDS_CPU_ACCESS_PROFILE_LIST  147
+#define IDS_GROUP_CREATE             148
+#define IDS_GROUP_MODIFY             149
+#define IDS_CREATE_PROFILE           150   // 150-153: the four actions, ordinary ACL
+#define IDS_CREATE_RULE              151
+#define IDS_MODIFY_PROFILE           152
+#define IDS_MODIFY_RULE              153
+#define IDS_CREATE_CPU_PROFILE       154   // 154-157: the four actions, CPU ACL
+#define IDS_CREATE_CPU_RULE          155
+#define IDS_MODIFY_CPU_PROFILE       156
+#define IDS_MODIFY_CPU_RULE          157
+#define IDS_GROUP_FONT               158   // "Arial": the bold group-title font
+
+// Part 6.1
+#define IDS_XLISTCTRL_CHECKBOX_CLICKED 160
+
+// Part 4.5: the staging file names, deleted by the confirmation pages on Finish and Cancel.
+#define IDS_FILE_ACL_ETHERNET        170   // 170-173: profile files
+#define IDS_FILE_ACL_IPV4            171
+#define IDS_FILE_ACL_IPV6            172
+#define IDS_FILE_AC_PACKET           173
+#define IDS_FILE_ACL_ETHRULE         174   // 174-180: rule files
+#define IDS_FILE_ACL_IPV4RULE        175
+#define IDS_FILE_ACL_IPV6RULE        176
+#define IDS_FILE_ACL_CPU_ETHRULE     177
+#define IDS_FILE_ACL_CPU_IPV4RULE    178
+#define IDS_FILE_ACL_CPU_IPV6RULE    179
+#define IDS_FILE_ACL_PACKETRULE      180
+
+// Controls of the wizard's pages (Part 5.1).
+#define IDC_STEP0_TREE               1001  // page 0: the device tree (Part 1.3)
+#define IDC_STEP0_LIST               1002  // page 0: the device list (Parts 1.3, 6.1)
+#define IDC_STEP0_TYPES              1003  // page 0: hidden combo of the supported types
+#define IDC_STEP1_GROUP              1011
+#define IDC_STEP1_ACL                1012  // "Access Profile List", choice 1
+#define IDC_STEP1_CPU_ACL            1013  // "CPU Access Profile List", choice 2
+#define IDC_SELECT_GROUP_CREATE      1021
+#define IDC_SELECT_GROUP_MODIFY      1022
+#define IDC_SELECT_CHOICE1           1023  // 1023-1026: choices 1 to 4
+#define IDC_SELECT_CHOICE2           1024
+#define IDC_SELECT_CHOICE3           1025
+#define IDC_SELECT_CHOICE4           1026
+#define IDC_STEP2_ETHERNET           1031  // page 3: "Ethernet ACL" (type 1), Part 5.2
+#define IDC_STEP2_IPV4               1032  // "IPv4 ACL" (2)
+#define IDC_STEP2_IPV6               1033  // "IPv6 ACL" (3)
+#define IDC_STEP2_PACKET             1034  // "Packet Content ACL" (4)

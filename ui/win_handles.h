@@ -3,6 +3,7 @@
 #pragma once
 #include <windows.h>
 #include <oleauto.h>
+#include <commctrl.h>
 #include <utility>
 #include <wrl/client.h>
 
@@ -37,12 +38,14 @@ inline void CloseRegKey(HKEY h) { ::RegCloseKey(h); }
 inline void FreeBstr(BSTR s) { ::SysFreeString(s); }
 inline void DeleteGdiObject(HGDIOBJ h) { ::DeleteObject(h); }
 inline void FreeLibraryChecked(HMODULE h) { ::FreeLibrary(h); }
+inline void DestroyImageList(HIMAGELIST h) { ::ImageList_Destroy(h); }
 
 using UniqueHandleObj = UniqueHandle<HANDLE, CloseHandleChecked>;  // threads, processes, events
 using UniqueRegKey = UniqueHandle<HKEY, CloseRegKey>;
 using UniqueBstr = UniqueHandle<BSTR, FreeBstr>;
 using UniqueGdiObject = UniqueHandle<HGDIOBJ, DeleteGdiObject>;
 using UniqueModule = UniqueHandle<HMODULE, FreeLibraryChecked>;
+using UniqueImageList = UniqueHandle<HIMAGELIST, DestroyImageList>;
 
 template <typename T>
 using ComPtr = Microsoft::WRL::ComPtr<T>;

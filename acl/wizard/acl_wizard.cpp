@@ -4,52 +4,14 @@
 #include "ui/text.h"
 
 namespace acl::wizard {
-namespace {
 
-// A page of the wizard before its Part gives it controls: its template (with the caption of
-// Part 5.1) and its wizard buttons on activation. Parts 5.1 to 5.5 replace these one by one.
-class CACLPage : public ui::WizardPage {
-public:
-    CACLPage(UINT nIDTemplate, DWORD dwButtons) : WizardPage(nIDTemplate), m_dwButtons(dwButtons) {}
-
-protected:
-    BOOL OnSetActive() override {
-        if (m_dwButtons) Sheet()->SetWizardButtons(m_dwButtons);
-        return TRUE;
-    }
-
-private:
-    DWORD m_dwButtons;
-};
-
-struct PageSpec {
-    UINT nIDTemplate;
-    DWORD dwButtons;  // 0: keeps the buttons of the page before (CACLselect)
-};
-
-constexpr DWORD kNext = PSWIZB_NEXT;
-constexpr DWORD kBackNext = PSWIZB_BACK | PSWIZB_NEXT;
-constexpr DWORD kBackFinish = PSWIZB_BACK | PSWIZB_FINISH;
-
-// Part 5.1: pages by index, with the wizard buttons each posts on activation.
-constexpr PageSpec kPages[kPageCount] = {
-    {IDD_ACL_STEP0, kNext},           {IDD_ACL_STEP1, kBackNext},       {IDD_ACL_SELECT, 0},
-    {IDD_ACL_STEP2, kBackNext},       {IDD_ACL_STEP3, kBackNext},       {IDD_ACL_STEP4, kBackNext},
-    {IDD_ACL_STEP5, kBackNext},       {IDD_ACL_STEP_ETH, kBackNext},    {IDD_ACL_STEP_IPV6, kBackNext},
-    {IDD_ACL_STEP_PACKET, kBackNext}, {IDD_ACL_APPLY, kBackFinish},     {IDD_ACL_ADDRULE, kBackNext},
-    {IDD_ACL_MODIFY_PROFILE, kBackFinish}, {IDD_ACL_MODIFY_RULE, kBackFinish},
-    {IDD_ACL_ADD_IPV4_RULE, kBackNext},    {IDD_ACL_ADD_IPV6_RULE, kBackNext},
-    {IDD_ACL_RULE_APPLY, kBackFinish},     {IDD_ACL_ADD_PACKET_RULE, kBackNext},
-};
-
-}  // namespace
-
-CACLWizard::CACLWizard() : WizardSheet("ACL") {
-    for (const PageSpec& spec : kPages) {
-        m_pages.push_back(std::make_unique<CACLPage>(spec.nIDTemplate, spec.dwButtons));
-        AddPage(m_pages.back().get());
-    }
-    SetStartPage(kPageDeviceList);
+CACLWizard::CACLWizard() : WizardSheet(ui::LoadResString(IDS_ACL)) {
+    ui::WizardPage* const pages[acl::pages::kPageCount] = {
+        &m_step0,   &m_step1,         &m_select,     &m_step2,      &m_step3,       &m_step4,
+        &m_step5,   &m_stepEth,       &m_stepIPv6,   &m_stepPacket, &m_apply,       &m_addRule,
+        &m_modifyProfile, &m_modifyRule, &m_addIPv4Rule, &m_addIPv6Rule, &m_ruleApply, &m_addPacketRule};
+    for (ui::WizardPage* page : pages) AddPage(page);
+    SetStartPage(acl::pages::kPageDeviceList);
 }
 
 CACLWizard::~CACLWizard() = default;

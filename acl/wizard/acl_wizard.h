@@ -1,13 +1,31 @@
-// Part 5.1: the ACL wizard `CACLWizard`: caption "ACL", eighteen pages in index order,
+// Part 5.1: the ACL wizard `CACLWizard`: caption "ACL", eighteen pages in index order (members
+// constructed with the sheet, so every page keeps its contents for the wizard's whole life),
 // and the state its pages share.
 #pragma once
 #include <windows.h>
 
 #include <array>
-#include <memory>
 #include <string>
-#include <vector>
 
+#include "acl/page_logic.h"
+#include "acl/wizard/acl_add_ipv4_rule.h"
+#include "acl/wizard/acl_add_ipv6_rule.h"
+#include "acl/wizard/acl_add_packet_rule.h"
+#include "acl/wizard/acl_addrule.h"
+#include "acl/wizard/acl_apply.h"
+#include "acl/wizard/acl_modify_profile.h"
+#include "acl/wizard/acl_modify_rule.h"
+#include "acl/wizard/acl_rule_apply.h"
+#include "acl/wizard/acl_select.h"
+#include "acl/wizard/acl_step0.h"
+#include "acl/wizard/acl_step1.h"
+#include "acl/wizard/acl_step2.h"
+#include "acl/wizard/acl_step3.h"
+#include "acl/wizard/acl_step4.h"
+#include "acl/wizard/acl_step5.h"
+#include "acl/wizard/acl_step_eth.h"
+#include "acl/wizard/acl_step_ipv6.h"
+#include "acl/wizard/acl_step_packet.h"
 #include "ui/wizard.h"
 
 namespace acl::wizard {
@@ -20,32 +38,9 @@ struct ACLTarget {
     std::string strDeviceType;
 };
 
-// Page indices: how pages jump to each other (Part 5.1's table).
-enum PageIndex : int {
-    kPageDeviceList = 0,       // CACLStep0
-    kPageAclKind = 1,          // CACLStep1
-    kPageSelect = 2,           // CACLselect
-    kPageAddProfile = 3,       // CACLStep2
-    kPageAddAclProfile = 4,    // CACLStep3
-    kPageSelectProfile = 5,    // CACLStep4
-    kPageIPv4Profile = 6,      // CACLStep5
-    kPageEthProfile = 7,       // CACLSTEP_ETH
-    kPageIPv6Profile = 8,      // CACLStep_IPV6
-    kPagePacketProfile = 9,    // CACLStep_Packet
-    kPageApply = 10,           // CACLApply
-    kPageEthRule = 11,         // CACLAddrule
-    kPageModifyProfile = 12,   // CACLModifyProfile
-    kPageModifyRule = 13,      // CACLModifyRule
-    kPageIPv4Rule = 14,        // CACLAddIPv4Rule
-    kPageIPv6Rule = 15,        // CACLAddIPv6Rule
-    kPageRuleApply = 16,       // CACLRuleApply
-    kPagePacketRule = 17,      // CACLAddPacketRule
-    kPageCount = 18
-};
-
 class CACLWizard : public ui::WizardSheet {
 public:
-    static constexpr int kMaxTargets = 10;
+    static constexpr int kMaxTargets = acl::pages::kMaxTargets;
 
     CACLWizard();
     ~CACLWizard() override;
@@ -71,7 +66,25 @@ protected:
     void OnInitSheet() override;
 
 private:
-    std::vector<std::unique_ptr<ui::WizardPage>> m_pages;
+    // The eighteen pages, in index order.
+    CACLStep0 m_step0;
+    CACLStep1 m_step1;
+    CACLselect m_select;
+    CACLStep2 m_step2;
+    CACLStep3 m_step3;
+    CACLStep4 m_step4;
+    CACLStep5 m_step5;
+    CACLSTEP_ETH m_stepEth;
+    CACLStep_IPV6 m_stepIPv6;
+    CACLStep_Packet m_stepPacket;
+    CACLApply m_apply;
+    CACLAddrule m_addRule;
+    CACLModifyProfile m_modifyProfile;
+    CACLModifyRule m_modifyRule;
+    CACLAddIPv4Rule m_addIPv4Rule;
+    CACLAddIPv6Rule m_addIPv6Rule;
+    CACLRuleApply m_ruleApply;
+    CACLAddPacketRule m_addPacketRule;
 };
 
 // The ACL Manager command: builds the wizard, shows it modally, destroys it (Part 1.1).

@@ -1,8 +1,11 @@
 // Part 1.1: the real Sentrel.dll driven through its exports and COM interfaces.
 #include <windows.h>
 #include <oleauto.h>
+#include <prsht.h>
 
 #include <gtest/gtest.h>
+
+#include <thread>
 
 #include "Sentrel.h"
 #include "orblane.h"
@@ -274,6 +277,63 @@ TEST_F(ComObjects, AggregatedObjectDelegatesToItsOuterObject) {
     EXPECT_EQ(1u, outer.refs);
     EXPECT_EQ(S_FALSE, dll.canUnloadNow());
     outer.inner->Release();  // the outer object lets go of its inner object
+    EXPECT_EQ(S_OK, dll.canUnloadNow());
+}
+
+// Watches the test thread's windows from a second thread, as a person looks at the screen:
+// once the wizard's property sheet shows, records its title and the active page's caption and
+// cancels it; message boxes on the way (page 0 reads the host's tree, and without a site the
+// host reports an error, Part 1.2) are closed with OK.
+struct WizardWatch {
+    std::string sheetCaption, pageCaption;
+    bool helpVisible = true;
+    bool seen = false;
+
+    static std::string Text(HWND hwnd) {
+        char text[256] = {};
+        GetWindowTextA(hwnd, text, sizeof text);
+        return text;
+    }
+    void Watch(DWORD uiThread) {
+        for (int i = 0; i < 400 && !seen; ++i) {  // at most 20 s
+            EnumThreadWindows(
+                uiThread,
+                [](HWND hwnd, LPARAM lParam) -> BOOL {
+                    auto* self = reinterpret_cast<WizardWatch*>(lParam);
+                    if (!IsWindowVisible(hwnd)) return TRUE;
+                    if (GetDlgItem(hwnd, 0xFFFF)) {  // a message box
+                        PostMessageA(hwnd, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
+                        return TRUE;
+                    }
+                    HWND page = reinterpret_cast<HWND>(SendMessageA(hwnd, PSM_GETCURRENTPAGEHWND, 0, 0));
+                    if (!page) return TRUE;
+                    self->sheetCaption = Text(hwnd);
+                    self->pageCaption = Text(page);
+                    HWND help = GetDlgItem(hwnd, IDHELP);
+                    self->helpVisible = help && IsWindowVisible(help);
+                    self->seen = true;
+                    PostMessageA(hwnd, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
+                    return FALSE;
+                },
+                reinterpret_cast<LPARAM>(this));
+            Sleep(50);
+        }
+    }
+};
+
+TEST_F(ComObjects, ExecuteOfCSentrelCfgShowsTheAclWizardModally) {
+    IHostPlugIn* plugIn = nullptr;
+    ASSERT_EQ(S_OK, dll.Create(CLSID_CSentrelCfg, IID_IHostPlugIn, &plugIn));
+    WizardWatch watch;
+    std::thread watcher([&watch, ui = GetCurrentThreadId()] { watch.Watch(ui); });
+    HRESULT hr = plugIn->Execute(0);  // returns only once the wizard has closed
+    watcher.join();
+    EXPECT_EQ(E_NOTIMPL, hr);
+    ASSERT_TRUE(watch.seen);
+    EXPECT_EQ("ACL: Device List", watch.sheetCaption) << "a wizard shows its page's caption";
+    EXPECT_EQ("ACL: Device List", watch.pageCaption) << "the first page is active";
+    EXPECT_FALSE(watch.helpVisible);
+    plugIn->Release();
     EXPECT_EQ(S_OK, dll.canUnloadNow());
 }
 

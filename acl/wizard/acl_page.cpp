@@ -1,0 +1,44 @@
+#include "acl/wizard/acl_page.h"
+
+#include "acl/wizard/acl_wizard.h"
+
+namespace acl::wizard {
+
+CACLWizard& CACLPage::Wizard() const { return *static_cast<CACLWizard*>(Sheet()); }
+
+acl::pages::NavInput CACLPage::MakeNavInput() const {
+    acl::pages::NavInput in;
+    in.nProfileType = Wizard().m_nProfileType;
+    in.nRuleType = Wizard().m_nRuleType;
+    return in;
+}
+
+LRESULT CACLPage::Go(const acl::pages::Jump& jump) {
+    using acl::pages::Jump;
+    switch (jump.kind) {
+    case Jump::kStep:
+    case Jump::kFinish:
+        return kMoveOn;
+    case Jump::kDirect:
+        Sheet()->SetActivePage(jump.nTarget);
+        return kStay;  // the sheet already shows the target
+    case Jump::kPassing:
+        // The passing page's activation runs, then the wizard steps by one from it.
+        Sheet()->SetActivePage(jump.nPassing);
+        return kMoveOn;
+    case Jump::kStay:
+    default:
+        return kStay;
+    }
+}
+
+BOOL CACLPage::OnSetActive() {
+    if (m_dwButtons != kKeepButtons) Sheet()->SetWizardButtons(m_dwButtons);
+    return TRUE;
+}
+
+LRESULT CACLPage::OnWizardNext() { return Go(acl::pages::NextJump(m_nIndex, MakeNavInput())); }
+
+LRESULT CACLPage::OnWizardBack() { return Go(acl::pages::BackJump(m_nIndex, MakeNavInput())); }
+
+}  // namespace acl::wizard

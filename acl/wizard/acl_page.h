@@ -1,0 +1,42 @@
+// Part 5.1: what every page of `CACLWizard` shares: its wizard buttons on activation, the
+// sheet's shared state, and moving by the navigation table (acl/page_logic.h) the way the
+// spec says: a page that goes elsewhere than its neighbour activates that page itself.
+#pragma once
+#include <windows.h>
+
+#include "acl/page_logic.h"
+#include "ui/wizard.h"
+
+namespace acl::wizard {
+
+class CACLWizard;
+
+class CACLPage : public ui::WizardPage {
+public:
+    static constexpr DWORD kNext = PSWIZB_NEXT;
+    static constexpr DWORD kBackNext = PSWIZB_BACK | PSWIZB_NEXT;
+    static constexpr DWORD kBackFinish = PSWIZB_BACK | PSWIZB_FINISH;
+    static constexpr DWORD kKeepButtons = 0;  // CACLselect keeps the buttons of the page before
+
+    CACLPage(int nIndex, UINT nIDTemplate, DWORD dwButtons)
+        : WizardPage(nIDTemplate), m_nIndex(nIndex), m_dwButtons(dwButtons) {}
+
+    int Index() const { return m_nIndex; }
+
+protected:
+    CACLWizard& Wizard() const;
+    // What the navigation table needs: the sheet's state plus this page's own choices.
+    virtual acl::pages::NavInput MakeNavInput() const;
+    // Carries out a jump of the table; the result is what PSN_WIZNEXT/PSN_WIZBACK return.
+    LRESULT Go(const acl::pages::Jump& jump);
+
+    BOOL OnSetActive() override;
+    LRESULT OnWizardNext() override;
+    LRESULT OnWizardBack() override;
+
+private:
+    int m_nIndex;
+    DWORD m_dwButtons;
+};
+
+}  // namespace acl::wizard

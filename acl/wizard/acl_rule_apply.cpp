@@ -1,0 +1,19 @@
+#include "acl/wizard/acl_rule_apply.h"
+
+#include "acl/wizard/acl_wizard.h"
+#include "acl/wizard/staging_cleanup.h"
+#include "res/resource.h"
+
+namespace acl::wizard {
+
+CACLRuleApply::CACLRuleApply() : CACLPage(acl::pages::kPageRuleApply, IDD_ACL_RULE_APPLY, kBackFinish) {}
+
+BOOL CACLRuleApply::OnWizardFinish() {
+    RemoveRuleStagingFiles();
+    return TRUE;
+}
+
+// Runs whenever the wizard is cancelled after this page was created, whichever page shows.
+void CACLRuleApply::OnCancel() { RemoveRuleStagingFiles(); }
+
+}  // namespace acl::wizard

@@ -1,0 +1,17 @@
+// Part 5.1, page 8 `CACLStep_IPV6` ("IPv6 ACL Settings", Part 5.2): Back and Next on activation.
+// Its filtering masks and pending list come with Part 5.2, and with them the writing of the
+// staging file on Next; the frame sets `m_nProfileType` and passes through page 9.
+#pragma once
+#include "acl/wizard/acl_page.h"
+
+namespace acl::wizard {
+
+class CACLStep_IPV6 : public CACLPage {
+public:
+    CACLStep_IPV6();
+
+protected:
+    LRESULT OnWizardNext() override;
+};
+
+}  // namespace acl::wizard

@@ -1,0 +1,25 @@
+# sentrel_add_gui_test(<name> SOURCES ... LIBS ... [TIMEOUT s])
+# A gtest program run under Wine + Xvfb through gui-run (own prefix, own display when none is
+# given). GUI tests share one prefix and one lock, so they run one after the other.
+set(SENTREL_GUI_WINEPREFIX "${CMAKE_BINARY_DIR}/wineprefix-gui")
+set(SENTREL_GUI_SCREENSHOTS "${CMAKE_BINARY_DIR}/screenshots/gui")
+if(NOT EXISTS "${CMAKE_BINARY_DIR}/gui-run")
+  configure_file("${CMAKE_SOURCE_DIR}/tests/gui/support/gui-run.sh.in" "${CMAKE_BINARY_DIR}/gui-run" @ONLY
+                 FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
+                                  WORLD_READ WORLD_EXECUTE)
+endif()
+function(sentrel_add_gui_test name)
+  cmake_parse_arguments(T "" "TIMEOUT" "SOURCES;LIBS;DEPENDS" ${ARGN})
+  add_executable(${name} ${T_SOURCES})
+  target_link_libraries(${name} PRIVATE ${T_LIBS} sentrel_gui_support sentrel_test_support gmock gtest_main)
+  if(T_DEPENDS)
+    add_dependencies(${name} ${T_DEPENDS})
+  endif()
+  target_compile_definitions(${name} PRIVATE SCREENSHOT_DIR="${SENTREL_GUI_SCREENSHOTS}")
+  if(NOT T_TIMEOUT)
+    set(T_TIMEOUT 180)
+  endif()
+  file(MAKE_DIRECTORY "${SENTREL_GUI_SCREENSHOTS}")
+  add_test(NAME ${name} COMMAND "${CMAKE_BINARY_DIR}/gui-run" "$<TARGET_FILE:${name}>" --gtest_color=no)
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${T_TIMEOUT} LABELS "gui" RESOURCE_LOCK sentrel_gui_prefix)
+endfunction()

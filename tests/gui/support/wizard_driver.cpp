@@ -1,0 +1,351 @@
+#include "tests/gui/support/wizard_driver.h"
+
+#include <gtest/gtest.h>
+#include <prsht.h>
+
+#include <thread>
+
+#include "tests/gui/support/png_writer.h"
+
+namespace sentrel_gui {
+namespace {
+WizardDriver* g_driver = nullptr;  // the hooks carry no user data; one driver at a time
+constexpr UINT kPing = WM_APP + 0x5A5;
+std::string g_screenshotFolder;
+
+std::string WindowText(HWND hwnd) {
+    char text[2048] = {};
+    GetWindowTextA(hwnd, text, sizeof text);
+    return text;
+}
+
+struct FindSheet {
+    std::string caption;
+    HWND found = nullptr;
+};
+BOOL CALLBACK FindSheetProc(HWND hwnd, LPARAM lParam) {
+    auto* f = reinterpret_cast<FindSheet*>(lParam);
+    // A wizard shows its page's caption as its title, so the sheet is known by what it is.
+    if (IsWindowVisible(hwnd) && SendMessageA(hwnd, PSM_GETCURRENTPAGEHWND, 0, 0) != 0 &&
+        (f->caption.empty() || WindowText(hwnd) == f->caption)) {
+        f->found = hwnd;
+        return FALSE;
+    }
+    return TRUE;
+}
+}  // namespace
+
+void SetScreenshotFolder(const std::string& folder) {
+    g_screenshotFolder = folder;
+    CreateDirectoryA(folder.c_str(), nullptr);
+}
+std::string ScreenshotFolder() { return g_screenshotFolder; }
+
+void WizardDriver::Run(const std::string& sheetCaption, const std::function<void()>& showWizard,
+                       const std::function<void(WizardDriver&)>& script) {
+    WizardDriver driver;
+    g_driver = &driver;
+    driver.m_uiThread = GetCurrentThreadId();
+    driver.m_pingEvent = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    HHOOK cbt = SetWindowsHookExA(WH_CBT, &WizardDriver::CbtHook, nullptr, driver.m_uiThread);
+    HHOOK getMessage = SetWindowsHookExA(WH_GETMESSAGE, &WizardDriver::GetMessageHook, nullptr, driver.m_uiThread);
+
+    std::thread thread([&] {
+        FindSheet find{sheetCaption};
+        const DWORD start = GetTickCount();
+        while (!find.found && GetTickCount() - start < 20000) {
+            EnumThreadWindows(driver.m_uiThread, &FindSheetProc, reinterpret_cast<LPARAM>(&find));
+            if (!find.found) Sleep(50);
+        }
+        if (!find.found) {
+            std::string seen;
+            EnumThreadWindows(
+                driver.m_uiThread,
+                [](HWND hwnd, LPARAM lParam) -> BOOL {
+                    *reinterpret_cast<std::string*>(lParam) += " \"" + WindowText(hwnd) + "\"" +
+                                                               (IsWindowVisible(hwnd) ? "(visible)" : "");
+                    return TRUE;
+                },
+                reinterpret_cast<LPARAM>(&seen));
+            ADD_FAILURE() << "no wizard appeared; windows:" << seen;
+            return;
+        }
+        driver.m_hwndSheet = find.found;
+        driver.Settle();
+        script(driver);
+        // Whatever happened, the wizard ends, so the test thread's modal call returns.
+        for (int attempt = 0; attempt < 3 && driver.IsOpen(); ++attempt) {
+            PostMessageA(driver.m_hwndSheet, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
+            driver.WaitFor([&] { return !driver.IsOpen(); }, 5000);
+        }
+    });
+    showWizard();
+    thread.join();
+
+    UnhookWindowsHookEx(getMessage);
+    UnhookWindowsHookEx(cbt);
+    CloseHandle(driver.m_pingEvent);
+    g_driver = nullptr;
+}
+
+LRESULT CALLBACK WizardDriver::CbtHook(int code, WPARAM wParam, LPARAM lParam) {
+    if (code == HCBT_ACTIVATE && g_driver) {
+        HWND hwnd = reinterpret_cast<HWND>(wParam);
+        char cls[64] = {};
+        GetClassNameA(hwnd, cls, sizeof cls);
+        HWND text = GetDlgItem(hwnd, 0xFFFF);  // a message box's text
+        if (lstrcmpA(cls, "#32770") == 0 && text) {
+            {
+                std::lock_guard<std::mutex> lock(g_driver->m_mutex);
+                g_driver->m_boxes.push_back({WindowText(hwnd), WindowText(text)});
+            }
+            PostMessageA(hwnd, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);  // the user presses OK
+        }
+    }
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+LRESULT CALLBACK WizardDriver::GetMessageHook(int code, WPARAM wParam, LPARAM lParam) {
+    const auto* msg = reinterpret_cast<const MSG*>(lParam);
+    if (code >= 0 && wParam == PM_REMOVE && msg && msg->hwnd == nullptr && msg->message == kPing && g_driver)
+        SetEvent(g_driver->m_pingEvent);
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+void WizardDriver::Ping() {
+    PostThreadMessageA(m_uiThread, kPing, 0, 0);
+    // Once the wizard has closed, nothing may pump the thread's queue any more.
+    for (int waited = 0; waited < 5000 && IsOpen(); waited += 50)
+        if (WaitForSingleObject(m_pingEvent, 50) == WAIT_OBJECT_0) return;
+}
+
+void WizardDriver::Settle() {
+    // Posted messages are handled in order: once a ping comes through, everything posted
+    // before it has been handled. Three rounds cover what the handlers post in turn
+    // (wizard buttons, a message box's OK).
+    for (int i = 0; i < 3; ++i) Ping();
+    Sleep(30);
+}
+
+bool WizardDriver::WaitFor(const std::function<bool()>& condition, DWORD timeoutMs) {
+    const DWORD start = GetTickCount();
+    while (!condition()) {
+        if (GetTickCount() - start > timeoutMs) return false;
+        Sleep(20);
+    }
+    return true;
+}
+
+std::vector<CaughtBox> WizardDriver::TakeMessages() {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    std::vector<CaughtBox> out;
+    out.swap(m_boxes);
+    return out;
+}
+
+// --- sheet ---------------------------------------------------------------------------------
+
+HWND WizardDriver::ActivePage() const {
+    return reinterpret_cast<HWND>(SendMessageA(m_hwndSheet, PSM_GETCURRENTPAGEHWND, 0, 0));
+}
+
+int WizardDriver::ActiveIndex() const {
+    HWND page = ActivePage();
+    return page ? static_cast<int>(SendMessageA(m_hwndSheet, PSM_HWNDTOINDEX, reinterpret_cast<WPARAM>(page), 0)) : -1;
+}
+
+HWND WizardDriver::PageHwnd(int index) const {
+    return reinterpret_cast<HWND>(SendMessageA(m_hwndSheet, PSM_INDEXTOHWND, static_cast<WPARAM>(index), 0));
+}
+
+std::string WizardDriver::ActiveCaption() const { return WindowText(ActivePage()); }
+
+bool WizardDriver::IsWizardButtonEnabled(int id) const {
+    HWND button = GetDlgItem(m_hwndSheet, id);
+    return button && IsWindowVisible(button) && IsWindowEnabled(button);
+}
+
+void WizardDriver::PressButton(int psbtn) {
+    PostMessageA(m_hwndSheet, PSM_PRESSBUTTON, static_cast<WPARAM>(psbtn), 0);
+    Settle();
+}
+
+// --- controls ------------------------------------------------------------------------------
+
+HWND WizardDriver::Control(int id) const { return GetDlgItem(ActivePage(), id); }
+
+std::string WizardDriver::Text(int id) const { return WindowText(Control(id)); }
+
+void WizardDriver::ClickButton(int id) {
+    HWND button = Control(id);
+    PostMessageA(button, BM_CLICK, 0, 0);
+    Settle();
+}
+
+bool WizardDriver::IsChecked(int id) const { return SendMessageA(Control(id), BM_GETCHECK, 0, 0) == BST_CHECKED; }
+
+void WizardDriver::TypeText(int id, const std::string& text) {
+    HWND edit = Control(id);
+    PostMessageA(edit, WM_SETFOCUS, 0, 0);
+    for (char c : text) PostMessageA(edit, WM_CHAR, static_cast<unsigned char>(c), 1);
+    Settle();
+}
+
+void WizardDriver::LeftClick(HWND hwnd, POINT pt) {
+    const LPARAM at = MAKELPARAM(pt.x, pt.y);
+    PostMessageA(hwnd, WM_MOUSEMOVE, 0, at);
+    PostMessageA(hwnd, WM_LBUTTONDOWN, MK_LBUTTON, at);
+    PostMessageA(hwnd, WM_LBUTTONUP, 0, at);
+    Settle();
+}
+
+void WizardDriver::RightClick(HWND hwnd, POINT pt) {
+    const LPARAM at = MAKELPARAM(pt.x, pt.y);
+    PostMessageA(hwnd, WM_MOUSEMOVE, 0, at);
+    PostMessageA(hwnd, WM_RBUTTONDOWN, MK_RBUTTON, at);
+    PostMessageA(hwnd, WM_RBUTTONUP, 0, at);
+    Settle();
+}
+
+// --- list views ----------------------------------------------------------------------------
+
+int WizardDriver::RowCount(HWND list) const { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
+
+std::string WizardDriver::CellText(HWND list, int row, int column) const {
+    char text[512] = {};
+    LVITEMA item{};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = sizeof text;
+    SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
+RECT WizardDriver::CellRect(HWND list, int row, int column) const {
+    RECT rc{};
+    rc.top = column;
+    rc.left = LVIR_BOUNDS;
+    SendMessageA(list, LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&rc));
+    if (column == 0) {
+        RECT next{};
+        next.top = 1;
+        next.left = LVIR_BOUNDS;
+        if (SendMessageA(list, LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&next)))
+            rc.right = next.left;
+    }
+    return rc;
+}
+
+void WizardDriver::ClickCell(HWND list, int row, int column) {
+    const RECT rc = CellRect(list, row, column);
+    LeftClick(list, {(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2});
+}
+
+void WizardDriver::RightClickRow(HWND list, int row) {
+    const RECT rc = CellRect(list, row, 1);
+    RightClick(list, {(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2});
+}
+
+void WizardDriver::ClickHeader(HWND list, int column) {
+    HWND header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
+    RECT rc{};
+    SendMessageA(header, HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&rc));
+    // Like a person, scroll the column into view first.
+    RECT client{};
+    GetClientRect(list, &client);
+    const int scrolled = static_cast<int>(GetScrollPos(list, SB_HORZ));
+    const int left = rc.left - scrolled;
+    if (left < 0 || left + (rc.right - rc.left) > client.right) {
+        SendMessageA(list, LVM_SCROLL, static_cast<WPARAM>(left), 0);
+        Settle();
+    }
+    // The header window moves with the scrolling; its items keep their own coordinates.
+    SendMessageA(header, HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&rc));
+    LeftClick(header, {(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2});
+}
+
+std::string WizardDriver::HeaderText(HWND list, int column) const {
+    HWND header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
+    char text[256] = {};
+    HDITEMA item{};
+    item.mask = HDI_TEXT;
+    item.pszText = text;
+    item.cchTextMax = sizeof text;
+    SendMessageA(header, HDM_GETITEMA, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
+int WizardDriver::HeaderImage(HWND list, int column) const {
+    HWND header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
+    HDITEMA item{};
+    item.mask = HDI_IMAGE | HDI_FORMAT;
+    SendMessageA(header, HDM_GETITEMA, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
+    return (item.fmt & HDF_IMAGE) ? item.iImage : -1;
+}
+
+int WizardDriver::SelectedRow(HWND list) const {
+    return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+}
+
+// --- tree views ----------------------------------------------------------------------------
+
+HTREEITEM WizardDriver::FindTreeItem(HWND tree, const std::string& text) const {
+    std::function<HTREEITEM(HTREEITEM)> walk = [&](HTREEITEM item) -> HTREEITEM {
+        for (; item; item = reinterpret_cast<HTREEITEM>(SendMessageA(tree, TVM_GETNEXTITEM, TVGN_NEXT,
+                                                                      reinterpret_cast<LPARAM>(item)))) {
+            char buffer[256] = {};
+            TVITEMA tvi{};
+            tvi.mask = TVIF_TEXT;
+            tvi.hItem = item;
+            tvi.pszText = buffer;
+            tvi.cchTextMax = sizeof buffer;
+            SendMessageA(tree, TVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&tvi));
+            if (text == buffer) return item;
+            HTREEITEM child = reinterpret_cast<HTREEITEM>(
+                SendMessageA(tree, TVM_GETNEXTITEM, TVGN_CHILD, reinterpret_cast<LPARAM>(item)));
+            if (HTREEITEM found = walk(child)) return found;
+        }
+        return nullptr;
+    };
+    return walk(reinterpret_cast<HTREEITEM>(SendMessageA(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0)));
+}
+
+HTREEITEM WizardDriver::SelectedTreeItem(HWND tree) const {
+    return reinterpret_cast<HTREEITEM>(SendMessageA(tree, TVM_GETNEXTITEM, TVGN_CARET, 0));
+}
+
+RECT WizardDriver::TreeItemRect(HWND tree, HTREEITEM item) const {
+    union {
+        RECT rc;
+        HTREEITEM item;
+    } in{};
+    in.item = item;  // TVM_GETITEMRECT takes the item in the rectangle's place
+    SendMessageA(tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&in.rc));  // the text's rectangle
+    return in.rc;
+}
+
+void WizardDriver::ClickTreeItem(HWND tree, HTREEITEM item, bool right) {
+    const RECT rc = TreeItemRect(tree, item);
+    const POINT pt{(rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2};
+    if (right)
+        RightClick(tree, pt);
+    else
+        LeftClick(tree, pt);
+}
+
+POINT WizardDriver::EmptyTreePoint(HWND tree) const {
+    RECT client{};
+    GetClientRect(tree, &client);
+    return {client.right - 8, client.bottom - 8};
+}
+
+std::string WizardDriver::Screenshot(const std::string& name) {
+    if (g_screenshotFolder.empty() || !IsOpen()) return {};
+    RedrawWindow(m_hwndSheet, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_FRAME);
+    Settle();
+    Sleep(250);  // painting happens when the queue is empty
+    const std::string path = g_screenshotFolder + "\\" + name + ".png";
+    return SaveWindowPng(m_hwndSheet, path) ? path : std::string();
+}
+
+}  // namespace sentrel_gui

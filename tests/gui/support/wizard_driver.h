@@ -1,0 +1,98 @@
+// The GUI test harness (DESIGN.md section 5): the real wizard runs modally on the test's
+// thread, as in the host; a driver thread acts on it like a person, by control IDs (clicks,
+// right clicks, header clicks, typing, Next/Back/Finish/Cancel through PSM_PRESSBUTTON), and
+// a CBT hook catches every message box, reads its text and presses OK. Screenshots of the
+// pages go under the build tree.
+#pragma once
+#include <windows.h>
+#include <commctrl.h>
+
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace sentrel_gui {
+
+struct CaughtBox {
+    std::string caption;
+    std::string text;
+};
+
+class WizardDriver {
+public:
+    // Runs `showWizard` on the calling thread (it returns when the wizard closes) and
+    // `script` on a driver thread once a property sheet is up (with the title `sheetCaption`
+    // unless that is empty; a wizard's title is its active page's caption). Whatever the
+    // script does, the wizard is cancelled at its end if still open.
+    static void Run(const std::string& sheetCaption, const std::function<void()>& showWizard,
+                    const std::function<void(WizardDriver&)>& script);
+
+    // --- the sheet ---
+    HWND Sheet() const { return m_hwndSheet; }
+    bool IsOpen() const { return IsWindow(m_hwndSheet) != FALSE; }
+    int ActiveIndex() const;
+    HWND ActivePage() const;
+    HWND PageHwnd(int index) const;  // null while the page was never created
+    std::string ActiveCaption() const;
+    bool IsWizardButtonEnabled(int id) const;  // 0x3023 Back, 0x3024 Next, 0x3025 Finish
+    void PressButton(int psbtn);            // PSBTN_NEXT, PSBTN_BACK, PSBTN_FINISH, PSBTN_CANCEL
+    void Next() { PressButton(PSBTN_NEXT); }
+    void Back() { PressButton(PSBTN_BACK); }
+
+    // --- controls of the active page ---
+    HWND Control(int id) const;
+    std::string Text(int id) const;
+    void ClickButton(int id);  // a click on a button or a radio
+    bool IsChecked(int id) const;
+    void TypeText(int id, const std::string& text);
+
+    // --- mouse on any window, in its client coordinates ---
+    void LeftClick(HWND hwnd, POINT pt);
+    void RightClick(HWND hwnd, POINT pt);
+
+    // --- list views ---
+    int RowCount(HWND list) const;
+    std::string CellText(HWND list, int row, int column) const;
+    RECT CellRect(HWND list, int row, int column) const;
+    void ClickCell(HWND list, int row, int column);
+    void RightClickRow(HWND list, int row);
+    void ClickHeader(HWND list, int column);
+    std::string HeaderText(HWND list, int column) const;
+    int HeaderImage(HWND list, int column) const;
+    int SelectedRow(HWND list) const;
+
+    // --- tree views ---
+    HTREEITEM FindTreeItem(HWND tree, const std::string& text) const;
+    HTREEITEM SelectedTreeItem(HWND tree) const;
+    RECT TreeItemRect(HWND tree, HTREEITEM item) const;
+    void ClickTreeItem(HWND tree, HTREEITEM item, bool right = false);
+    POINT EmptyTreePoint(HWND tree) const;  // below the last visible item
+
+    // --- message boxes seen so far (taken: the list is emptied) ---
+    std::vector<CaughtBox> TakeMessages();
+
+    // Waits until the user-interface thread has handled everything sent so far.
+    void Settle();
+    bool WaitFor(const std::function<bool()>& condition, DWORD timeoutMs = 10000);
+    // Saves the whole sheet as <dir>/<name>.png; returns the path, "" on failure.
+    std::string Screenshot(const std::string& name);
+
+private:
+    WizardDriver() = default;
+    static LRESULT CALLBACK CbtHook(int code, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK GetMessageHook(int code, WPARAM wParam, LPARAM lParam);
+    void Ping();
+
+    HWND m_hwndSheet = nullptr;
+    DWORD m_uiThread = 0;
+    HANDLE m_pingEvent = nullptr;
+    std::mutex m_mutex;
+    std::vector<CaughtBox> m_boxes;
+};
+
+// Where the screenshots go (a Windows path of the build tree); set by the test's main.
+void SetScreenshotFolder(const std::string& folder);
+std::string ScreenshotFolder();
+
+}  // namespace sentrel_gui
