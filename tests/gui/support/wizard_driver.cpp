@@ -33,6 +33,12 @@ BOOL CALLBACK FindSheetProc(HWND hwnd, LPARAM lParam) {
     }
     return TRUE;
 }
+// A CALLBACK function, not a lambda: the i686 build needs the stdcall convention.
+BOOL CALLBACK ListWindowProc(HWND hwnd, LPARAM lParam) {
+    *reinterpret_cast<std::string*>(lParam) +=
+        " \"" + WindowText(hwnd) + "\"" + (IsWindowVisible(hwnd) ? "(visible)" : "");
+    return TRUE;
+}
 }  // namespace
 
 void SetScreenshotFolder(const std::string& folder) {
@@ -59,14 +65,7 @@ void WizardDriver::Run(const std::string& sheetCaption, const std::function<void
         }
         if (!find.found) {
             std::string seen;
-            EnumThreadWindows(
-                driver.m_uiThread,
-                [](HWND hwnd, LPARAM lParam) -> BOOL {
-                    *reinterpret_cast<std::string*>(lParam) += " \"" + WindowText(hwnd) + "\"" +
-                                                               (IsWindowVisible(hwnd) ? "(visible)" : "");
-                    return TRUE;
-                },
-                reinterpret_cast<LPARAM>(&seen));
+            EnumThreadWindows(driver.m_uiThread, &ListWindowProc, reinterpret_cast<LPARAM>(&seen));
             ADD_FAILURE() << "no wizard appeared; windows:" << seen;
             return;
         }

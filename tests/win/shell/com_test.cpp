@@ -294,28 +294,27 @@ struct WizardWatch {
         GetWindowTextA(hwnd, text, sizeof text);
         return text;
     }
+    // A CALLBACK function, not a lambda: the i686 build needs the stdcall convention.
+    static BOOL CALLBACK WatchWindow(HWND hwnd, LPARAM lParam) {
+        auto* self = reinterpret_cast<WizardWatch*>(lParam);
+        if (!IsWindowVisible(hwnd)) return TRUE;
+        if (GetDlgItem(hwnd, 0xFFFF)) {  // a message box
+            PostMessageA(hwnd, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
+            return TRUE;
+        }
+        HWND page = reinterpret_cast<HWND>(SendMessageA(hwnd, PSM_GETCURRENTPAGEHWND, 0, 0));
+        if (!page) return TRUE;
+        self->sheetCaption = Text(hwnd);
+        self->pageCaption = Text(page);
+        HWND help = GetDlgItem(hwnd, IDHELP);
+        self->helpVisible = help && IsWindowVisible(help);
+        self->seen = true;
+        PostMessageA(hwnd, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
+        return FALSE;
+    }
     void Watch(DWORD uiThread) {
         for (int i = 0; i < 400 && !seen; ++i) {  // at most 20 s
-            EnumThreadWindows(
-                uiThread,
-                [](HWND hwnd, LPARAM lParam) -> BOOL {
-                    auto* self = reinterpret_cast<WizardWatch*>(lParam);
-                    if (!IsWindowVisible(hwnd)) return TRUE;
-                    if (GetDlgItem(hwnd, 0xFFFF)) {  // a message box
-                        PostMessageA(hwnd, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
-                        return TRUE;
-                    }
-                    HWND page = reinterpret_cast<HWND>(SendMessageA(hwnd, PSM_GETCURRENTPAGEHWND, 0, 0));
-                    if (!page) return TRUE;
-                    self->sheetCaption = Text(hwnd);
-                    self->pageCaption = Text(page);
-                    HWND help = GetDlgItem(hwnd, IDHELP);
-                    self->helpVisible = help && IsWindowVisible(help);
-                    self->seen = true;
-                    PostMessageA(hwnd, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
-                    return FALSE;
-                },
-                reinterpret_cast<LPARAM>(this));
+            EnumThreadWindows(uiThread, &WatchWindow, reinterpret_cast<LPARAM>(this));
             Sleep(50);
         }
     }
