@@ -14,6 +14,10 @@ if(WIN32)
                           _WIN32_IE=0x0600)
   # Everything static so the DLL and the programs need nothing beside the system DLLs.
   add_link_options(-static -static-libgcc -static-libstdc++)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # .def files name the exports without their stdcall decoration.
+    add_link_options(-Wl,--enable-stdcall-fixup)
+  endif()
 else()
   if(SENTREL_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=all)

@@ -128,9 +128,14 @@ Endpoint UdpSocket::LocalEndpoint() const {
 }
 
 uint32_t RandomU32() {
-  uint32_t v = 0;
-  BCryptGenRandom(nullptr, reinterpret_cast<PUCHAR>(&v), sizeof v, BCRYPT_USE_SYSTEM_PREFERRED_RNG);
-  return v;
+  // The system generator, fetched 256 bytes at a time per thread.
+  thread_local uint32_t pool[64];
+  thread_local size_t left = 0;
+  if (left == 0) {
+    BCryptGenRandom(nullptr, reinterpret_cast<PUCHAR>(pool), sizeof pool, BCRYPT_USE_SYSTEM_PREFERRED_RNG);
+    left = 64;
+  }
+  return pool[--left];
 }
 
 }  // namespace snmp
