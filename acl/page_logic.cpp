@@ -215,4 +215,64 @@ long RuleTypeOfPage(int page) {
     }
 }
 
+// --- "Add profile" (Part 5.2) ------------------------------------------------------------
+
+bool AddProfileModelTable(const std::string& model, long nACLKind, AddProfileModelRow& row) {
+    struct Entry {
+        const char* model;
+        AddProfileModelRow acl, cpu;
+    };
+    // Part 5.2's table: profile IDs, Packet Content radio, IPv6 radio, Profile Name.
+    static const Entry kTable[] = {
+        {"TVG5240-10", {200, true, true, false}, {5, true, true, false}},
+        {"TVR4512", {6, true, true, true}, {5, true, true, false}},
+        {"TVG5690", {14, true, true, false}, {5, true, true, false}},
+        {"TVG5470", {6, false, true, false}, {5, true, false, false}},
+        {"TVR4510", {255, true, false, false}, {5, true, false, false}},
+        {"TVR4820", {255, true, true, false}, {10, true, false, false}},
+        {"TVR4060", {256, true, false, false}, {3, true, false, false}},
+    };
+    for (const Entry& e : kTable)
+        if (model == e.model) {
+            row = nACLKind == 1 ? e.acl : e.cpu;
+            return true;
+        }
+    return false;
+}
+
+long FrameOption(const std::string& frameText, const std::string& protocolText) {
+    long option = frameText == "UnTagged" ? 1 : 2;
+    static const char* const kProtocols[] = {"ICMP", "IGMP", "TCP", "UDP", "ProtocolID"};
+    for (int i = 0; i < 5; ++i)
+        if (protocolText == kProtocols[i]) option = 3 + i;
+    return option;
+}
+
+AddProfileVerdict CheckAddProfile(const std::string& model, long nACLKind, const std::string& profileName,
+                                  const std::string& selectedId) {
+    if (model == "TVR4512" && nACLKind == 1 && profileName.empty()) return AddProfileVerdict::kNoProfileName;
+    if (selectedId.empty()) return AddProfileVerdict::kNoProfileId;
+    return AddProfileVerdict::kOk;
+}
+
+long CellToInteger(const std::string& text) {
+    size_t i = 0;
+    return static_cast<long>(ParseLeadingNumber(text, i));
+}
+
+std::vector<int> UsedProfileIdItems(const std::vector<std::string>& items, const std::vector<long>& usedIds,
+                                    int nProfileIds) {
+    std::vector<int> remove;
+    const size_t n = std::min(usedIds.size(), static_cast<size_t>(nProfileIds > 0 ? nProfileIds : 0));
+    for (size_t k = 0; k < n; ++k) {
+        if (usedIds[k] <= 0) continue;
+        const std::string text = std::to_string(usedIds[k]);
+        for (size_t i = 0; i < items.size(); ++i)
+            if (items[i] == text && std::find(remove.begin(), remove.end(), static_cast<int>(i)) == remove.end())
+                remove.push_back(static_cast<int>(i));
+    }
+    std::sort(remove.rbegin(), remove.rend());
+    return remove;
+}
+
 }  // namespace acl::pages

@@ -138,4 +138,42 @@ Jump BackJump(int page, const NavInput& in);
 long ProfileTypeOfPage(int page);
 long RuleTypeOfPage(int page);
 
+// ---------------------------------------------------------------------------------------
+// "Add profile" (Part 5.2, `CACLStep2`).
+
+// One row of Part 5.2's model table for an ACL kind (1 ordinary, 2 CPU).
+struct AddProfileModelRow {
+    int nProfileIds = 0;         // N: "Select Profile ID" offers "1" to "N"
+    bool bPacketEnabled = true;  // "Packet Content ACL" radio
+    bool bIPv6Enabled = true;    // "IPv6 ACL" radio
+    bool bProfileNameShown = false;  // "Profile Name" label and edit (never for the CPU ACL)
+};
+// The row of `model` (exact, case-sensitive) for `nACLKind`; false for a model string not in
+// the table, for which the page keeps its controls unchanged.
+bool AddProfileModelTable(const std::string& model, long nACLKind, AddProfileModelRow& row);
+
+// Next, step 1: `m_nFrameOption` from the texts the two drop-down lists show: 1 if the frame
+// list shows "UnTagged", else 2; a protocol text "ICMP", "IGMP", "TCP", "UDP", "ProtocolID"
+// gives 3 to 7 and overrides the frame value.
+long FrameOption(const std::string& frameText, const std::string& protocolText);
+
+enum class AddProfileVerdict {
+    kOk,
+    kNoProfileName,  // "Please input Profilename!" (TVR4512, ordinary ACL)
+    kNoProfileId,    // "Please select profile ID!!"
+};
+// Next, steps 2 and 3, in that order.
+AddProfileVerdict CheckAddProfile(const std::string& model, long nACLKind, const std::string& profileName,
+                                  const std::string& selectedId);
+
+// Opening "Select Profile ID": `usedIds` (column 0 of every row of the profile list, as
+// integers, copied into m_anUsedProfileIDs from index 0) are compared with the first N
+// entries; the drop-down items whose text equals a used ID greater than 0 are removed.
+// Returns the indexes of the items to remove, highest first (so removing them in order
+// keeps the others' indexes valid).
+std::vector<int> UsedProfileIdItems(const std::vector<std::string>& items, const std::vector<long>& usedIds,
+                                    int nProfileIds);
+// The C library's ASCII-to-integer of a list cell (Part 5.2 copies column 0 "as integers").
+long CellToInteger(const std::string& text);
+
 }  // namespace acl::pages

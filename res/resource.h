@@ -81,18 +81,19 @@
 // Part 6.1
 #define IDS_XLISTCTRL_CHECKBOX_CLICKED 160
 
-// Part 4.5: the staging file names, deleted by the confirmation pages on Finish and Cancel.
-#define IDS_FILE_ACL_ETHERNET        170   // 170-173: profile files
-#define IDS_FILE_ACL_IPV4            171
-#define IDS_FILE_ACL_IPV6            172
-#define IDS_FILE_AC_PACKET           173
-#define IDS_FILE_ACL_ETHRULE         174   // 174-180: rule files
-#define IDS_FILE_ACL_IPV4RULE        175
-#define IDS_FILE_ACL_IPV6RULE        176
-#define IDS_FILE_ACL_CPU_ETHRULE     177
-#define IDS_FILE_ACL_CPU_IPV4RULE    178
-#define IDS_FILE_ACL_CPU_IPV6RULE    179
-#define IDS_FILE_ACL_PACKETRULE      180
+// Part 5.2: "Add profile" (CACLStep2).
+#define IDS_STEP2_ADD_ACL_PROFILE    300
+#define IDS_STEP2_ADD_CPU_PROFILE_GROUP 301
+#define IDS_STEP2_PROFILE_LIST       302
+#define IDS_STEP2_CPU_PROFILE_LIST   303
+#define IDS_STEP2_CAPTION            304
+#define IDS_STEP2_CPU_CAPTION        305
+#define IDS_MSG_INPUT_PROFILENAME    306
+#define IDS_MSG_SELECT_PROFILE_ID    307
+#define IDS_STEP2_COL_PROFILE_ID     308
+#define IDS_STEP2_COL_PROFILE_TYPE   309
+#define IDS_STEP2_COL_OWNER          310
+#define IDS_MSG_INVALID_MAC          311   // Part 5.2, Ethernet page
 
 // Controls of the wizard's pages (Part 5.1).
 #define IDC_STEP0_TREE               1001  // page 0: the device tree (Part 1.3)
@@ -111,3 +112,25 @@
 #define IDC_STEP2_IPV4               1032  // "IPv4 ACL" (2)
 #define IDC_STEP2_IPV6               1033  // "IPv6 ACL" (3)
 #define IDC_STEP2_PACKET             1034  // "Packet Content ACL" (4)
+#define IDC_STEP2_GROUP_ADD          1035  // "Add ACL profile" / "Add CPU ACL profile"
+#define IDC_STEP2_GROUP_LIST         1036  // "Access profile list" / "CPU Access profile list"
+#define IDC_STEP2_PROFILE_ID         1037  // "Select Profile ID" drop-down list
+#define IDC_STEP2_NAME_LABEL         1038  // "Profile Name"
+#define IDC_STEP2_PROFILE_NAME       1039
+#define IDC_STEP2_FRAME              1040  // "Tagged", "UnTagged"
+#define IDC_STEP2_PROTOCOL           1041  // "ICMP", "IGMP", "TCP", "UDP", "ProtocolID"
+#define IDC_STEP2_DEVICE             1042  // "Device": the targets' IP addresses
+#define IDC_STEP2_PROFILE_LIST       1043  // the profile list of the chosen device
+#define IDC_STEP2_ID_LABEL           1044
+#define IDC_STEP2_DEVICE_LABEL       1045
+#define IDC_ETH_GROUP                1051  // page 7 (Part 5.2): "Filtering Mask"
+#define IDC_ETH_SRC_MAC_CHECK        1052  // "Source MAC Mask"
+#define IDC_ETH_SRC_MAC              1053
+#define IDC_ETH_DST_MAC_CHECK        1054  // "Destination MAC Mask"
+#define IDC_ETH_DST_MAC              1055
+#define IDC_ETH_VLAN                 1056  // "VLAN"
+#define IDC_ETH_8021P                1057  // "802.1P"
+#define IDC_ETH_ETHERNET_TYPE        1058  // "Ethernet Type"
+#define IDC_ETH_ADD                  1059  // "Add"
+#define IDC_ETH_DELETE               1060  // "Delete"
+#define IDC_ETH_LIST                 1061  // the pending list

@@ -1,7 +1,7 @@
 #include "acl/wizard/acl_apply.h"
 
 #include "acl/wizard/acl_wizard.h"
-#include "acl/wizard/staging_cleanup.h"
+#include "acl/acl_staging.h"
 #include "res/resource.h"
 
 namespace acl::wizard {
@@ -9,11 +9,11 @@ namespace acl::wizard {
 CACLApply::CACLApply() : CACLPage(acl::pages::kPageApply, IDD_ACL_APPLY, kBackFinish) {}
 
 BOOL CACLApply::OnWizardFinish() {
-    RemoveProfileStagingFiles();
+    ::DeleteProfileStagingFiles();
     return TRUE;
 }
 
 // Runs whenever the wizard is cancelled after this page was created, whichever page shows.
-void CACLApply::OnCancel() { RemoveProfileStagingFiles(); }
+void CACLApply::OnCancel() { ::DeleteProfileStagingFiles(); }
 
 }  // namespace acl::wizard

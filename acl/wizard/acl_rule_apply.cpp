@@ -1,7 +1,7 @@
 #include "acl/wizard/acl_rule_apply.h"
 
 #include "acl/wizard/acl_wizard.h"
-#include "acl/wizard/staging_cleanup.h"
+#include "acl/acl_staging.h"
 #include "res/resource.h"
 
 namespace acl::wizard {
@@ -9,11 +9,11 @@ namespace acl::wizard {
 CACLRuleApply::CACLRuleApply() : CACLPage(acl::pages::kPageRuleApply, IDD_ACL_RULE_APPLY, kBackFinish) {}
 
 BOOL CACLRuleApply::OnWizardFinish() {
-    RemoveRuleStagingFiles();
+    ::DeleteRuleStagingFiles();
     return TRUE;
 }
 
 // Runs whenever the wizard is cancelled after this page was created, whichever page shows.
-void CACLRuleApply::OnCancel() { RemoveRuleStagingFiles(); }
+void CACLRuleApply::OnCancel() { ::DeleteRuleStagingFiles(); }
 
 }  // namespace acl::wizard

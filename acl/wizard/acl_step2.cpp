@@ -2,23 +2,317 @@
 
 #include "acl/wizard/acl_wizard.h"
 #include "res/resource.h"
+#include "ui/controls.h"
+#include "ui/text.h"
+#include "ui/win_handles.h"
 
 namespace acl::wizard {
+namespace {
+
+// Part 5.1: one bold group font per page class, made on first use, kept for the process.
+HFONT GroupFont() {
+    static const ui::UniqueGdiObject font(ui::CreateGroupTitleFont(ui::LoadResString(IDS_GROUP_FONT)));
+    return static_cast<HFONT>(font.get());
+}
+
+// Part 5.2: the dialog's initial combo data.
+const char* const kFrameItems[] = {"Tagged", "UnTagged"};
+const char* const kProtocolItems[] = {"ICMP", "IGMP", "TCP", "UDP", "ProtocolID"};
+
+// Posted by a reader: one row (lParam owns a ReaderRow) and the end of a reading.
+constexpr UINT WM_ACL_READER_ROW = WM_APP + 0x31;
+constexpr UINT WM_ACL_READER_DONE = WM_APP + 0x32;
+
+struct ReaderRow {
+    unsigned nSerial;
+    AclType type;
+    AclRecord record;
+    AclSummaryLine line;
+};
+
+using Job = CACLStep2::ReaderJob;
+
+// Part 4.3 on a worker thread: the ACL core's reader, every row posted to the page.
+DWORD WINAPI ReaderThread(LPVOID param) {
+    std::shared_ptr<Job> job = *static_cast<std::shared_ptr<Job>*>(param);
+    delete static_cast<std::shared_ptr<Job>*>(param);
+    AclReadOptions options;
+    options.stop = &job->stop;
+    options.sink = [&job](AclType type, const AclRecord& record, const AclSummaryLine& line) {
+        auto* row = new ReaderRow{job->nSerial, type, record, line};
+        if (!PostMessageA(job->hwndPage, WM_ACL_READER_ROW, 0, reinterpret_cast<LPARAM>(row))) delete row;
+    };
+    ReadProfiles(job->target, job->owner, options);
+    PostMessageA(job->hwndPage, WM_ACL_READER_DONE, job->nSerial, 0);
+    return 0;
+}
+
+std::string ComboText(HWND combo) {
+    const int sel = static_cast<int>(SendMessageA(combo, CB_GETCURSEL, 0, 0));
+    return sel < 0 ? std::string() : ui::ComboBox(combo).GetLBText(sel);
+}
+
+}  // namespace
 
 CACLStep2::CACLStep2() : CACLPage(acl::pages::kPageAddProfile, IDD_ACL_STEP2, kBackNext) {}
+
+CACLStep2::~CACLStep2() { StopReaders(3000); }
 
 BOOL CACLStep2::OnInitDialog() {
     m_nProfileChoice = 1;
     CheckRadioButton(GetSafeHwnd(), IDC_STEP2_ETHERNET, IDC_STEP2_PACKET, IDC_STEP2_ETHERNET);
+    ui::ComboBox frame(GetDlgItem(IDC_STEP2_FRAME));
+    for (const char* item : kFrameItems) frame.AddString(item);
+    ui::ComboBox protocol(GetDlgItem(IDC_STEP2_PROTOCOL));
+    for (const char* item : kProtocolItems) protocol.AddString(item);
+    // Item order as given (CBS_SORT is not set). Like the framework's initial combo data,
+    // nothing is selected at start: Next then gives m_nFrameOption 2 (not "UnTagged").
+    SendMessageA(GetDlgItem(IDC_STEP2_PROFILE_NAME), EM_LIMITTEXT, 32, 0);
+
+    m_profileList.Attach(GetDlgItem(IDC_STEP2_PROFILE_LIST));
+    m_profileList.SetExtendedStyle(LVS_EX_FULLROWSELECT);
+    m_profileList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 80);
+    m_profileList.InsertColumn(1, ui::LoadResString(IDS_STEP2_COL_PROFILE_TYPE), 110);
+    m_profileList.InsertColumn(2, ui::LoadResString(IDS_STEP2_COL_OWNER), 90);
+    ShowTypeLists();
     return TRUE;
 }
 
-BOOL CACLStep2::OnCommand(WPARAM wParam, LPARAM) {
-    if (HIWORD(wParam) != BN_CLICKED) return FALSE;
-    const int id = LOWORD(wParam);
-    if (id < IDC_STEP2_ETHERNET || id > IDC_STEP2_PACKET) return FALSE;
-    m_nProfileChoice = id - IDC_STEP2_ETHERNET + 1;
+BOOL CACLStep2::OnSetActive() {
+    CACLPage::OnSetActive();  // Back and Next
+    CACLWizard& wizard = Wizard();
+    m_nACLKind = wizard.m_nACLKind;
+    const bool cpu = m_nACLKind != 1;
+
+    // Step 2: the "Device" list, target 0 current.
+    ui::ComboBox devices(GetDlgItem(IDC_STEP2_DEVICE));
+    devices.ResetContent();
+    for (long i = 0; i < wizard.m_nTargetCount; ++i) devices.AddString(wizard.m_aTargets[static_cast<size_t>(i)].strIP);
+    SendMessageA(devices.Hwnd(), CB_SETCURSEL, 0, 0);
+    if (wizard.m_nTargetCount > 0) {
+        const ACLTarget& t = wizard.m_aTargets[0];
+        m_device = AclTarget{t.strIP, t.strReadCommunity, t.strWriteCommunity, t.strDeviceType};
+    } else {
+        m_device = AclTarget{};
+    }
+
+    // Step 3: group titles and fonts by ACL kind.
+    ui::Button add(GetDlgItem(IDC_STEP2_GROUP_ADD));
+    add.SetText(ui::LoadResString(cpu ? IDS_STEP2_ADD_CPU_PROFILE_GROUP : IDS_STEP2_ADD_ACL_PROFILE));
+    add.SetFont(GroupFont());
+    ui::Button list(GetDlgItem(IDC_STEP2_GROUP_LIST));
+    list.SetText(ui::LoadResString(cpu ? IDS_STEP2_CPU_PROFILE_LIST : IDS_STEP2_PROFILE_LIST));
+    list.SetFont(GroupFont());
+
+    // Steps 4 and 5: caption, model table, used IDs zeroed, "1" to "N", the reader.
+    const std::string caption = ui::LoadResString(cpu ? IDS_STEP2_CPU_CAPTION : IDS_STEP2_CAPTION);
+    SetWindowTextA(GetSafeHwnd(), caption.c_str());
+    PropSheet_SetTitle(Sheet()->GetSafeHwnd(), 0, caption.c_str());
+    ApplyModelTable();
+    for (int i = 0; i < m_nProfileIds && i < static_cast<int>(wizard.m_anUsedProfileIDs.size()); ++i)
+        wizard.m_anUsedProfileIDs[static_cast<size_t>(i)] = 0;
+    ui::ComboBox ids(GetDlgItem(IDC_STEP2_PROFILE_ID));
+    ids.ResetContent();
+    for (int i = 1; i <= m_nProfileIds; ++i) ids.AddString(std::to_string(i));
+    SendMessageA(ids.Hwnd(), CB_SETCURSEL, static_cast<WPARAM>(-1), 0);  // nothing selected
+    StartReader();
     return TRUE;
+}
+
+// Part 5.2's model table; a model string not in the table leaves the controls unchanged.
+void CACLStep2::ApplyModelTable() {
+    acl::pages::AddProfileModelRow row;
+    if (!acl::pages::AddProfileModelTable(m_device.typeText, m_nACLKind, row)) return;
+    m_nProfileIds = row.nProfileIds;
+    EnableWindow(GetDlgItem(IDC_STEP2_PACKET), row.bPacketEnabled);
+    EnableWindow(GetDlgItem(IDC_STEP2_IPV6), row.bIPv6Enabled);
+    const int show = row.bProfileNameShown ? SW_SHOW : SW_HIDE;
+    ShowWindow(GetDlgItem(IDC_STEP2_NAME_LABEL), show);
+    ShowWindow(GetDlgItem(IDC_STEP2_PROFILE_NAME), show);
+}
+
+// The frame list while Ethernet is chosen, the protocol list while IPv4 is; else neither.
+void CACLStep2::ShowTypeLists() {
+    ShowWindow(GetDlgItem(IDC_STEP2_FRAME), m_nProfileChoice == 1 ? SW_SHOW : SW_HIDE);
+    ShowWindow(GetDlgItem(IDC_STEP2_PROTOCOL), m_nProfileChoice == 2 ? SW_SHOW : SW_HIDE);
+}
+
+// Step 6: empty the lists; start the model's reader unless the previous one of the kind runs.
+void CACLStep2::StartReader() {
+    for (AclRecordList& table : m_aTables) table.clear();
+    m_profileList.DeleteAllItems();
+    const size_t k = m_nACLKind == 1 ? 0 : 1;
+    if (IsReaderRunning(static_cast<int>(k + 1))) return;  // it keeps filling the lists
+    if (m_hReader[k]) {
+        CloseHandle(m_hReader[k]);
+        m_hReader[k] = nullptr;
+    }
+    auto job = std::make_shared<Job>();
+    job->target = m_device;
+    job->owner = k == 0 ? AclOwner::kAcl : AclOwner::kCpu;
+    job->hwndPage = GetSafeHwnd();
+    job->nSerial = ++m_nSerial;
+    auto* param = new std::shared_ptr<Job>(job);
+    DWORD id = 0;
+    m_hReader[k] = CreateThread(nullptr, 0, ReaderThread, param, 0, &id);
+    if (!m_hReader[k]) {
+        delete param;
+        return;
+    }
+    m_readerJob[k] = std::move(job);
+}
+
+bool CACLStep2::IsReaderRunning(int nACLKind) const {
+    const HANDLE h = m_hReader[nACLKind == 1 ? 0 : 1];
+    DWORD code = 0;
+    return h && GetExitCodeThread(h, &code) && code == STILL_ACTIVE;
+}
+
+// Asks both readers to stop; with a wait, waits at most `waitMs` for each and closes them.
+// A reader that outlives the wait shares nothing with the page but its job and ends at its
+// next answer or time-out (Part 2.1: at most 3000 ms).
+void CACLStep2::StopReaders(DWORD waitMs) {
+    for (size_t k = 0; k < 2; ++k) {
+        if (m_readerJob[k]) m_readerJob[k]->stop = true;
+        if (!waitMs || !m_hReader[k]) continue;
+        WaitForSingleObject(m_hReader[k], waitMs);
+        CloseHandle(m_hReader[k]);
+        m_hReader[k] = nullptr;
+        m_readerJob[k].reset();
+    }
+}
+
+BOOL CACLStep2::OnKillActive() {
+    StopReaders(0);  // the page is left: the reader stops at its next answer
+    return TRUE;
+}
+
+void CACLStep2::OnDestroy() {
+    StopReaders(3000);
+    // Rows posted but not yet delivered belong to us now.
+    MSG msg;
+    while (PeekMessageA(&msg, GetSafeHwnd(), WM_ACL_READER_ROW, WM_ACL_READER_ROW, PM_REMOVE))
+        delete reinterpret_cast<ReaderRow*>(msg.lParam);
+    m_profileList.Detach();
+}
+
+BOOL CACLStep2::OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
+    if (msg == WM_ACL_READER_ROW) {
+        OnReaderRow(wParam, lParam);
+        *pResult = 0;
+        return TRUE;
+    }
+    if (msg == WM_ACL_READER_DONE) {
+        *pResult = 0;
+        return TRUE;
+    }
+    return FALSE;
+}
+
+// On the user-interface thread: a row of the reader goes to the hidden table of its type and,
+// as a summary line, to the profile list. Rows of a reader whose lists were emptied for a
+// newer one are dropped.
+void CACLStep2::OnReaderRow(WPARAM, LPARAM lParam) {
+    std::unique_ptr<ReaderRow> row(reinterpret_cast<ReaderRow*>(lParam));
+    const size_t k = m_nACLKind == 1 ? 0 : 1;
+    if (!row || !m_readerJob[k] || row->nSerial != m_readerJob[k]->nSerial) return;
+    m_aTables[static_cast<size_t>(row->type)].push_back(row->record);
+    const int index = m_profileList.InsertItem(m_profileList.GetItemCount(), row->line.profileId);
+    m_profileList.SetItemText(index, 1, row->line.typeWord);
+    m_profileList.SetItemText(index, 2, row->line.ownerWord);
+}
+
+// Opening "Select Profile ID": the IDs in use (column 0 of the profile list) leave the list.
+void CACLStep2::RemoveUsedProfileIds() {
+    CACLWizard& wizard = Wizard();
+    std::vector<long> used;
+    for (int row = 0, n = m_profileList.GetItemCount(); row < n; ++row) {
+        const long id = acl::pages::CellToInteger(m_profileList.GetItemText(row, 0));
+        if (static_cast<size_t>(row) < wizard.m_anUsedProfileIDs.size())
+            wizard.m_anUsedProfileIDs[static_cast<size_t>(row)] = id;
+    }
+    used.assign(wizard.m_anUsedProfileIDs.begin(), wizard.m_anUsedProfileIDs.end());
+    ui::ComboBox ids(GetDlgItem(IDC_STEP2_PROFILE_ID));
+    std::vector<std::string> items;
+    for (int i = 0, n = ids.GetCount(); i < n; ++i) items.push_back(ids.GetLBText(i));
+    for (int index : acl::pages::UsedProfileIdItems(items, used, m_nProfileIds))
+        SendMessageA(ids.Hwnd(), CB_DELETESTRING, static_cast<WPARAM>(index), 0);
+}
+
+// Changing the device: target i current (its IP and read community; write community and
+// type stay those of target 0), and the reader of the current kind again.
+void CACLStep2::SelectDevice(int index) {
+    CACLWizard& wizard = Wizard();
+    if (index < 0 || index >= wizard.m_nTargetCount) return;
+    const ACLTarget& t = wizard.m_aTargets[static_cast<size_t>(index)];
+    m_device.ip = t.strIP;
+    m_device.readCommunity = t.strReadCommunity;
+    StartReader();
+}
+
+BOOL CACLStep2::OnCommand(WPARAM wParam, LPARAM) {
+    const int id = LOWORD(wParam);
+    const int code = HIWORD(wParam);
+    if (id == IDC_STEP2_PROFILE_ID && code == CBN_DROPDOWN) {
+        RemoveUsedProfileIds();
+        return TRUE;
+    }
+    if (id == IDC_STEP2_DEVICE && code == CBN_SELCHANGE) {
+        SelectDevice(static_cast<int>(SendMessageA(GetDlgItem(IDC_STEP2_DEVICE), CB_GETCURSEL, 0, 0)));
+        return TRUE;
+    }
+    if (code != BN_CLICKED || id < IDC_STEP2_ETHERNET || id > IDC_STEP2_PACKET) return FALSE;
+    m_nProfileChoice = id - IDC_STEP2_ETHERNET + 1;
+    ShowTypeLists();
+    return TRUE;
+}
+
+BOOL CACLStep2::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
+    if (hdr->hwndFrom == m_profileList.GetSafeHwnd() && hdr->code == LVN_COLUMNCLICK) {
+        // Part 5.2: column 0 compares as numbers, the others as strings, direction toggling.
+        const int column = reinterpret_cast<const NMLISTVIEW*>(hdr)->iSubItem;
+        const bool ascending = m_sort.Click(column);
+        m_profileList.SortRows(
+            column,
+            [column](const std::string& a, const std::string& b) {
+                return column == 0 ? acl::pages::CompareNumberText(a, b) : acl::pages::CompareText(a, b);
+            },
+            ascending);
+        *pResult = 0;
+        return TRUE;
+    }
+    if (hdr->hwndFrom == m_profileList.GetSafeHwnd() && hdr->code == NM_CLICK) {
+        const int row = reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem;
+        if (row >= 0) {
+            m_strSelProfileID = m_profileList.GetItemText(row, 0);
+            m_strSelTypeName = m_profileList.GetItemText(row, 1);
+        }
+        *pResult = 0;
+        return TRUE;
+    }
+    return FALSE;
+}
+
+LRESULT CACLStep2::OnWizardNext() {
+    CACLWizard& wizard = Wizard();
+    // Step 1: the sub-option from the texts the two drop-down lists show.
+    wizard.m_nFrameOption =
+        acl::pages::FrameOption(ComboText(GetDlgItem(IDC_STEP2_FRAME)), ComboText(GetDlgItem(IDC_STEP2_PROTOCOL)));
+    const std::string name = ui::GetWindowTextString(GetDlgItem(IDC_STEP2_PROFILE_NAME));
+    const std::string id = ComboText(GetDlgItem(IDC_STEP2_PROFILE_ID));
+    switch (acl::pages::CheckAddProfile(m_device.typeText, m_nACLKind, name, id)) {
+    case acl::pages::AddProfileVerdict::kNoProfileName:
+        ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(IDS_MSG_INPUT_PROFILENAME));
+        return kStay;
+    case acl::pages::AddProfileVerdict::kNoProfileId:
+        ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(IDS_MSG_SELECT_PROFILE_ID));
+        return kStay;
+    case acl::pages::AddProfileVerdict::kOk:
+        break;
+    }
+    if (m_device.typeText == "TVR4512" && m_nACLKind == 1) wizard.m_strProfileName = name;
+    wizard.m_strProfileID = id;
+    return CACLPage::OnWizardNext();  // by the chosen type (Part 5.1)
 }
 
 acl::pages::NavInput CACLStep2::MakeNavInput() const {

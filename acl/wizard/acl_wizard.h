@@ -62,6 +62,9 @@ public:
     BYTE m_bProfilesApplied = 0;
     BYTE m_bRulesApplied = 0;
 
+    // Page 3, for the tests that watch its reader (Part 5.2).
+    CACLStep2& AddProfilePage() { return m_step2; }
+
 protected:
     void OnInitSheet() override;
 

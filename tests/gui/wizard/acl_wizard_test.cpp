@@ -88,6 +88,12 @@ protected:
         d.Next();
         ASSERT_EQ(2, d.ActiveIndex());
     }
+    // Part 5.2: "Add profile" goes on only with a profile ID chosen.
+    static void PickProfileId(WizardDriver& d, const std::string& id) {
+        SendMessageA(d.Control(IDC_STEP2_PROFILE_ID), CB_SELECTSTRING, static_cast<WPARAM>(-1),
+                     reinterpret_cast<LPARAM>(id.c_str()));
+        d.Settle();
+    }
     std::string File(const char* name) const { return m_folder + "\\" + name; }
     bool Exists(const char* name) const { return GetFileAttributesA(File(name).c_str()) != INVALID_FILE_ATTRIBUTES; }
     void MakeStagingFiles() {
@@ -380,6 +386,7 @@ TEST_F(AclWizardGui, ProfilePagesGoByTypeAndConfirmationBackReturnsToTheDefiniti
                      {IDC_STEP2_PACKET, 9, "Packet content ACL", "page-09-packet"}};
         for (const auto& t : types) {
             d.ClickButton(t.radio);
+            PickProfileId(d, "1");
             d.Next();
             ASSERT_EQ(t.page, d.ActiveIndex());
             EXPECT_EQ(t.caption, d.ActiveCaption());
@@ -395,6 +402,7 @@ TEST_F(AclWizardGui, ProfilePagesGoByTypeAndConfirmationBackReturnsToTheDefiniti
             EXPECT_EQ(3, d.ActiveIndex());
             EXPECT_NE(nullptr, d.PageHwnd(4)) << "page 4's activation ran in passing";
         }
+        PickProfileId(d, "1");
         d.Next();
         d.Next();
         d.Screenshot("page-10-confirmation");
@@ -406,6 +414,7 @@ TEST_F(AclWizardGui, CancelOnTheConfirmationPageRemovesTheProfileStagingFiles) {
     Wizard([&](WizardDriver& d) {
         ToActionChoice(d);
         d.Next();
+        PickProfileId(d, "1");
         d.Next();
         ASSERT_EQ(7, d.ActiveIndex());
         d.Next();
@@ -444,6 +453,7 @@ TEST_F(AclWizardGui, FinishOnTheConfirmationPageRemovesTheProfileFilesAndOnModif
     Wizard([&](WizardDriver& d) {
         ToActionChoice(d);
         d.Next();
+        PickProfileId(d, "1");
         d.Next();
         d.Next();
         ASSERT_EQ(10, d.ActiveIndex());

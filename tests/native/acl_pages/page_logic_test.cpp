@@ -220,3 +220,64 @@ TEST(Navigation, FinishPages) {
         EXPECT_EQ(Jump::kFinish, NextJump(page, {}).kind) << page;
     EXPECT_EQ(kPageSelect, BackJump(kPageModifyProfile, {}).nTarget);
 }
+
+// --- "Add profile" (Part 5.2) ----------------------------------------------------------------
+
+TEST(AddProfile, ModelTableOfBothKinds) {
+    AddProfileModelRow row;
+    ASSERT_TRUE(AddProfileModelTable("TVR4512", 1, row));
+    EXPECT_EQ(6, row.nProfileIds);
+    EXPECT_TRUE(row.bProfileNameShown);
+    ASSERT_TRUE(AddProfileModelTable("TVR4512", 2, row));
+    EXPECT_EQ(5, row.nProfileIds);
+    EXPECT_FALSE(row.bProfileNameShown) << "never for the CPU ACL";
+    ASSERT_TRUE(AddProfileModelTable("TVG5470", 1, row));
+    EXPECT_FALSE(row.bPacketEnabled);
+    EXPECT_TRUE(row.bIPv6Enabled);
+    ASSERT_TRUE(AddProfileModelTable("TVG5470", 2, row));
+    EXPECT_TRUE(row.bPacketEnabled);
+    EXPECT_FALSE(row.bIPv6Enabled);
+    ASSERT_TRUE(AddProfileModelTable("TVR4060", 1, row));
+    EXPECT_EQ(256, row.nProfileIds);
+    EXPECT_FALSE(row.bIPv6Enabled);
+    ASSERT_TRUE(AddProfileModelTable("TVR4820", 2, row));
+    EXPECT_EQ(10, row.nProfileIds);
+    ASSERT_TRUE(AddProfileModelTable("TVG5240-10", 1, row));
+    EXPECT_EQ(200, row.nProfileIds);
+    EXPECT_FALSE(AddProfileModelTable("TVG-5140", 1, row)) << "left unchanged";
+    EXPECT_FALSE(AddProfileModelTable("tvr4512", 1, row)) << "case-sensitive";
+}
+
+TEST(AddProfile, FrameOptionProtocolOverridesFrame) {
+    EXPECT_EQ(1, FrameOption("UnTagged", ""));
+    EXPECT_EQ(2, FrameOption("Tagged", ""));
+    EXPECT_EQ(2, FrameOption("", ""));
+    EXPECT_EQ(3, FrameOption("UnTagged", "ICMP"));
+    EXPECT_EQ(4, FrameOption("Tagged", "IGMP"));
+    EXPECT_EQ(5, FrameOption("UnTagged", "TCP")) << "Part 5.2 edge case: TCP then Ethernet keeps 5";
+    EXPECT_EQ(6, FrameOption("Tagged", "UDP"));
+    EXPECT_EQ(7, FrameOption("Tagged", "ProtocolID"));
+}
+
+TEST(AddProfile, NameIsCheckedBeforeTheId) {
+    EXPECT_EQ(AddProfileVerdict::kNoProfileName, CheckAddProfile("TVR4512", 1, "", ""));
+    EXPECT_EQ(AddProfileVerdict::kNoProfileId, CheckAddProfile("TVR4512", 1, "web", ""));
+    EXPECT_EQ(AddProfileVerdict::kNoProfileId, CheckAddProfile("TVR4512", 2, "", "")) << "CPU: no name";
+    EXPECT_EQ(AddProfileVerdict::kNoProfileId, CheckAddProfile("TVG5690", 1, "", ""));
+    EXPECT_EQ(AddProfileVerdict::kOk, CheckAddProfile("TVG5690", 1, "", "3"));
+    EXPECT_EQ(AddProfileVerdict::kOk, CheckAddProfile("TVR4512", 1, "web", "3"));
+}
+
+TEST(AddProfile, UsedIdsAreRemovedOnceAndRepeatedOpeningsKeepTheFreeOnes) {
+    std::vector<std::string> items{"1", "2", "3", "4", "5", "6"};
+    std::vector<long> used{2, 5, 0, 0, 0, 0};
+    auto remove = UsedProfileIdItems(items, used, 6);
+    EXPECT_EQ((std::vector<int>{4, 1}), remove) << "highest index first";
+    for (int i : remove) items.erase(items.begin() + i);
+    EXPECT_EQ((std::vector<std::string>{"1", "3", "4", "6"}), items);
+    EXPECT_TRUE(UsedProfileIdItems(items, used, 6).empty()) << "a second opening removes nothing more";
+    EXPECT_TRUE(UsedProfileIdItems({"1", "2"}, {2}, 0).empty()) << "only the first N entries count";
+    EXPECT_EQ(7, CellToInteger("7"));
+    EXPECT_EQ(12, CellToInteger(" 12ab"));
+    EXPECT_EQ(0, CellToInteger("x"));
+}

@@ -1,0 +1,360 @@
+// Part 5.2 "Add profile" (`CACLStep2`) tested like a person uses it: the real wizard, opened on
+// page 3 with the targets that page 0 would have stored, against simulated switches served
+// on 127.0.0.1 ports by threads of the test (the approach of tests/win/acl). The page reads
+// the switch's profiles on its worker thread; the test checks the lists, the drop-down, the
+// messages, m_nFrameOption, and that the reader stops when the page is left or the wizard
+// closes.
+#include <windows.h>
+#include <commctrl.h>
+#include <prsht.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "acl/acl_device.h"
+#include "acl/acl_mib.h"
+#include "acl/acl_staging.h"
+#include "acl/wizard/acl_wizard.h"
+#include "res/resource.h"
+#include "sim_agent.h"
+#include "tests/gui/support/wizard_driver.h"
+#include "tests/win/support/win_test_util.h"
+#include "ui/text.h"
+
+using sentrel_gui::WizardDriver;
+
+namespace {
+
+constexpr char kSelectId[] = "Please select profile ID!!";
+constexpr char kInputName[] = "Please input Profilename!";
+constexpr char kInvalidMac[] = "Invalid MAC Address !";
+
+std::vector<std::string> Texts(const std::vector<sentrel_gui::CaughtBox>& boxes) {
+    std::vector<std::string> out;
+    for (const auto& b : boxes) out.push_back(b.text);
+    return out;
+}
+
+// Creates profiles on a simulated switch through the ACL core's writer, as an earlier apply
+// would have.
+void CreateProfiles(SimAgent& agent, const std::string& model, AclOwner owner,
+                    const std::vector<std::pair<AclType, std::string>>& profiles) {
+    const ModelEntry& m = *LookupModel(model);
+    const AclTarget target{agent.address(), "public", "private", model};
+    for (const auto& [type, id] : profiles) {
+        ProfileFields f;
+        f.profileId = id;
+        f.profileName = "p" + id;
+        f.vlan = true;
+        f.protocolGroup = 5;
+        auto table = TableLayout(m, owner, AclKind::kProfiles, type);
+        ASSERT_TRUE(table.has_value());
+        ASSERT_TRUE(SetRecord(target, *table, BuildProfile(type, owner, m, f))) << id;
+    }
+}
+
+class AddProfileGui : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        INITCOMMONCONTROLSEX icc{sizeof icc, ICC_WIN95_CLASSES};
+        InitCommonControlsEx(&icc);
+        ui::SetResourceInstance(GetModuleHandleA(nullptr));  // the plug-in's resources are linked in
+        sentrel_gui::SetScreenshotFolder(sentrel_test::WinPath(SCREENSHOT_DIR));
+    }
+    void SetUp() override {
+        m_folder = sentrel_test::MakeTempFolder("sentrel_gui_step2_");
+        GetCurrentDirectoryA(MAX_PATH, m_oldDirectory);
+        SetCurrentDirectoryA(m_folder.c_str());
+    }
+    void TearDown() override { SetCurrentDirectoryA(m_oldDirectory); }
+
+    // The wizard on page 3 with `targets` (IP, model) and the ACL kind, as pages 0 to 2 leave it.
+    void Wizard(const std::vector<std::pair<std::string, std::string>>& targets, long nACLKind,
+                const std::function<void(WizardDriver&)>& script) {
+        WizardDriver::Run(
+            "",
+            [&] {
+                acl::wizard::CACLWizard wizard;
+                for (size_t i = 0; i < targets.size(); ++i)
+                    wizard.m_aTargets[i] = {targets[i].first, "public", "private", targets[i].second};
+                wizard.m_nTargetCount = static_cast<long>(targets.size());
+                wizard.m_nACLKind = nACLKind;
+                wizard.SetStartPage(acl::pages::kPageAddProfile);
+                m_wizard = &wizard;
+                wizard.DoModal(nullptr);
+                m_wizard = nullptr;
+            },
+            script);
+    }
+    acl::wizard::CACLStep2& Page() { return m_wizard->AddProfilePage(); }
+
+    static HWND ProfileList(WizardDriver& d) { return d.Control(IDC_STEP2_PROFILE_LIST); }
+    static std::vector<std::string> IdItems(WizardDriver& d) {
+        std::vector<std::string> out;
+        HWND combo = d.Control(IDC_STEP2_PROFILE_ID);
+        const int n = static_cast<int>(SendMessageA(combo, CB_GETCOUNT, 0, 0));
+        for (int i = 0; i < n; ++i) {
+            char text[32] = {};
+            SendMessageA(combo, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(text));
+            out.emplace_back(text);
+        }
+        return out;
+    }
+    // Opens and closes the drop-down as a click on it does (CBN_DROPDOWN to the page).
+    static void OpenIdDropDown(WizardDriver& d) {
+        SendMessageA(d.Control(IDC_STEP2_PROFILE_ID), CB_SHOWDROPDOWN, TRUE, 0);
+        d.Settle();
+        SendMessageA(d.Control(IDC_STEP2_PROFILE_ID), CB_SHOWDROPDOWN, FALSE, 0);
+        d.Settle();
+    }
+    static void PickCombo(WizardDriver& d, int id, const std::string& text) {
+        SendMessageA(d.Control(id), CB_SELECTSTRING, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text.c_str()));
+        d.Settle();
+    }
+    static void PickDevice(WizardDriver& d, int index) {
+        HWND combo = d.Control(IDC_STEP2_DEVICE);
+        SendMessageA(combo, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+        // The user's choice notifies the page (CB_SETCURSEL alone does not).
+        SendMessageA(GetParent(combo), WM_COMMAND, MAKEWPARAM(IDC_STEP2_DEVICE, CBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(combo));
+        d.Settle();
+    }
+
+    std::string m_folder;
+    char m_oldDirectory[MAX_PATH] = {};
+    acl::wizard::CACLWizard* m_wizard = nullptr;
+};
+
+TEST_F(AddProfileGui, ReadsTheSwitchAndOffersOnlyTheFreeProfileIds) {
+    SimAgent a(1, "TVG5690"), b(2, "TVG5690");
+    ASSERT_TRUE(a.ok() && b.ok()) << a.error() << b.error();
+    CreateProfiles(a, "TVG5690", AclOwner::kAcl, {{AclType::kEthernet, "2"}, {AclType::kIPv4, "5"}, {AclType::kIPv6, "14"}});
+    CreateProfiles(b, "TVG5690", AclOwner::kAcl, {{AclType::kEthernet, "1"}});
+    const AclTarget ta{a.address(), "public", "private", "TVG5690"};
+    const std::vector<int> expectedFree = FreeProfileIds(ReadProfiles(ta, AclOwner::kAcl), 14);
+    Wizard({{a.address(), "TVG5690"}, {b.address(), "TVG5690"}}, 1, [&](WizardDriver& d) {
+        ASSERT_EQ(3, d.ActiveIndex());
+        EXPECT_EQ("Add profile", d.ActiveCaption());
+        EXPECT_EQ("Add ACL profile", d.Text(IDC_STEP2_GROUP_ADD));
+        EXPECT_EQ("Access profile list", d.Text(IDC_STEP2_GROUP_LIST));
+        EXPECT_FALSE(IsWindowVisible(d.Control(IDC_STEP2_PROFILE_NAME))) << "hidden but on TVR4512";
+        EXPECT_EQ(14u, IdItems(d).size()) << "TVG5690: 14 profile IDs";
+        EXPECT_EQ(-1, SendMessageA(d.Control(IDC_STEP2_PROFILE_ID), CB_GETCURSEL, 0, 0)) << "nothing selected";
+        EXPECT_EQ(a.address(), d.Text(IDC_STEP2_DEVICE));
+        ASSERT_TRUE(d.WaitFor([&] { return d.RowCount(ProfileList(d)) == 3 && !Page().IsReaderRunning(1); }));
+        EXPECT_EQ("2", d.CellText(ProfileList(d), 0, 0));
+        EXPECT_EQ("Ethernet", d.CellText(ProfileList(d), 0, 1));
+        EXPECT_EQ("IPv4", d.CellText(ProfileList(d), 1, 1));
+        EXPECT_EQ("14", d.CellText(ProfileList(d), 2, 0));
+        EXPECT_EQ(1u, Page().HiddenTables()[0].size());
+        d.Screenshot("page-03-add-profile-read");
+        // Part 5.2 edge case: opening the drop-down several times leaves exactly the free IDs.
+        for (int i = 0; i < 3; ++i) OpenIdDropDown(d);
+        std::vector<std::string> expected;
+        for (int id : expectedFree) expected.push_back(std::to_string(id));
+        EXPECT_EQ(expected, IdItems(d));
+        EXPECT_EQ(11u, IdItems(d).size());
+        // Column 0 sorts as numbers, toggling.
+        d.ClickHeader(ProfileList(d), 0);
+        d.ClickHeader(ProfileList(d), 0);
+        EXPECT_EQ("14", d.CellText(ProfileList(d), 0, 0)) << "descending on the second click";
+        // The second device: its own profiles.
+        PickDevice(d, 1);
+        ASSERT_TRUE(d.WaitFor([&] { return d.RowCount(ProfileList(d)) == 1 && !Page().IsReaderRunning(1); }));
+        EXPECT_EQ("1", d.CellText(ProfileList(d), 0, 0));
+    });
+}
+
+TEST_F(AddProfileGui, NextNeedsAProfileIdAndKeepsTheInput) {
+    SimAgent a(3, "TVR4512");
+    ASSERT_TRUE(a.ok()) << a.error();
+    Wizard({{a.address(), "TVR4512"}}, 1, [&](WizardDriver& d) {
+        ASSERT_EQ(3, d.ActiveIndex());
+        EXPECT_TRUE(IsWindowVisible(d.Control(IDC_STEP2_PROFILE_NAME))) << "TVR4512 has profile names";
+        EXPECT_EQ(6u, IdItems(d).size());
+        d.Next();
+        EXPECT_EQ(std::vector<std::string>{kInputName}, Texts(d.TakeMessages())) << "the name comes first";
+        EXPECT_EQ(3, d.ActiveIndex());
+        d.TypeText(IDC_STEP2_PROFILE_NAME, "web");
+        d.Next();
+        EXPECT_EQ(std::vector<std::string>{kSelectId}, Texts(d.TakeMessages()));
+        EXPECT_EQ(3, d.ActiveIndex());
+        EXPECT_EQ("web", d.Text(IDC_STEP2_PROFILE_NAME)) << "the page keeps its input";
+        PickCombo(d, IDC_STEP2_PROFILE_ID, "4");
+        d.Next();
+        EXPECT_TRUE(d.TakeMessages().empty());
+        ASSERT_EQ(7, d.ActiveIndex()) << "Ethernet is checked at start";
+        EXPECT_EQ("4", m_wizard->m_strProfileID);
+        EXPECT_EQ("web", m_wizard->m_strProfileName);
+        EXPECT_EQ(2, m_wizard->m_nFrameOption) << "nothing shows at start: not \"UnTagged\"";
+    });
+}
+
+TEST_F(AddProfileGui, CpuAclCaptionTitlesIdsAndRadios) {
+    SimAgent a(4, "TVG5470");
+    ASSERT_TRUE(a.ok()) << a.error();
+    CreateProfiles(a, "TVG5470", AclOwner::kCpu, {{AclType::kEthernet, "3"}});
+    Wizard({{a.address(), "TVG5470"}}, 2, [&](WizardDriver& d) {
+        ASSERT_EQ(3, d.ActiveIndex());
+        EXPECT_EQ("Add CPU profile", d.ActiveCaption());
+        EXPECT_EQ("Add CPU ACL profile", d.Text(IDC_STEP2_GROUP_ADD));
+        EXPECT_EQ("CPU Access profile list", d.Text(IDC_STEP2_GROUP_LIST));
+        EXPECT_EQ(5u, IdItems(d).size());
+        EXPECT_FALSE(IsWindowEnabled(d.Control(IDC_STEP2_IPV6))) << "TVG5470, CPU ACL: no IPv6";
+        EXPECT_TRUE(IsWindowEnabled(d.Control(IDC_STEP2_PACKET)));
+        ASSERT_TRUE(d.WaitFor([&] { return d.RowCount(ProfileList(d)) == 1 && !Page().IsReaderRunning(2); }));
+        EXPECT_EQ("CPU ACL", d.CellText(ProfileList(d), 0, 2));
+        OpenIdDropDown(d);
+        EXPECT_EQ((std::vector<std::string>{"1", "2", "4", "5"}), IdItems(d));
+        d.Screenshot("page-03-add-cpu-profile");
+    });
+}
+
+TEST_F(AddProfileGui, FrameOptionFollowsTheListsAndTcpThenEthernetKeepsFive) {
+    SimAgent a(5, "TVR4820");
+    ASSERT_TRUE(a.ok()) << a.error();
+    Wizard({{a.address(), "TVR4820"}}, 1, [&](WizardDriver& d) {
+        ASSERT_EQ(3, d.ActiveIndex());
+        EXPECT_TRUE(IsWindowVisible(d.Control(IDC_STEP2_FRAME)));
+        EXPECT_FALSE(IsWindowVisible(d.Control(IDC_STEP2_PROTOCOL)));
+        PickCombo(d, IDC_STEP2_FRAME, "UnTagged");
+        PickCombo(d, IDC_STEP2_PROFILE_ID, "7");
+        d.Next();
+        ASSERT_EQ(7, d.ActiveIndex());
+        EXPECT_EQ(1, m_wizard->m_nFrameOption);
+        d.Back();
+        ASSERT_EQ(3, d.ActiveIndex());
+        d.ClickButton(IDC_STEP2_IPV4);
+        EXPECT_TRUE(IsWindowVisible(d.Control(IDC_STEP2_PROTOCOL)));
+        EXPECT_FALSE(IsWindowVisible(d.Control(IDC_STEP2_FRAME)));
+        PickCombo(d, IDC_STEP2_PROTOCOL, "TCP");
+        d.ClickButton(IDC_STEP2_ETHERNET);
+        PickCombo(d, IDC_STEP2_PROFILE_ID, "7");
+        d.Next();
+        ASSERT_EQ(7, d.ActiveIndex());
+        EXPECT_EQ(5, m_wizard->m_nFrameOption) << "Part 5.2 edge case: the protocol list still shows TCP";
+        EXPECT_EQ("7", m_wizard->m_strProfileID);
+    });
+}
+
+// The reader of a silent switch waits for its answer; leaving the page or closing the wizard
+// must end it within 3000 ms (one request's time-out), never leaving a thread behind.
+TEST_F(AddProfileGui, LeavingThePageOrClosingTheWizardStopsTheReader) {
+    sim::Faults silent;
+    silent.silent = true;
+    SimAgent a(6, "TVR4820", silent);
+    ASSERT_TRUE(a.ok()) << a.error();
+    Wizard({{a.address(), "TVR4820"}}, 1, [&](WizardDriver& d) {
+        ASSERT_EQ(3, d.ActiveIndex());
+        ASSERT_TRUE(Page().IsReaderRunning(1));
+        const auto start = std::chrono::steady_clock::now();
+        d.Back();
+        ASSERT_EQ(2, d.ActiveIndex());
+        ASSERT_TRUE(d.WaitFor([&] { return !Page().IsReaderRunning(1); }, 5000));
+        const auto ms =
+            std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
+        EXPECT_LE(ms, 3000 + 300) << "one request's time-out, plus scheduling";
+        d.Next();
+        ASSERT_EQ(3, d.ActiveIndex());
+        ASSERT_TRUE(Page().IsReaderRunning(1)) << "a new reader on the next activation";
+    });
+    // The wizard was cancelled while the second reader waited: closing took at most 3000 ms.
+    const auto start = std::chrono::steady_clock::now();
+    Wizard({{a.address(), "TVR4820"}}, 1, [&](WizardDriver& d) {
+        ASSERT_TRUE(Page().IsReaderRunning(1));
+        d.PressButton(PSBTN_CANCEL);
+        EXPECT_TRUE(d.WaitFor([&] { return !d.IsOpen(); }, 5000));
+    });
+    const auto ms =
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
+    EXPECT_LE(ms, 3000 + 1500) << "open, cancel, and at most one time-out";
+}
+
+// --- the Ethernet definition page `CACLSTEP_ETH` (Part 5.2) -----------------------------------
+
+TEST_F(AddProfileGui, EthernetPagePendingRowsMacRuleAndStagingFile) {
+    SimAgent a(7, "TVR4820");
+    ASSERT_TRUE(a.ok()) << a.error();
+    Wizard({{a.address(), "TVR4820"}}, 1, [&](WizardDriver& d) {
+        ASSERT_EQ(3, d.ActiveIndex());
+        PickCombo(d, IDC_STEP2_FRAME, "UnTagged");
+        PickCombo(d, IDC_STEP2_PROFILE_ID, "3");
+        d.Next();
+        ASSERT_EQ(7, d.ActiveIndex());
+        HWND list = d.Control(IDC_ETH_LIST);
+        EXPECT_EQ("ProfileID", d.HeaderText(list, 0));
+        EXPECT_EQ("EthernetType", d.HeaderText(list, 6));
+        EXPECT_FALSE(IsWindowEnabled(d.Control(IDC_ETH_VLAN))) << "untagged";
+        EXPECT_FALSE(IsWindowEnabled(d.Control(IDC_ETH_8021P)));
+        EXPECT_FALSE(IsWindowEnabled(d.Control(IDC_ETH_SRC_MAC))) << "enabled by its check box";
+        d.ClickButton(IDC_ETH_SRC_MAC_CHECK);
+        EXPECT_TRUE(IsWindowEnabled(d.Control(IDC_ETH_SRC_MAC)));
+        d.TypeText(IDC_ETH_SRC_MAC, "00112233445566");
+        EXPECT_EQ("001122334455", d.Text(IDC_ETH_SRC_MAC)) << "limited to 12 characters";
+        // Part 5.2 edge case: dashes between the byte pairs are refused; the input stays.
+        SetWindowTextA(d.Control(IDC_ETH_SRC_MAC), "00-11-22-33-44-55");
+        d.ClickButton(IDC_ETH_ADD);
+        EXPECT_EQ(std::vector<std::string>{kInvalidMac}, Texts(d.TakeMessages()));
+        EXPECT_EQ(0, d.RowCount(list));
+        EXPECT_EQ("00-11-22-33-44-55", d.Text(IDC_ETH_SRC_MAC));
+        // Twelve lower-case digits with blanks around them are accepted, kept as typed (the
+        // 12-character limit stops typing them, so they come in as a program sets them).
+        SetWindowTextA(d.Control(IDC_ETH_SRC_MAC), " 0011aabbccdd ");
+        d.ClickButton(IDC_ETH_ETHERNET_TYPE);
+        d.ClickButton(IDC_ETH_ADD);
+        EXPECT_TRUE(d.TakeMessages().empty());
+        ASSERT_EQ(1, d.RowCount(list));
+        EXPECT_EQ("3", d.CellText(list, 0, 0));
+        EXPECT_EQ("2", d.CellText(list, 0, 1)) << "VLAN not checked";
+        EXPECT_EQ("3", d.CellText(list, 0, 2)) << "source only";
+        EXPECT_EQ(" 0011aabbccdd ", d.CellText(list, 0, 3));
+        EXPECT_EQ("1", d.CellText(list, 0, 6));
+        EXPECT_EQ("4", d.CellText(list, 0, 7));
+        // Part 5.2 edge case: a second row with the same profile ID is ignored, silently.
+        d.ClickButton(IDC_ETH_ADD);
+        EXPECT_TRUE(d.TakeMessages().empty());
+        EXPECT_EQ(1, d.RowCount(list));
+        // Back to "Add profile", another ID, tagged: the list survives Back and Next.
+        d.Back();
+        ASSERT_EQ(3, d.ActiveIndex());
+        PickCombo(d, IDC_STEP2_FRAME, "Tagged");
+        PickCombo(d, IDC_STEP2_PROFILE_ID, "9");
+        d.Next();
+        ASSERT_EQ(7, d.ActiveIndex());
+        ASSERT_EQ(1, d.RowCount(list)) << "pending rows survive Back and Next";
+        EXPECT_TRUE(IsWindowEnabled(d.Control(IDC_ETH_VLAN))) << "tagged";
+        EXPECT_FALSE(d.IsChecked(IDC_ETH_SRC_MAC_CHECK)) << "the masks are cleared on activation";
+        d.ClickButton(IDC_ETH_VLAN);
+        d.ClickButton(IDC_ETH_8021P);
+        d.ClickButton(IDC_ETH_DST_MAC_CHECK);
+        d.TypeText(IDC_ETH_DST_MAC, "FFFFFF000000");
+        d.ClickButton(IDC_ETH_ADD);
+        ASSERT_EQ(2, d.RowCount(list));
+        EXPECT_EQ("9", d.CellText(list, 1, 0));
+        EXPECT_EQ("2", d.CellText(list, 1, 2)) << "destination only";
+        // Clicking the first row loads it back into the check boxes and the MAC edits.
+        d.ClickCell(list, 0, 0);
+        EXPECT_TRUE(d.IsChecked(IDC_ETH_SRC_MAC_CHECK));
+        EXPECT_FALSE(d.IsChecked(IDC_ETH_DST_MAC_CHECK));
+        EXPECT_FALSE(d.IsChecked(IDC_ETH_VLAN));
+        EXPECT_EQ(" 0011aabbccdd ", d.Text(IDC_ETH_SRC_MAC));
+        d.Screenshot("page-07-ethernet-pending");
+        // Delete removes the selected row.
+        d.ClickButton(IDC_ETH_DELETE);
+        ASSERT_EQ(1, d.RowCount(list));
+        EXPECT_EQ("9", d.CellText(list, 0, 0));
+        // Next writes the staging file and goes on to the confirmation page.
+        d.Next();
+        ASSERT_EQ(10, d.ActiveIndex());
+        EXPECT_EQ(1, m_wizard->m_nProfileType);
+        const AclRecordList staged = ReadStagingFile(kStagingEthernet, 10, 80);
+        ASSERT_EQ(1u, staged.size());
+        EXPECT_EQ("9", staged[0][0]);
+        EXPECT_EQ("FFFFFF000000", staged[0][4]);
+        EXPECT_EQ(m_wizard->AddProfilePage().HiddenTables().size(), 4u);
+    });
+    EXPECT_EQ(0u, ReadStagingFile(kStagingEthernet, 10, 80).size()) << "Cancel on the confirmation page deleted it";
+}
+
+}  // namespace
