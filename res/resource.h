@@ -134,3 +134,11 @@
 #define IDC_ETH_ADD                  1059  // "Add"
 #define IDC_ETH_DELETE               1060  // "Delete"
 #define IDC_ETH_LIST                 1061  // the pending list
+#define IDC_APPLY_GROUP_SWITCH       1071  // page 10 (Part 5.4): "All Selected Switch"
+#define IDC_APPLY_SWITCH_LIST        1072
+#define IDC_APPLY_GROUP_PROFILE      1073  // "Profile List"
+#define IDC_APPLY_PROFILE_LIST       1074
+#define IDC_APPLY_PROGRESS           1075
+#define IDC_APPLY_APPLY              1076  // "Apply to Switch"
+#define IDC_APPLY_NEXT_DEVICE        1077  // "Configure Next Device"
+#define IDC_APPLY_CREATE_RULES       1078  // "Create Rules"

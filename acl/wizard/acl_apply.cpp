@@ -1,12 +1,151 @@
 #include "acl/wizard/acl_apply.h"
 
-#include "acl/wizard/acl_wizard.h"
+#include <vector>
+
+#include "acl/acl_device.h"
 #include "acl/acl_staging.h"
+#include "acl/wizard/acl_wizard.h"
 #include "res/resource.h"
+#include "ui/controls.h"
+#include "ui/text.h"
+#include "ui/win_handles.h"
 
 namespace acl::wizard {
+namespace {
+
+// Part 5.1: one bold group font per page class, made on first use, kept for the process.
+HFONT GroupFont() {
+    static const ui::UniqueGdiObject font(ui::CreateGroupTitleFont(ui::LoadResString(IDS_GROUP_FONT)));
+    return static_cast<HFONT>(font.get());
+}
+
+constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent};
+
+AclOwner OwnerOf(long nACLKind) { return nACLKind == 1 ? AclOwner::kAcl : AclOwner::kCpu; }
+
+}  // namespace
 
 CACLApply::CACLApply() : CACLPage(acl::pages::kPageApply, IDD_ACL_APPLY, kBackFinish) {}
+
+BOOL CACLApply::OnInitDialog() {
+    m_switchList.Attach(GetDlgItem(IDC_APPLY_SWITCH_LIST));
+    m_switchList.SetExtendedStyle(LVS_EX_FULLROWSELECT);
+    m_switchList.InsertColumn(0, "Device IP", 130);
+    m_switchList.InsertColumn(1, " Device Name", 130);
+    m_switchList.InsertColumn(2, "Status ", 270);
+    m_profileList.Attach(GetDlgItem(IDC_APPLY_PROFILE_LIST));
+    m_profileList.SetExtendedStyle(LVS_EX_FULLROWSELECT);
+    m_profileList.InsertColumn(0, "ProfileID", 80);
+    m_profileList.InsertColumn(1, "ProfileType", 110);
+    m_profileList.InsertColumn(2, "Owner", 110);
+    ui::Button(GetDlgItem(IDC_APPLY_GROUP_PROFILE)).SetFont(GroupFont());
+    return TRUE;
+}
+
+void CACLApply::OnDestroy() {
+    m_switchList.Detach();
+    m_profileList.Detach();
+}
+
+BOOL CACLApply::OnSetActive() {
+    CACLPage::OnSetActive();  // Back and Finish
+    CACLWizard& wizard = Wizard();
+    m_nACLKind = wizard.m_nACLKind;
+    const AclOwner owner = OwnerOf(m_nACLKind);
+    m_profileList.DeleteAllItems();
+    // The switch list: IP, device type, result word (empty until an apply).
+    m_switchList.DeleteAllItems();
+    for (long i = 0; i < wizard.m_nTargetCount; ++i) {
+        const ACLTarget& t = wizard.m_aTargets[static_cast<size_t>(i)];
+        const int row = m_switchList.InsertItem(static_cast<int>(i), t.strIP);
+        m_switchList.SetItemText(row, 1, t.strDeviceType);
+    }
+    // The profile staging files, in the shape of the model and owner (Part 4.5); a missing
+    // file gives an empty list.
+    const ModelEntry* model = wizard.m_nTargetCount > 0 ? LookupModel(wizard.m_aTargets[0].strDeviceType) : nullptr;
+    for (AclType type : kTypes) {
+        AclRecordList& list = m_lists[static_cast<size_t>(type)];
+        list.clear();
+        if (model == nullptr) continue;
+        const auto file = StagingFileFor(*model, owner, AclKind::kProfiles, type);
+        if (!file) continue;
+        list = ReadStagingFile(file->name, file->cellCount, file->bufferSize);
+        for (const AclRecord& r : list) {
+            const int row = m_profileList.InsertItem(m_profileList.GetItemCount(), r.empty() ? "" : r[0]);
+            m_profileList.SetItemText(row, 1, TypeWord(type));
+            // Part 5.4: owner "CPU ACL" for the CPU ACL; the ordinary ACL's rows leave it empty.
+            m_profileList.SetItemText(row, 2, owner == AclOwner::kCpu ? OwnerWord(owner) : "");
+        }
+    }
+    return TRUE;
+}
+
+// Part 5.4, Apply to Switch: every target in order through the ACL core's apply, which sends
+// the records, moves the progress bar, judges the closing request and deletes the staging
+// files at the end; the page shows the words and sets the applied flag.
+void CACLApply::ApplyToSwitches() {
+    CACLWizard& wizard = Wizard();
+    const HCURSOR previous = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));  // IDC_WAIT
+    HWND progress = GetDlgItem(IDC_APPLY_PROGRESS);
+    ShowWindow(progress, SW_SHOW);
+    SendMessageA(progress, PBM_SETRANGE, 0, MAKELPARAM(0, 100));
+    SendMessageA(progress, PBM_SETPOS, 0, 0);
+    SendMessageA(progress, PBM_SETSTEP, 1, 0);
+
+    std::vector<AclTarget> targets;
+    for (long i = 0; i < wizard.m_nTargetCount; ++i) {
+        const ACLTarget& t = wizard.m_aTargets[static_cast<size_t>(i)];
+        targets.push_back(AclTarget{t.strIP, t.strReadCommunity, t.strWriteCommunity, wizard.m_aTargets[0].strDeviceType});
+    }
+    AclApplyCallbacks callbacks;
+    callbacks.progress = [progress](int position) {
+        SendMessageA(progress, PBM_SETPOS, static_cast<WPARAM>(position), 0);
+        UpdateWindow(progress);
+    };
+    callbacks.result = [this](size_t target, const char* word) {
+        m_switchList.SetItemText(static_cast<int>(target), 2, word);
+        UpdateWindow(m_switchList.GetSafeHwnd());
+    };
+    callbacks.deleteStaged = [] { ::DeleteProfileStagingFiles(); };
+    ApplyProfiles(targets, OwnerOf(m_nACLKind), m_lists, callbacks);
+
+    wizard.m_bProfilesApplied = 1;
+    SetCursor(previous ? previous : LoadCursorA(nullptr, MAKEINTRESOURCEA(32512)));  // IDC_ARROW
+    ShowWindow(progress, SW_HIDE);
+}
+
+BOOL CACLApply::OnCommand(WPARAM wParam, LPARAM) {
+    if (HIWORD(wParam) != BN_CLICKED) return FALSE;
+    switch (LOWORD(wParam)) {
+    case IDC_APPLY_APPLY:
+        ApplyToSwitches();
+        return TRUE;
+    case IDC_APPLY_NEXT_DEVICE:
+        Sheet()->SetActivePage(acl::pages::kPageDeviceList);
+        return TRUE;
+    case IDC_APPLY_CREATE_RULES:
+        Sheet()->SetActivePage(acl::pages::kPageSelectProfile);
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
+BOOL CACLApply::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
+    if (hdr->hwndFrom == m_profileList.GetSafeHwnd() && hdr->code == LVN_COLUMNCLICK) {
+        const int column = reinterpret_cast<const NMLISTVIEW*>(hdr)->iSubItem;
+        const bool ascending = m_sort.Click(column);
+        m_profileList.SortRows(
+            column,
+            [column](const std::string& a, const std::string& b) {
+                return column == 0 ? acl::pages::CompareNumberText(a, b) : acl::pages::CompareText(a, b);
+            },
+            ascending);
+        *pResult = 0;
+        return TRUE;
+    }
+    return FALSE;
+}
 
 BOOL CACLApply::OnWizardFinish() {
     ::DeleteProfileStagingFiles();

@@ -54,6 +54,11 @@ void CreateProfiles(SimAgent& agent, const std::string& model, AclOwner owner,
     }
 }
 
+void PickComboOf(WizardDriver& d, int id, const std::string& text) {
+    SendMessageA(d.Control(id), CB_SELECTSTRING, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text.c_str()));
+    d.Settle();
+}
+
 class AddProfileGui : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
@@ -355,6 +360,99 @@ TEST_F(AddProfileGui, EthernetPagePendingRowsMacRuleAndStagingFile) {
         EXPECT_EQ(m_wizard->AddProfilePage().HiddenTables().size(), 4u);
     });
     EXPECT_EQ(0u, ReadStagingFile(kStagingEthernet, 10, 80).size()) << "Cancel on the confirmation page deleted it";
+}
+
+// --- the confirmation page `CACLApply` (Part 5.4) ---------------------------------------------
+
+// From "Add profile" through the Ethernet page to the confirmation page with one pending row.
+void AddOneEthernetProfile(WizardDriver& d, const std::string& id) {
+    PickComboOf(d, IDC_STEP2_PROFILE_ID, id);
+    d.Next();
+    ASSERT_EQ(7, d.ActiveIndex());
+    d.ClickButton(IDC_ETH_DST_MAC_CHECK);
+    d.TypeText(IDC_ETH_DST_MAC, "FFFFFFFFFFFF");
+    d.ClickButton(IDC_ETH_ADD);
+    ASSERT_EQ(1, d.RowCount(d.Control(IDC_ETH_LIST)));
+    d.Next();
+    ASSERT_EQ(10, d.ActiveIndex());
+}
+
+bool HasProfile(SimAgent& agent, const std::string& model, AclOwner owner, const std::string& id) {
+    const AclReadResult read = ReadProfiles(AclTarget{agent.address(), "public", "private", model}, owner);
+    for (const AclRecord& r : read.records[static_cast<size_t>(AclType::kEthernet)])
+        if (!r.empty() && r[0] == id) return true;
+    return false;
+}
+
+TEST_F(AddProfileGui, ApplyFirstSwitchSilentSecondSucceedsThenListsAreEmpty) {
+    sim::Faults silent;
+    silent.silent = true;
+    sim::Faults dropClosing;
+    dropClosing.dropSets = {2};  // the record is answered, the closing request is not
+    SimAgent a(8, "TVR4820", silent), b(9, "TVR4820"), c(12, "TVR4820", dropClosing);
+    ASSERT_TRUE(a.ok() && b.ok() && c.ok()) << a.error() << b.error() << c.error();
+    Wizard({{a.address(), "TVR4820"}, {b.address(), "TVR4820"}, {c.address(), "TVR4820"}}, 1, [&](WizardDriver& d) {
+        ASSERT_EQ(3, d.ActiveIndex());
+        AddOneEthernetProfile(d, "6");
+        EXPECT_EQ("Confirmation Page", d.ActiveCaption());
+        HWND switches = d.Control(IDC_APPLY_SWITCH_LIST);
+        HWND profiles = d.Control(IDC_APPLY_PROFILE_LIST);
+        ASSERT_EQ(3, d.RowCount(switches));
+        EXPECT_EQ(b.address(), d.CellText(switches, 1, 0));
+        EXPECT_EQ("TVR4820", d.CellText(switches, 1, 1));
+        EXPECT_EQ("Status ", d.HeaderText(switches, 2));
+        ASSERT_EQ(1, d.RowCount(profiles));
+        EXPECT_EQ("6", d.CellText(profiles, 0, 0));
+        EXPECT_EQ("Ethernet", d.CellText(profiles, 0, 1));
+        EXPECT_FALSE(IsWindowVisible(d.Control(IDC_APPLY_PROGRESS))) << "hidden except during an apply";
+        d.ClickButton(IDC_APPLY_APPLY);
+        ASSERT_TRUE(d.WaitFor([&] { return !d.CellText(switches, 2, 2).empty(); }, 20000));
+        // Part 5.4's table: the silent switch's record got no answer, so its sequence cleared
+        // the flag and no closing request went out: "Fail"; "fail" is the closing request
+        // that got no answer (third switch).
+        EXPECT_EQ("Fail", d.CellText(switches, 0, 2)) << "silent: the record failed";
+        EXPECT_EQ("Succeed", d.CellText(switches, 1, 2)) << "the second is still configured";
+        EXPECT_EQ("fail", d.CellText(switches, 2, 2)) << "no answer to the closing request";
+        EXPECT_FALSE(IsWindowVisible(d.Control(IDC_APPLY_PROGRESS)));
+        EXPECT_EQ(100, SendMessageA(d.Control(IDC_APPLY_PROGRESS), PBM_GETPOS, 0, 0));
+        d.Screenshot("page-10-confirmation-applied");
+        EXPECT_EQ(0u, ReadStagingFile(kStagingEthernet, 10, 80).size()) << "deleted after the apply";
+        EXPECT_EQ(1, m_wizard->m_bProfilesApplied);
+        // Part 5.4 edge case: Back to the definition page shows an empty pending list, and the
+        // confirmation page entered again lists nothing.
+        d.Back();
+        ASSERT_EQ(7, d.ActiveIndex());
+        EXPECT_EQ(0, d.RowCount(d.Control(IDC_ETH_LIST)));
+        d.Next();
+        ASSERT_EQ(10, d.ActiveIndex());
+        EXPECT_EQ(0, d.RowCount(d.Control(IDC_APPLY_PROFILE_LIST)));
+        // "Create Rules" goes to "Add Rules:Select Profile".
+        d.ClickButton(IDC_APPLY_CREATE_RULES);
+        EXPECT_EQ(5, d.ActiveIndex());
+    });
+    EXPECT_TRUE(HasProfile(b, "TVR4820", AclOwner::kAcl, "6")) << "read back from the second switch";
+}
+
+TEST_F(AddProfileGui, CpuApplyWordsSuccessAndFailWithoutClosingRequest) {
+    sim::Faults refuse;
+    refuse.refuseSets = {1};
+    SimAgent a(10, "TVG5690"), b(11, "TVG5690", refuse);
+    ASSERT_TRUE(a.ok() && b.ok()) << a.error() << b.error();
+    Wizard({{a.address(), "TVG5690"}, {b.address(), "TVG5690"}}, 2, [&](WizardDriver& d) {
+        ASSERT_EQ(3, d.ActiveIndex());
+        AddOneEthernetProfile(d, "2");
+        HWND switches = d.Control(IDC_APPLY_SWITCH_LIST);
+        EXPECT_EQ("CPU ACL", d.CellText(d.Control(IDC_APPLY_PROFILE_LIST), 0, 2));
+        d.ClickButton(IDC_APPLY_APPLY);
+        ASSERT_TRUE(d.WaitFor([&] { return !d.CellText(switches, 1, 2).empty(); }, 15000));
+        EXPECT_EQ("Success", d.CellText(switches, 0, 2)) << "CPU-ACL profiles";
+        EXPECT_EQ("Fail", d.CellText(switches, 1, 2)) << "the switch refused the record";
+        // "Configure Next Device" returns to page 0.
+        d.ClickButton(IDC_APPLY_NEXT_DEVICE);
+        EXPECT_EQ(0, d.ActiveIndex());
+    });
+    EXPECT_TRUE(HasProfile(a, "TVG5690", AclOwner::kCpu, "2"));
+    EXPECT_EQ(1u, b.sets().size()) << "the refusing switch gets no closing request";
 }
 
 }  // namespace
