@@ -142,3 +142,7 @@
 #define IDC_APPLY_APPLY              1076  // "Apply to Switch"
 #define IDC_APPLY_NEXT_DEVICE        1077  // "Configure Next Device"
 #define IDC_APPLY_CREATE_RULES       1078  // "Create Rules"
+#define IDC_APPLY_DETAILS            1079  // the details of the clicked profile
+#define IDC_APPLY_ETH_RULE           1080  // hidden radios: "Add Ethernet rule"
+#define IDC_APPLY_IPV4_RULE          1081  // "Add IPv4 rule"
+#define IDC_APPLY_IPV6_RULE          1082  // "Add IPv6 rule"

@@ -23,6 +23,32 @@ constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6
 
 AclOwner OwnerOf(long nACLKind) { return nACLKind == 1 ? AclOwner::kAcl : AclOwner::kCpu; }
 
+// Left to the implementer (Part 5.4 says only "that profile's fields"): the details show each
+// cell under the name of its pending-list column (Part 5.2); cells past the named ones (row
+// status, profile name, spare) are left out.
+const std::vector<const char*>& FieldNames(AclType type, size_t cellCount) {
+    static const std::vector<const char*> kEthernet = {"ProfileID", "UseVLAN", "MacAddrMaskState", "SrcMacAddrMask",
+                                                       "DstMacAddrMask", "Use802.1P", "EthernetType"};
+    static const std::vector<const char*> kIPv4 = {
+        "ProfileID", "UseVLAN", "AddrMaskState", "SrcIPAddrMask", "DstIPAddrMask", "UseDSCP",
+        "UseProtoType", "IcmpOption", "IgmpOption", "TcpOption", "UdpOption", "TCPorUDPSrcPortMask",
+        "TCPorUDPDstPortMask", "TCPFlagBit", "TCPFlagBitMask", "ProtolIDOption", "ProtolID", "ProtolIDMask"};
+    static const std::vector<const char*> kIPv6 = {"ProfileID",    "MaskClass",   "MaskFlowlabel",
+                                                   "AddrMaskState", "SrcIPv6Mask", "DstIPv6Mask"};
+    static const std::vector<const char*> kChunks = {"ID",     "Chunk1", "value", "mask", "Chunk2",
+                                                     "value",  "mask",   "chunk3", "value", "mask",
+                                                     "Chunk4", "value",  "mask"};
+    static const std::vector<const char*> kOffsets = {"Profile ID",   "offset0to15",  "offset16to31",
+                                                      "offset32to47", "offset48to63", "offset64to79"};
+    switch (type) {
+    case AclType::kEthernet: return kEthernet;
+    case AclType::kIPv4: return kIPv4;
+    case AclType::kIPv6: return kIPv6;
+    case AclType::kPacketContent:
+    default: return cellCount == 15 ? kChunks : kOffsets;
+    }
+}
+
 }  // namespace
 
 CACLApply::CACLApply() : CACLPage(acl::pages::kPageApply, IDD_ACL_APPLY, kBackFinish) {}
@@ -39,12 +65,17 @@ BOOL CACLApply::OnInitDialog() {
     m_profileList.InsertColumn(1, "ProfileType", 110);
     m_profileList.InsertColumn(2, "Owner", 110);
     ui::Button(GetDlgItem(IDC_APPLY_GROUP_PROFILE)).SetFont(GroupFont());
+    m_details.Attach(GetDlgItem(IDC_APPLY_DETAILS));
+    m_details.InsertColumn(0, "ACL Profile Details  ", 120);
+    m_details.InsertColumn(1, " ", 110);
+    ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);  // until a profile is clicked (attached while shown)
     return TRUE;
 }
 
 void CACLApply::OnDestroy() {
     m_switchList.Detach();
     m_profileList.Detach();
+    m_details.Detach();
 }
 
 BOOL CACLApply::OnSetActive() {
@@ -53,6 +84,8 @@ BOOL CACLApply::OnSetActive() {
     m_nACLKind = wizard.m_nACLKind;
     const AclOwner owner = OwnerOf(m_nACLKind);
     m_profileList.DeleteAllItems();
+    m_details.DeleteAllItems();
+    ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
     // The switch list: IP, device type, result word (empty until an apply).
     m_switchList.DeleteAllItems();
     for (long i = 0; i < wizard.m_nTargetCount; ++i) {
@@ -70,8 +103,11 @@ BOOL CACLApply::OnSetActive() {
         const auto file = StagingFileFor(*model, owner, AclKind::kProfiles, type);
         if (!file) continue;
         list = ReadStagingFile(file->name, file->cellCount, file->bufferSize);
-        for (const AclRecord& r : list) {
+        for (size_t i = 0; i < list.size(); ++i) {
+            const AclRecord& r = list[i];
             const int row = m_profileList.InsertItem(m_profileList.GetItemCount(), r.empty() ? "" : r[0]);
+            // Which record the row shows, kept through sorting: type in the high bits.
+            m_profileList.SetRowData(row, (static_cast<DWORD_PTR>(type) << 16) | i);
             m_profileList.SetItemText(row, 1, TypeWord(type));
             // Part 5.4: owner "CPU ACL" for the CPU ACL; the ordinary ACL's rows leave it empty.
             m_profileList.SetItemText(row, 2, owner == AclOwner::kCpu ? OwnerWord(owner) : "");
@@ -131,7 +167,30 @@ BOOL CACLApply::OnCommand(WPARAM wParam, LPARAM) {
     }
 }
 
+// Clicking a pending profile shows its fields in the details list.
+void CACLApply::ShowDetails(int row) {
+    if (row < 0 || row >= m_profileList.GetItemCount()) return;
+    const DWORD_PTR data = m_profileList.GetRowData(row);
+    const auto type = static_cast<AclType>((data >> 16) & 0x3);
+    const size_t index = data & 0xFFFF;
+    const AclRecordList& list = m_lists[static_cast<size_t>(type)];
+    if (index >= list.size()) return;
+    const AclRecord& record = list[index];
+    const auto& names = FieldNames(type, record.size());
+    m_details.DeleteAllItems();
+    for (size_t c = 0; c < names.size() && c < record.size(); ++c) {
+        const int line = m_details.InsertItem(static_cast<int>(c), names[c]);
+        m_details.SetItemText(line, 1, record[c]);
+    }
+    ShowWindow(m_details.GetSafeHwnd(), SW_SHOW);
+}
+
 BOOL CACLApply::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
+    if (hdr->hwndFrom == m_profileList.GetSafeHwnd() && hdr->code == NM_CLICK) {
+        ShowDetails(reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem);
+        *pResult = 0;
+        return TRUE;
+    }
     if (hdr->hwndFrom == m_profileList.GetSafeHwnd() && hdr->code == LVN_COLUMNCLICK) {
         const int column = reinterpret_cast<const NMLISTVIEW*>(hdr)->iSubItem;
         const bool ascending = m_sort.Click(column);

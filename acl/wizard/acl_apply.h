@@ -28,11 +28,13 @@ protected:
 
 private:
     void ApplyToSwitches();
+    void ShowDetails(int row);
 
     long m_nACLKind = 1;
     std::array<AclRecordList, 4> m_lists{};  // the hidden lists, by AclType
     controls::CXListCtrl m_switchList;
     controls::CXListCtrl m_profileList;
+    controls::CXListCtrl m_details;
     acl::pages::SortToggle m_sort;
 };
 

@@ -405,6 +405,16 @@ TEST_F(AddProfileGui, ApplyFirstSwitchSilentSecondSucceedsThenListsAreEmpty) {
         EXPECT_EQ("6", d.CellText(profiles, 0, 0));
         EXPECT_EQ("Ethernet", d.CellText(profiles, 0, 1));
         EXPECT_FALSE(IsWindowVisible(d.Control(IDC_APPLY_PROGRESS))) << "hidden except during an apply";
+        EXPECT_FALSE(IsWindowVisible(d.Control(IDC_APPLY_ETH_RULE))) << "the rule radios stay hidden";
+        // Clicking the pending profile shows its fields.
+        HWND details = d.Control(IDC_APPLY_DETAILS);
+        EXPECT_FALSE(IsWindowVisible(details));
+        d.ClickCell(profiles, 0, 0);
+        EXPECT_TRUE(IsWindowVisible(details));
+        EXPECT_EQ("ACL Profile Details  ", d.HeaderText(details, 0));
+        ASSERT_EQ(7, d.RowCount(details));
+        EXPECT_EQ("DstMacAddrMask", d.CellText(details, 4, 0));
+        EXPECT_EQ("FFFFFFFFFFFF", d.CellText(details, 4, 1));
         d.ClickButton(IDC_APPLY_APPLY);
         ASSERT_TRUE(d.WaitFor([&] { return !d.CellText(switches, 2, 2).empty(); }, 20000));
         // Part 5.4's table: the silent switch's record got no answer, so its sequence cleared
