@@ -409,7 +409,7 @@ std::optional<EncodedCell> EncodeCell(CellKind kind, const ModelEntry& model, st
       if (text.empty()) return std::nullopt;
       return EncodedCell{kSnmpOctetString, std::string(text), false};
     case K::kMac:
-      // Part 4.2: an empty or placeholder MAC ("00.00.00.00.00.00") gives six zero bytes.
+      // Part 4.2: an empty MAC, or the "00.00.00.00.00.00" stored for an omitted one, gives six zero bytes.
       if (empty || text == kOmittedMac) return Raw(std::string(6, '\0'));
       return Raw(HexToBytes(text, 6));
     case K::kEthertype:

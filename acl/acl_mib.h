@@ -22,7 +22,7 @@ enum class CellKind {
   kAlways,        // action: INTEGER, always sent
   kRowStatus,     // row status: INTEGER "4", always sent
   kText,          // VLAN name: OCTET STRING text, only when not empty
-  kMac,           // 6 bytes, always (empty or placeholder -> six zero bytes)
+  kMac,           // 6 bytes, always (empty or omitted "00.00.00.00.00.00" -> six zero bytes)
   kEthertype,     // 2 bytes from the first four hex digits, only when not empty
   kIpRule,        // IpAddress, only when not empty and not "0.0.0.0"
   kIpMask,        // IpAddress, always (empty -> "0.0.0.0")

@@ -66,6 +66,10 @@ int CompareDeviceColumn(int column, const std::string& a, const std::string& b) 
     }
 }
 
+int CompareProfileColumn(int column, const std::string& a, const std::string& b) {
+    return column == 0 ? CompareNumberText(a, b) : CompareText(a, b);
+}
+
 bool SortToggle::Click(int column) {
     if (column != m_nColumn) {
         m_nColumn = column;

@@ -32,6 +32,8 @@ int CompareNumberText(const std::string& a, const std::string& b);
 int CompareText(const std::string& a, const std::string& b);
 // The comparison of a device-list column: 3 addresses, 6 numbers, the rest strings.
 int CompareDeviceColumn(int column, const std::string& a, const std::string& b);
+// Parts 5.2 and 5.4: the profile lists sort column 0 (the profile ID) as numbers, the rest as strings.
+int CompareProfileColumn(int column, const std::string& a, const std::string& b);
 
 // Sort direction of the device list. Left to the implementer: Part 5.1 says ascending on
 // the first click and toggling on each further click; we count clicks per column, so a click

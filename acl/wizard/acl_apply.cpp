@@ -196,9 +196,7 @@ BOOL CACLApply::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
         const bool ascending = m_sort.Click(column);
         m_profileList.SortRows(
             column,
-            [column](const std::string& a, const std::string& b) {
-                return column == 0 ? acl::pages::CompareNumberText(a, b) : acl::pages::CompareText(a, b);
-            },
+            [column](const std::string& a, const std::string& b) { return acl::pages::CompareProfileColumn(column, a, b); },
             ascending);
         *pResult = 0;
         return TRUE;

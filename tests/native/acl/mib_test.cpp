@@ -3,17 +3,12 @@
 // written from the spec's tables.
 #include <gtest/gtest.h>
 
+#include "tests/native/acl/model_for_test.h"
+
 #include "acl/acl_device.h"
 #include "acl/acl_mib.h"
 
 namespace {
-
-const ModelEntry& M(const char* text) {
-  const ModelEntry* m = LookupModel(text);
-  EXPECT_NE(m, nullptr) << text;
-  static const ModelEntry none{};
-  return m ? *m : none;
-}
 
 std::string Hex(const std::string& bytes) { return BytesToHex(bytes); }
 

@@ -2,18 +2,13 @@
 // order. Tests named "EdgeCase..." are the "Edge cases worth testing" of Part 4.1.
 #include <gtest/gtest.h>
 
+#include "tests/native/acl/model_for_test.h"
+
 #include <algorithm>
 
 #include "acl/acl_record.h"
 
 namespace {
-
-const ModelEntry& M(const char* text) {
-  const ModelEntry* m = LookupModel(text);
-  EXPECT_NE(m, nullptr) << text;
-  static const ModelEntry none{};
-  return m ? *m : none;
-}
 
 // A valid ordinary Ethernet rule on TVG5240-10 (10 ports, Access ID 1..200, Rx 1..156249).
 RuleFields GoodEthernet() {

@@ -1,11 +1,9 @@
 // Part 4.5, the portable half: the "?"-separated value, the file of each record kind.
 #include <gtest/gtest.h>
 
-#include "acl/acl_staging.h"
+#include "tests/native/acl/model_for_test.h"
 
-namespace {
-const ModelEntry& M(const char* text) { return *LookupModel(text); }
-}  // namespace
+#include "acl/acl_staging.h"
 
 TEST(AclStagingFormat, EveryCellFollowedBySeparator) {
   EXPECT_EQ(JoinStagingRecord({"1", "2", "", "4"}, 4), "1?2??4?");

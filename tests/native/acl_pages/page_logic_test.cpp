@@ -21,6 +21,12 @@ TEST(DeviceListSort, AddressesCompareFourPartsThenEqual) {
     EXPECT_EQ(0, CompareDottedAddress("", "0.0.0.0"));
 }
 
+TEST(ProfileListSort, ProfileIdColumnAsNumbersOthersAsStrings) {
+    EXPECT_LT(CompareProfileColumn(0, "9", "10"), 0) << "Part 5.2: column 0 compares as numbers";
+    EXPECT_GT(CompareProfileColumn(1, "9", "10"), 0) << "other columns compare as strings";
+    EXPECT_LT(CompareProfileColumn(2, "CPU ACL", "Ethernet"), 0);
+}
+
 TEST(DeviceListSort, IdsCompareAsNumbers) {
     EXPECT_LT(CompareNumberText("9", "10"), 0);
     EXPECT_GT(CompareNumberText("100", "23"), 0);
