@@ -100,6 +100,11 @@ int CXListCtrl::InsertColumn(int column, const std::string& text, int width, int
 
 int CXListCtrl::GetColumnCount() const { return m_header.GetItemCount(); }
 
+void CXListCtrl::DeleteAllColumns() {
+    DeleteAllItems();  // rows hold one cell per column of their time
+    for (int n = GetColumnCount(); n > 0; --n) SendMessageA(m_hWnd, LVM_DELETECOLUMN, 0, 0);
+}
+
 void CXListCtrl::SetExtendedStyle(DWORD styles) { ListView_SetExtendedListViewStyle(m_hWnd, styles); }
 
 bool CXListCtrl::SetHeaderCheckState(int column, int state) {

@@ -54,6 +54,8 @@ public:
     // --- columns (all before the first row: a row gets one cell per existing column) ---
     int InsertColumn(int column, const std::string& text, int width, int format = LVCFMT_LEFT);
     int GetColumnCount() const;
+    // Removes every column (and every row with it), so a list can take another layout.
+    void DeleteAllColumns();
     void SetExtendedStyle(DWORD styles);
     // Gives the column's header a check box (kHeaderUnchecked/kHeaderChecked) or takes it away.
     bool SetHeaderCheckState(int column, int state);

@@ -95,6 +95,65 @@
 #define IDS_STEP2_COL_OWNER          310
 #define IDS_MSG_INVALID_MAC          311   // Part 5.2, Ethernet page
 
+// Part 5.2: pending-list column headers of the definition pages ("ProfileID" is
+// IDS_STEP2_COL_PROFILE_ID), also the Ethernet hidden-table names of "Add profile" and the
+// field names of the Confirmation Page's details (acl/wizard/pending_columns.cpp).
+#define IDS_PCOL_USE_VLAN            320
+#define IDS_PCOL_MAC_MASK_STATE      321
+#define IDS_PCOL_SRC_MAC_MASK        322
+#define IDS_PCOL_DST_MAC_MASK        323
+#define IDS_PCOL_USE_8021P           324
+#define IDS_PCOL_ETHERNET_TYPE       325
+#define IDS_PCOL_ETH_ROW_STATUS      326
+#define IDS_PCOL_ETH_OWNER           327
+#define IDS_PCOL_ETH_UNUSED_ENTRIES  328
+#define IDS_PCOL_ADDR_MASK_STATE     329
+#define IDS_PCOL_SRC_IP_MASK         330
+#define IDS_PCOL_DST_IP_MASK         331
+#define IDS_PCOL_USE_DSCP            332
+#define IDS_PCOL_USE_PROTO_TYPE      333
+#define IDS_PCOL_ICMP_OPTION         334
+#define IDS_PCOL_IGMP_OPTION         335
+#define IDS_PCOL_TCP_OPTION          336
+#define IDS_PCOL_UDP_OPTION          337
+#define IDS_PCOL_SRC_PORT_MASK       338
+#define IDS_PCOL_DST_PORT_MASK       339
+#define IDS_PCOL_TCP_FLAG_BIT        340
+#define IDS_PCOL_TCP_FLAG_MASK       341
+#define IDS_PCOL_PROTO_ID_OPTION     342
+#define IDS_PCOL_PROTO_ID            343
+#define IDS_PCOL_PROTO_ID_MASK       344
+#define IDS_PCOL_MASK_CLASS          345
+#define IDS_PCOL_MASK_FLOW_LABEL     346
+#define IDS_PCOL_SRC_IPV6_MASK       347
+#define IDS_PCOL_DST_IPV6_MASK       348
+#define IDS_PCOL_ID                  349
+#define IDS_PCOL_CHUNK1              350
+#define IDS_PCOL_CHUNK2              351
+#define IDS_PCOL_CHUNK3              352
+#define IDS_PCOL_CHUNK4              353
+#define IDS_PCOL_VALUE               354
+#define IDS_PCOL_MASK                355
+#define IDS_PCOL_ROWSTATUS           356
+#define IDS_PCOL_PROFILENAME         357
+#define IDS_PCOL_PROFILE_ID_BLANK    358
+#define IDS_PCOL_OFFSET0             359
+#define IDS_PCOL_OFFSET16            360
+#define IDS_PCOL_OFFSET32            361
+#define IDS_PCOL_OFFSET48            362
+#define IDS_PCOL_OFFSET64            363
+
+// Part 5.4: Confirmation Page column headers (trailing and leading blanks kept).
+#define IDS_APPLY_COL_DEVICE_IP      470
+#define IDS_APPLY_COL_DEVICE_NAME    471
+#define IDS_APPLY_COL_STATUS         472
+#define IDS_COL_PROFILE_DETAILS      473   // also the "Add profile" details list (Part 5.2)
+#define IDS_COL_BLANK                474
+
+// Ranges kept for the pages of Part 5.2 and 5.4: strings 370-399 IPv4 page, 400-429 IPv6 and
+// packet pages, 430-469 "Add profile" details, 475-489 Confirmation Page; controls 1100-1159
+// IPv4 page, 1160-1219 IPv6 and packet pages, 1220-1239 "Add profile".
+
 // Controls of the wizard's pages (Part 5.1).
 #define IDC_STEP0_TREE               1001  // page 0: the device tree (Part 1.3)
 #define IDC_STEP0_LIST               1002  // page 0: the device list (Parts 1.3, 6.1)

@@ -24,29 +24,12 @@ constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6
 AclOwner OwnerOf(long nACLKind) { return nACLKind == 1 ? AclOwner::kAcl : AclOwner::kCpu; }
 
 // Left to the implementer (Part 5.4 says only "that profile's fields"): the details show each
-// cell under the name of its pending-list column (Part 5.2); cells past the named ones (row
-// status, profile name, spare) are left out.
-const std::vector<const char*>& FieldNames(AclType type, size_t cellCount) {
-    static const std::vector<const char*> kEthernet = {"ProfileID", "UseVLAN", "MacAddrMaskState", "SrcMacAddrMask",
-                                                       "DstMacAddrMask", "Use802.1P", "EthernetType"};
-    static const std::vector<const char*> kIPv4 = {
-        "ProfileID", "UseVLAN", "AddrMaskState", "SrcIPAddrMask", "DstIPAddrMask", "UseDSCP",
-        "UseProtoType", "IcmpOption", "IgmpOption", "TcpOption", "UdpOption", "TCPorUDPSrcPortMask",
-        "TCPorUDPDstPortMask", "TCPFlagBit", "TCPFlagBitMask", "ProtolIDOption", "ProtolID", "ProtolIDMask"};
-    static const std::vector<const char*> kIPv6 = {"ProfileID",    "MaskClass",   "MaskFlowlabel",
-                                                   "AddrMaskState", "SrcIPv6Mask", "DstIPv6Mask"};
-    static const std::vector<const char*> kChunks = {"ID",     "Chunk1", "value", "mask", "Chunk2",
-                                                     "value",  "mask",   "chunk3", "value", "mask",
-                                                     "Chunk4", "value",  "mask"};
-    static const std::vector<const char*> kOffsets = {"Profile ID",   "offset0to15",  "offset16to31",
-                                                      "offset32to47", "offset48to63", "offset64to79"};
-    switch (type) {
-    case AclType::kEthernet: return kEthernet;
-    case AclType::kIPv4: return kIPv4;
-    case AclType::kIPv6: return kIPv6;
-    case AclType::kPacketContent:
-    default: return cellCount == 15 ? kChunks : kOffsets;
-    }
+// cell under the header of its pending-list column (Part 5.2); cells under empty headers (row
+// status, profile name, spare) are left out. Packet content: 15 cells is the chunk form.
+std::span<const PendingColumn> FieldColumns(AclType type, size_t cellCount) {
+    return PendingColumnsFor(type, cellCount == RecordCellCount({AclOwner::kAcl, AclKind::kProfiles, type, PacketShape::kChunks4})
+                                       ? PacketShape::kChunks4
+                                       : PacketShape::kBlock16);
 }
 
 }  // namespace
@@ -56,18 +39,18 @@ CACLApply::CACLApply() : CACLPage(acl::pages::kPageApply, IDD_ACL_APPLY, kBackFi
 BOOL CACLApply::OnInitDialog() {
     m_switchList.Attach(GetDlgItem(IDC_APPLY_SWITCH_LIST));
     m_switchList.SetExtendedStyle(LVS_EX_FULLROWSELECT);
-    m_switchList.InsertColumn(0, "Device IP", 130);
-    m_switchList.InsertColumn(1, " Device Name", 130);
-    m_switchList.InsertColumn(2, "Status ", 270);
+    m_switchList.InsertColumn(0, ui::LoadResString(IDS_APPLY_COL_DEVICE_IP), 130);
+    m_switchList.InsertColumn(1, ui::LoadResString(IDS_APPLY_COL_DEVICE_NAME), 130);
+    m_switchList.InsertColumn(2, ui::LoadResString(IDS_APPLY_COL_STATUS), 270);
     m_profileList.Attach(GetDlgItem(IDC_APPLY_PROFILE_LIST));
     m_profileList.SetExtendedStyle(LVS_EX_FULLROWSELECT);
-    m_profileList.InsertColumn(0, "ProfileID", 80);
-    m_profileList.InsertColumn(1, "ProfileType", 110);
-    m_profileList.InsertColumn(2, "Owner", 110);
+    m_profileList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 80);
+    m_profileList.InsertColumn(1, ui::LoadResString(IDS_STEP2_COL_PROFILE_TYPE), 110);
+    m_profileList.InsertColumn(2, ui::LoadResString(IDS_STEP2_COL_OWNER), 110);
     ui::Button(GetDlgItem(IDC_APPLY_GROUP_PROFILE)).SetFont(GroupFont());
     m_details.Attach(GetDlgItem(IDC_APPLY_DETAILS));
-    m_details.InsertColumn(0, "ACL Profile Details  ", 120);
-    m_details.InsertColumn(1, " ", 110);
+    m_details.InsertColumn(0, ui::LoadResString(IDS_COL_PROFILE_DETAILS), 120);
+    m_details.InsertColumn(1, ui::LoadResString(IDS_COL_BLANK), 110);
     ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);  // until a profile is clicked (attached while shown)
     return TRUE;
 }
@@ -176,10 +159,11 @@ void CACLApply::ShowDetails(int row) {
     const AclRecordList& list = m_lists[static_cast<size_t>(type)];
     if (index >= list.size()) return;
     const AclRecord& record = list[index];
-    const auto& names = FieldNames(type, record.size());
+    const auto columns = FieldColumns(type, record.size());
     m_details.DeleteAllItems();
-    for (size_t c = 0; c < names.size() && c < record.size(); ++c) {
-        const int line = m_details.InsertItem(static_cast<int>(c), names[c]);
+    for (size_t c = 0; c < columns.size() && c < record.size(); ++c) {
+        if (columns[c].idsHeader == 0) continue;
+        const int line = m_details.InsertItem(m_details.GetItemCount(), ui::LoadResString(columns[c].idsHeader));
         m_details.SetItemText(line, 1, record[c]);
     }
     ShowWindow(m_details.GetSafeHwnd(), SW_SHOW);
