@@ -143,6 +143,13 @@
 #define IDS_PCOL_OFFSET48            362
 #define IDS_PCOL_OFFSET64            363
 
+// Part 5.2, IPv4 page: the protocol group titles, also column 22 of its pending rows.
+#define IDS_IPV4_GROUP_ICMP          370   // "ICMP"        (m_nFrameOption 3)
+#define IDS_IPV4_GROUP_IGMP          371   // "IGMP"        (4)
+#define IDS_IPV4_GROUP_TCP           372   // "TCP"         (5)
+#define IDS_IPV4_GROUP_UDP           373   // "UDP"         (6)
+#define IDS_IPV4_GROUP_PROTOCOL_ID   374   // "Protocol ID" (7)
+
 // Part 5.4: Confirmation Page column headers (trailing and leading blanks kept).
 #define IDS_APPLY_COL_DEVICE_IP      470
 #define IDS_APPLY_COL_DEVICE_NAME    471
@@ -205,3 +212,52 @@
 #define IDC_APPLY_ETH_RULE           1080  // hidden radios: "Add Ethernet rule"
 #define IDC_APPLY_IPV4_RULE          1081  // "Add IPv4 rule"
 #define IDC_APPLY_IPV6_RULE          1082  // "Add IPv6 rule"
+
+// Page 6 `CACLStep5` (Part 5.2): "Filtering Mask", Add, Delete, the pending list, and one
+// group per protocol in the same place (only the group of m_nFrameOption is shown).
+#define IDC_IPV4_GROUP               1100  // "Filtering Mask"
+#define IDC_IPV4_VLAN                1101  // "VLAN"
+#define IDC_IPV4_DSCP                1102  // "IPV4 DSCP"
+#define IDC_IPV4_SRC_IP_CHECK        1103  // "Source IP Mask"
+#define IDC_IPV4_SRC_IP              1104  // its IP-address control
+#define IDC_IPV4_DST_IP_CHECK        1105  // "Destination IP Mask"
+#define IDC_IPV4_DST_IP              1106
+#define IDC_IPV4_ADD                 1107  // "Add"
+#define IDC_IPV4_DELETE              1108  // "Delete"
+#define IDC_IPV4_LIST                1109  // the pending list (23 columns)
+#define IDC_IPV4_ICMP_GROUP          1110  // group "ICMP" (m_nFrameOption 3)
+#define IDC_IPV4_ICMP                1111  // "ICMP"
+#define IDC_IPV4_ICMP_TYPE           1112  // "ICMP Type"
+#define IDC_IPV4_ICMP_CODE           1113  // "ICMP Code"
+#define IDC_IPV4_IGMP_GROUP          1115  // group "IGMP" (4)
+#define IDC_IPV4_IGMP                1116  // "IGMP"
+#define IDC_IPV4_IGMP_TYPE           1117  // "IGMP Type"
+#define IDC_IPV4_TCP_GROUP           1120  // group "TCP" (5)
+#define IDC_IPV4_TCP                 1121  // "TCP"
+#define IDC_IPV4_TCP_SRC_PORT_CHECK  1122  // "Source Port Mask (0-FFFF)"
+#define IDC_IPV4_TCP_SRC_PORT        1123  // 4 hex digits
+#define IDC_IPV4_TCP_DST_PORT_CHECK  1124  // "Destination Port Mask (0-FFFF)"
+#define IDC_IPV4_TCP_DST_PORT        1125
+#define IDC_IPV4_TCP_FLAG_BITS       1126  // "TCP Flag Bits"
+#define IDC_IPV4_TCP_CHECK_ALL       1127  // "Check All"
+#define IDC_IPV4_TCP_URG             1128  // "URG" (32); 1128-1133 in weight order
+#define IDC_IPV4_TCP_ACK             1129  // "ACK" (16)
+#define IDC_IPV4_TCP_PSH             1130  // "PSH" (8)
+#define IDC_IPV4_TCP_RST             1131  // "RST" (4)
+#define IDC_IPV4_TCP_SYN             1132  // "SYN" (2)
+#define IDC_IPV4_TCP_FIN             1133  // "FIN" (1)
+#define IDC_IPV4_UDP_GROUP           1135  // group "UDP" (6)
+#define IDC_IPV4_UDP                 1136  // "UDP"
+#define IDC_IPV4_UDP_SRC_PORT_CHECK  1137  // "Source Port Mask (0-FFFF)"
+#define IDC_IPV4_UDP_SRC_PORT        1138
+#define IDC_IPV4_UDP_DST_PORT_CHECK  1139  // "Destination Port Mask (0-FFFF)"
+#define IDC_IPV4_UDP_DST_PORT        1140
+#define IDC_IPV4_PROTO_GROUP         1145  // group "Protocol ID" (7)
+#define IDC_IPV4_PROTO_ID_CHECK      1146  // "Protocol ID Mask(0-255)"
+#define IDC_IPV4_PROTO_ID            1147  // 0-255
+#define IDC_IPV4_USER_DEFINE         1148  // "User Define(0-FFFFFFFF)"
+#define IDC_IPV4_USER_MASK1          1149  // 1149-1153: five 8-digit fields (one shown but on
+#define IDC_IPV4_USER_MASK2          1150  // TVR4510 and TVR4820)
+#define IDC_IPV4_USER_MASK3          1151
+#define IDC_IPV4_USER_MASK4          1152
+#define IDC_IPV4_USER_MASK5          1153
