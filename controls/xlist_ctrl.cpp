@@ -67,7 +67,7 @@ bool CXListCtrl::Attach(HWND hwndList) {
     SetWindowSubclass(m_hWnd, &CXListCtrl::ListProc, kListSubclassId, reinterpret_cast<DWORD_PTR>(this));
     SetWindowSubclass(m_hWndParent, &CXListCtrl::ParentProc, reinterpret_cast<UINT_PTR>(this),
                       reinterpret_cast<DWORD_PTR>(this));
-    m_header.SubclassHeader(ListView_GetHeader(m_hWnd));
+    AttachHeader();
     SetPropA(m_hWnd, kControlProperty, this);
     return true;
 }
@@ -94,8 +94,16 @@ int CXListCtrl::InsertColumn(int column, const std::string& text, int width, int
     col.cx = width;
     col.pszText = const_cast<char*>(text.c_str());
     col.iSubItem = column;
-    return static_cast<int>(SendMessageA(m_hWnd, LVM_INSERTCOLUMNA, static_cast<WPARAM>(column),
-                                         reinterpret_cast<LPARAM>(&col)));
+    const int index = static_cast<int>(SendMessageA(m_hWnd, LVM_INSERTCOLUMNA, static_cast<WPARAM>(column),
+                                                    reinterpret_cast<LPARAM>(&col)));
+    AttachHeader();
+    return index;
+}
+
+// A list view created hidden may make its header only with its first column (Wine does), so
+// the header is taken over on Attach or, failing that, here.
+void CXListCtrl::AttachHeader() {
+    if (!m_header.GetSafeHwnd()) m_header.SubclassHeader(ListView_GetHeader(m_hWnd));
 }
 
 int CXListCtrl::GetColumnCount() const { return m_header.GetItemCount(); }

@@ -100,6 +100,7 @@ private:
     bool OnParentNotify(const NMHDR* hdr, LRESULT* result);
     LRESULT OnCustomDraw(NMLVCUSTOMDRAW* cd);
     void DrawCell(HDC dc, int row, int column);
+    void AttachHeader();
     RowRecord* Record(int row) const;
     CellRecord* Cell(int row, int column) const;
     void InvalidateCell(int row, int column);

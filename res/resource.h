@@ -143,12 +143,24 @@
 #define IDS_PCOL_OFFSET48            362
 #define IDS_PCOL_OFFSET64            363
 
+// Part 5.2: IPv6 and packet-content pages. Left to the implementer: the spec gives no check for
+// these inputs; a checked field that does not fit is refused with one of these (no row added).
+#define IDS_MSG_INVALID_IPV6_MASK    400   // IPv6 address mask not 32 hexadecimal digits
+#define IDS_MSG_INVALID_CHUNK_OFFSET 401   // chunk offset not 0 to 31
+#define IDS_MSG_INVALID_CHUNK_MASK   402   // chunk mask not 8 hexadecimal digits
+#define IDS_MSG_INVALID_OFFSET_MASK  403   // offset-range mask field not 8 hexadecimal digits
+
 // Part 5.2, IPv4 page: the protocol group titles, also column 22 of its pending rows.
 #define IDS_IPV4_GROUP_ICMP          370   // "ICMP"        (m_nFrameOption 3)
 #define IDS_IPV4_GROUP_IGMP          371   // "IGMP"        (4)
 #define IDS_IPV4_GROUP_TCP           372   // "TCP"         (5)
 #define IDS_IPV4_GROUP_UDP           373   // "UDP"         (6)
 #define IDS_IPV4_GROUP_PROTOCOL_ID   374   // "Protocol ID" (7)
+
+// Part 5.2: "Add profile" details list: its header and the row labels, in the order of
+// acl::DetailLabel (acl/profile_details.h): IDS_DETAIL_FIRST + label.
+#define IDS_DETAIL_FIRST             430   // 430-467: "Profile ID" ... "ContMaskOffset64to79"
+#define IDS_DETAIL_HEADER            468   // "ACL Profile Details"
 
 // Part 5.4: Confirmation Page column headers (trailing and leading blanks kept).
 #define IDS_APPLY_COL_DEVICE_IP      470
@@ -189,6 +201,7 @@
 #define IDC_STEP2_PROFILE_LIST       1043  // the profile list of the chosen device
 #define IDC_STEP2_ID_LABEL           1044
 #define IDC_STEP2_DEVICE_LABEL       1045
+#define IDC_STEP2_DETAILS            1220  // details of the clicked profile (hidden until a click)
 #define IDC_ETH_GROUP                1051  // page 7 (Part 5.2): "Filtering Mask"
 #define IDC_ETH_SRC_MAC_CHECK        1052  // "Source MAC Mask"
 #define IDC_ETH_SRC_MAC              1053
@@ -261,3 +274,37 @@
 #define IDC_IPV4_USER_MASK3          1151
 #define IDC_IPV4_USER_MASK4          1152
 #define IDC_IPV4_USER_MASK5          1153
+#define IDC_IPV6_GROUP               1160  // page 8 (Part 5.2): "Filtering Mask"
+#define IDC_IPV6_CLASS               1161  // "IPv6 Class"
+#define IDC_IPV6_FLOW_LABEL          1162  // "IPv6 Flow Label"
+#define IDC_IPV6_SRC_CHECK           1163  // "IPv6 Source Address"
+#define IDC_IPV6_SRC                 1164
+#define IDC_IPV6_DST_CHECK           1165  // "IPv6 Destination Address"
+#define IDC_IPV6_DST                 1166
+#define IDC_IPV6_ADD                 1167  // "Add"
+#define IDC_IPV6_DELETE              1168  // "Delete"
+#define IDC_IPV6_LIST                1169  // the pending list
+#define IDC_PACKET_GROUP             1170  // page 9 (Part 5.2): "Filtering Mask"
+#define IDC_PACKET_ADD               1171  // "Add"
+#define IDC_PACKET_DELETE            1172  // "Delete"
+#define IDC_PACKET_LIST              1173  // the pending list
+#define IDC_PACKET_CHUNK1            1174  // chunk layout: "Chunk 1(0-31)" .. "Chunk 4(0-31)"
+#define IDC_PACKET_CHUNK2            1175
+#define IDC_PACKET_CHUNK3            1176
+#define IDC_PACKET_CHUNK4            1177
+#define IDC_PACKET_CHUNK1_OFFSET     1178  // 1178-1181: the chunks' offsets (0 to 31)
+#define IDC_PACKET_CHUNK2_OFFSET     1179
+#define IDC_PACKET_CHUNK3_OFFSET     1180
+#define IDC_PACKET_CHUNK4_OFFSET     1181
+#define IDC_PACKET_CHUNK1_MASK       1182  // 1182-1185: the chunks' masks (8 hex digits)
+#define IDC_PACKET_CHUNK2_MASK       1183
+#define IDC_PACKET_CHUNK3_MASK       1184
+#define IDC_PACKET_CHUNK4_MASK       1185
+#define IDC_PACKET_OFFSET_LABEL      1186  // chunk layout: "Offset" above the offset edits
+#define IDC_PACKET_MASK_LABEL        1187  // chunk layout: "Mask" above the mask edits
+#define IDC_PACKET_OFFSET0           1188  // offset layout: "offset 0-15" .. "offset 64-79"
+#define IDC_PACKET_OFFSET16          1189
+#define IDC_PACKET_OFFSET32          1190
+#define IDC_PACKET_OFFSET48          1191
+#define IDC_PACKET_OFFSET64          1192
+#define IDC_PACKET_RANGE_MASK_FIRST  1193  // 1193-1212: range r's four 8-digit masks at 1193 + 4r + k

@@ -1,5 +1,6 @@
 #include "acl/wizard/acl_step2.h"
 
+#include "acl/profile_details.h"
 #include "acl/wizard/acl_wizard.h"
 #include "res/resource.h"
 #include "ui/controls.h"
@@ -14,6 +15,14 @@ HFONT GroupFont() {
     static const ui::UniqueGdiObject font(ui::CreateGroupTitleFont(ui::LoadResString(IDS_GROUP_FONT)));
     return static_cast<HFONT>(font.get());
 }
+
+static_assert(IDS_DETAIL_FIRST + static_cast<int>(acl::DetailLabel::kCount) == IDS_DETAIL_HEADER,
+              "one string per details label, in acl::DetailLabel's order");
+
+// Part 5.2: the details list's colours.
+constexpr COLORREF kDetailLabelRed = RGB(255, 0, 0);
+constexpr COLORREF kDetailTitleCyan = RGB(0, 255, 255);
+constexpr COLORREF kDetailValueBlack = RGB(0, 0, 0);
 
 // Part 5.2: the dialog's initial combo data.
 const char* const kFrameItems[] = {"Tagged", "UnTagged"};
@@ -74,6 +83,12 @@ BOOL CACLStep2::OnInitDialog() {
     m_profileList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 80);
     m_profileList.InsertColumn(1, ui::LoadResString(IDS_STEP2_COL_PROFILE_TYPE), 110);
     m_profileList.InsertColumn(2, ui::LoadResString(IDS_STEP2_COL_OWNER), 90);
+    // Grid lines frame the values ("inside a frame").
+    m_details.Attach(GetDlgItem(IDC_STEP2_DETAILS));
+    m_details.SetExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES);
+    m_details.InsertColumn(0, ui::LoadResString(IDS_DETAIL_HEADER), 130);
+    m_details.InsertColumn(1, ui::LoadResString(IDS_COL_BLANK), 155);
+    ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
     ShowTypeLists();
     return TRUE;
 }
@@ -103,6 +118,8 @@ BOOL CACLStep2::OnSetActive() {
     ui::Button list(GetDlgItem(IDC_STEP2_GROUP_LIST));
     list.SetText(ui::LoadResString(cpu ? IDS_STEP2_CPU_PROFILE_LIST : IDS_STEP2_PROFILE_LIST));
     list.SetFont(GroupFont());
+    m_details.DeleteAllItems();
+    ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
 
     // Steps 4 and 5: caption, model table, used IDs zeroed, "1" to "N", the reader.
     const std::string caption = ui::LoadResString(cpu ? IDS_STEP2_CPU_CAPTION : IDS_STEP2_CAPTION);
@@ -119,10 +136,16 @@ BOOL CACLStep2::OnSetActive() {
     return TRUE;
 }
 
-// Part 5.2's model table; a model string not in the table leaves the controls unchanged.
+// Part 5.2's model table. Left to the implementer: a model string not in the table (such as
+// "TVG-5140", or "TVG-5240" with the CPU ACL) has no ACL function (Part 2.2), so instead of
+// keeping the controls of an earlier device the page offers nothing: no profile ID, every type
+// disabled (Next then says "Please select profile ID!!"), and no reader starts.
 void CACLStep2::ApplyModelTable() {
     acl::pages::AddProfileModelRow row;
-    if (!acl::pages::AddProfileModelTable(m_device.typeText, m_nACLKind, row)) return;
+    const bool known = acl::pages::AddProfileModelTable(m_device.typeText, m_nACLKind, row);
+    if (!known) row = {0, false, false, false};
+    EnableWindow(GetDlgItem(IDC_STEP2_ETHERNET), known);
+    EnableWindow(GetDlgItem(IDC_STEP2_IPV4), known);
     m_nProfileIds = row.nProfileIds;
     EnableWindow(GetDlgItem(IDC_STEP2_PACKET), row.bPacketEnabled);
     EnableWindow(GetDlgItem(IDC_STEP2_IPV6), row.bIPv6Enabled);
@@ -141,6 +164,7 @@ void CACLStep2::ShowTypeLists() {
 void CACLStep2::StartReader() {
     for (AclRecordList& table : m_aTables) table.clear();
     m_profileList.DeleteAllItems();
+    if (LookupSupportedModel(m_device.typeText) == nullptr) return;  // Part 5.2: no reader
     const size_t k = m_nACLKind == 1 ? 0 : 1;
     if (IsReaderRunning(static_cast<int>(k + 1))) return;  // it keeps filling the lists
     if (m_hReader[k]) {
@@ -194,6 +218,7 @@ void CACLStep2::OnDestroy() {
     while (PeekMessageA(&msg, GetSafeHwnd(), WM_ACL_READER_ROW, WM_ACL_READER_ROW, PM_REMOVE))
         delete reinterpret_cast<ReaderRow*>(msg.lParam);
     m_profileList.Detach();
+    m_details.Detach();
 }
 
 BOOL CACLStep2::OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
@@ -250,6 +275,35 @@ void CACLStep2::SelectDevice(int index) {
     StartReader();
 }
 
+// Clicking a profile: its ID and type name, and its details from the hidden table of that type:
+// labels in red (cyan in a row reading "ACL Profile Details  "), values in black on the window
+// colour.
+void CACLStep2::ShowDetails(int row) {
+    m_strSelProfileID = m_profileList.GetItemText(row, 0);
+    m_strSelTypeName = m_profileList.GetItemText(row, 1);
+    const ModelEntry* model = LookupModel(m_device.typeText);
+    if (model == nullptr) return;
+    for (AclType type : {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent}) {
+        if (m_strSelTypeName != TypeWord(type)) continue;
+        for (const AclRecord& record : m_aTables[static_cast<size_t>(type)]) {
+            if (record.empty() || record[0] != m_strSelProfileID) continue;
+            const AclOwner owner = m_nACLKind == 1 ? AclOwner::kAcl : AclOwner::kCpu;
+            const std::string title = ui::LoadResString(IDS_COL_PROFILE_DETAILS);
+            m_details.DeleteAllItems();
+            for (const acl::DetailRow& d : acl::ProfileDetails(type, record, owner, *model)) {
+                const std::string label = ui::LoadResString(IDS_DETAIL_FIRST + static_cast<UINT>(d.label));
+                const int line = m_details.InsertItem(m_details.GetItemCount(), label,
+                                                      label == title ? kDetailTitleCyan : kDetailLabelRed,
+                                                      GetSysColor(COLOR_WINDOW));
+                m_details.SetItemText(line, 1, d.value);
+                m_details.SetCellColors(line, 1, kDetailValueBlack, GetSysColor(COLOR_WINDOW));
+            }
+            ShowWindow(m_details.GetSafeHwnd(), SW_SHOW);
+            return;
+        }
+    }
+}
+
 BOOL CACLStep2::OnCommand(WPARAM wParam, LPARAM) {
     const int id = LOWORD(wParam);
     const int code = HIWORD(wParam);
@@ -281,10 +335,7 @@ BOOL CACLStep2::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
     }
     if (hdr->hwndFrom == m_profileList.GetSafeHwnd() && hdr->code == NM_CLICK) {
         const int row = reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem;
-        if (row >= 0) {
-            m_strSelProfileID = m_profileList.GetItemText(row, 0);
-            m_strSelTypeName = m_profileList.GetItemText(row, 1);
-        }
+        if (row >= 0) ShowDetails(row);
         *pResult = 0;
         return TRUE;
     }

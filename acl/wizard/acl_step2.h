@@ -56,6 +56,7 @@ private:
     void StopReaders(DWORD waitMs);
     void OnReaderRow(WPARAM wParam, LPARAM lParam);
     void RemoveUsedProfileIds();
+    void ShowDetails(int row);
 
     int m_nProfileChoice = 1;  // Part 5.2: "Ethernet ACL" (1) is checked at start
     long m_nACLKind = 1;
@@ -63,6 +64,7 @@ private:
     int m_nProfileIds = 0;     // N of the model table
     std::string m_strSelProfileID, m_strSelTypeName;
     controls::CXListCtrl m_profileList;
+    controls::CXListCtrl m_details;  // "ACL Profile Details" of the clicked profile
     acl::pages::SortToggle m_sort;
     std::array<AclRecordList, 4> m_aTables{};  // the hidden tables, by AclType
     // One reader per ACL kind (index kind - 1): its thread handle and shared job.

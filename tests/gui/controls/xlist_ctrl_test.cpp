@@ -331,3 +331,27 @@ TEST_F(XListCtrlTest, HeaderDrawsTheImageAndTheTextSixPixelsApart) {
 }
 
 }  // namespace
+
+// A list created hidden (a details list shown only later): under Wine the list view makes its
+// header only with the first column; the control must still count its columns, take its
+// texts, and draw the header once shown.
+TEST_F(XListCtrlTest, AListAttachedWhileHiddenGetsItsColumnsAndCells) {
+    HWND hwnd = CreateWindowExA(0, WC_LISTVIEWA, "", WS_CHILD | WS_BORDER | LVS_REPORT, 10, 10, 360, 140, m_parent,
+                                reinterpret_cast<HMENU>(101), nullptr, nullptr);
+    {
+        CXListCtrl list;
+        ASSERT_TRUE(list.Attach(hwnd));
+        list.InsertColumn(0, "ACL Profile Details", 130);
+        list.InsertColumn(1, " ", 155);
+        EXPECT_EQ(2, list.GetColumnCount());
+        ASSERT_EQ(0, list.InsertItem(0, "Profile ID"));
+        EXPECT_TRUE(list.SetItemText(0, 1, "3"));
+        EXPECT_EQ("3", list.GetItemText(0, 1));
+        EXPECT_NE(nullptr, list.GetHeaderCtrl().GetSafeHwnd()) << "the header is ours once it exists";
+        ShowWindow(hwnd, SW_SHOW);
+        list.DeleteAllColumns();
+        EXPECT_EQ(0, list.GetColumnCount());
+        EXPECT_EQ(0, list.GetItemCount()) << "rows go with the columns";
+    }
+    DestroyWindow(hwnd);
+}

@@ -6,6 +6,7 @@
 // closes.
 #include <chrono>
 
+#include "controls/xlist_ctrl.h"
 #include "tests/gui/wizard/profile_flow.h"
 
 using namespace profile_flow;
@@ -161,6 +162,65 @@ TEST_F(AddProfileGui, LeavingThePageOrClosingTheWizardStopsTheReader) {
     const auto ms =
         std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
     EXPECT_LE(ms, 3000 + 1500) << "open, cancel, and at most one time-out";
+}
+
+// Part 5.2: clicking a profile shows its details from the hidden tables: red labels, black
+// values on the window colour, "Enabled"/"Disabled", TCP flag names; TVR4512's name row.
+TEST_F(AddProfileGui, ClickingAProfileShowsItsDetails) {
+    SimAgent a(13, "TVR4512");
+    ASSERT_TRUE(a.ok()) << a.error();
+    CreateProfiles(a, "TVR4512", AclOwner::kAcl, {{AclType::kEthernet, "2"}, {AclType::kIPv4, "4"}});
+    Wizard({{a.address(), "TVR4512"}}, 1, [&](WizardDriver& d) {
+        ASSERT_EQ(3, d.ActiveIndex());
+        HWND details = d.Control(IDC_STEP2_DETAILS);
+        EXPECT_FALSE(IsWindowVisible(details)) << "hidden until a profile is clicked";
+        ASSERT_TRUE(d.WaitFor([&] { return d.RowCount(ProfileList(d)) == 2 && !Page().IsReaderRunning(1); }));
+        EXPECT_EQ("ACL Profile Details", d.HeaderText(details, 0));
+        d.ClickCell(ProfileList(d), 0, 0);
+        ASSERT_TRUE(IsWindowVisible(details));
+        const std::vector<std::pair<std::string, std::string>> ethernet = {
+            // Unset MAC masks were written as zero bytes and read back so.
+            {"Profile ID", "2"}, {"Profile Type", "Ethernet"}, {"Owner Type", ""}, {"ProfileName", "p2"},
+            {"VLAN", "Enabled"}, {"Source MAC", "000000000000"}, {"Destination MAC", "000000000000"}, {"802.1P", "Disabled"},
+            {"Ethernet Type", "Disabled"}};
+        ASSERT_EQ(static_cast<int>(ethernet.size()), d.RowCount(details));
+        for (size_t i = 0; i < ethernet.size(); ++i) {
+            EXPECT_EQ(ethernet[i].first, d.CellText(details, static_cast<int>(i), 0));
+            EXPECT_EQ(ethernet[i].second, d.CellText(details, static_cast<int>(i), 1)) << ethernet[i].first;
+        }
+        COLORREF text = 0, back = 0;
+        auto* list = controls::CXListCtrl::FromHandle(details);
+        ASSERT_NE(nullptr, list);
+        ASSERT_TRUE(list->GetCellColors(0, 0, &text, &back));
+        EXPECT_EQ(RGB(255, 0, 0), text) << "labels in red";
+        ASSERT_TRUE(list->GetCellColors(0, 1, &text, &back));
+        EXPECT_EQ(RGB(0, 0, 0), text) << "values in black";
+        EXPECT_EQ(GetSysColor(COLOR_WINDOW), back) << "on the window colour";
+        d.Screenshot("page-03-add-profile-details");
+        // The IPv4 profile: TCP (protocol group 5) rows.
+        d.ClickCell(ProfileList(d), 1, 0);
+        ASSERT_GE(d.RowCount(details), 5);
+        EXPECT_EQ("IPv4", d.CellText(details, 1, 1));
+        EXPECT_EQ("VLAN", d.CellText(details, 4, 0));
+        EXPECT_EQ("Destination IP", d.CellText(details, 5, 0));
+        EXPECT_EQ("TCP FLAGBITmask", d.CellText(details, 15, 0));
+        EXPECT_EQ("ProtoIDOption", d.CellText(details, d.RowCount(details) - 1, 0));
+    });
+}
+
+// Left to the implementer: a model without ACL function ("TVG-5140") offers nothing to create
+// and starts no reader.
+TEST_F(AddProfileGui, AModelWithoutAclFunctionOffersNothing) {
+    Wizard({{"127.0.0.1:46899", "TVG-5140"}}, 1, [&](WizardDriver& d) {
+        ASSERT_EQ(3, d.ActiveIndex());
+        EXPECT_TRUE(IdItems(d).empty());
+        EXPECT_FALSE(Page().IsReaderRunning(1));
+        for (int id : {IDC_STEP2_ETHERNET, IDC_STEP2_IPV4, IDC_STEP2_IPV6, IDC_STEP2_PACKET})
+            EXPECT_FALSE(IsWindowEnabled(d.Control(id))) << id;
+        d.Next();
+        EXPECT_EQ(std::vector<std::string>{kSelectId}, Texts(d.TakeMessages()));
+        EXPECT_EQ(3, d.ActiveIndex());
+    });
 }
 
 // --- the Ethernet definition page `CACLSTEP_ETH` (Part 5.2) -----------------------------------
