@@ -61,6 +61,10 @@ void CProfileDefinitionPage::OnAdd() {
         ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(IDS_MSG_INVALID_MAC));
         return;
     }
+    if (const UINT message = CheckFields(fields)) {
+        ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(message));
+        return;
+    }
     const ModelEntry* model = LookupModel(m_strModel);
     if (model == nullptr) return;  // no target of a catalogued model: nothing could be sent
     AclRecord record = BuildProfile(m_type, Owner(), *model, fields);

@@ -41,6 +41,10 @@ protected:
     virtual void OnPendingRowClicked(int /*row*/) {}
     // A row was appended for this record (a page may fill list cells past the record's).
     virtual void OnRowAdded(int /*row*/, const AclRecord& /*record*/) {}
+    // A page's own checks of its fields on Add, after the MAC rule (the spec leaves the IPv6
+    // and packet-content inputs unchecked; Part 5.2): the string ID of the message to show (no
+    // row, the input stays), or 0.
+    virtual UINT CheckFields(const ProfileFields& /*fields*/) const { return 0; }
     // Sets up the pending list's columns from Columns() (OnInitDialog, and when a page switches
     // layout); empties the list and the pending rows.
     void ResetPendingList();

@@ -2,14 +2,70 @@
 
 #include "acl/wizard/acl_wizard.h"
 #include "res/resource.h"
+#include "ui/controls.h"
 
 namespace acl::wizard {
+namespace {
 
-CACLStep_IPV6::CACLStep_IPV6() : CACLPage(acl::pages::kPageIPv6Profile, IDD_ACL_STEP_IPV6, kBackNext) {}
+// Part 4.1: an IPv6 mask is 32 hexadecimal digits (16 bytes on the wire, Part 4.2).
+constexpr size_t kIpv6MaskDigits = 32;
 
-LRESULT CACLStep_IPV6::OnWizardNext() {
-    Wizard().m_nProfileType = acl::pages::ProfileTypeOfPage(Index());
-    return CACLPage::OnWizardNext();
+// Left to the implementer: the spec does not check a checked IPv6 mask. A shorter text would
+// reach the switch padded with zero bytes, which the user did not type, so we ask for exactly
+// 32 hexadecimal digits (blanks at the ends ignored, any case; the edits upper-case anyway).
+bool IsIpv6Mask(const std::string& text) {
+    const size_t first = text.find_first_not_of(" \t");
+    const size_t last = text.find_last_not_of(" \t");
+    if (first == std::string::npos) return false;
+    return last - first + 1 == kIpv6MaskDigits && ValidateHex(text);
+}
+
+}  // namespace
+
+CACLStep_IPV6::CACLStep_IPV6()
+    : CProfileDefinitionPage(acl::pages::kPageIPv6Profile, IDD_ACL_STEP_IPV6, AclType::kIPv6,
+                             {IDC_IPV6_LIST, IDC_IPV6_ADD, IDC_IPV6_DELETE}) {}
+
+BOOL CACLStep_IPV6::OnInitDialog() {
+    // Part 5.2: each address edit is limited to 32 characters (ES_UPPERCASE in the template).
+    SendMessageA(GetDlgItem(IDC_IPV6_SRC), EM_LIMITTEXT, kIpv6MaskDigits, 0);
+    SendMessageA(GetDlgItem(IDC_IPV6_DST), EM_LIMITTEXT, kIpv6MaskDigits, 0);
+    return CProfileDefinitionPage::OnInitDialog();
+}
+
+// Part 5.2 asks nothing more of this page on activation; its masks keep what the user typed
+// (pages keep their contents for the wizard's life, Part 5.1), only the enabling is renewed.
+void CACLStep_IPV6::OnActivate() { EnableAddressEdits(); }
+
+// Each address check box enables its edit.
+void CACLStep_IPV6::EnableAddressEdits() {
+    EnableWindow(GetDlgItem(IDC_IPV6_SRC), ui::Button(GetDlgItem(IDC_IPV6_SRC_CHECK)).IsChecked());
+    EnableWindow(GetDlgItem(IDC_IPV6_DST), ui::Button(GetDlgItem(IDC_IPV6_DST_CHECK)).IsChecked());
+}
+
+ProfileFields CACLStep_IPV6::ReadFields() const {
+    ProfileFields f;
+    f.ipv6Class = ui::Button(GetDlgItem(IDC_IPV6_CLASS)).IsChecked();
+    f.flowLabel = ui::Button(GetDlgItem(IDC_IPV6_FLOW_LABEL)).IsChecked();
+    f.srcIpv6Checked = ui::Button(GetDlgItem(IDC_IPV6_SRC_CHECK)).IsChecked();
+    f.dstIpv6Checked = ui::Button(GetDlgItem(IDC_IPV6_DST_CHECK)).IsChecked();
+    f.srcIpv6Mask = ui::GetWindowTextString(GetDlgItem(IDC_IPV6_SRC));
+    f.dstIpv6Mask = ui::GetWindowTextString(GetDlgItem(IDC_IPV6_DST));
+    return f;
+}
+
+UINT CACLStep_IPV6::CheckFields(const ProfileFields& f) const {
+    if ((f.srcIpv6Checked && !IsIpv6Mask(f.srcIpv6Mask)) || (f.dstIpv6Checked && !IsIpv6Mask(f.dstIpv6Mask)))
+        return IDS_MSG_INVALID_IPV6_MASK;
+    return 0;
+}
+
+BOOL CACLStep_IPV6::OnFieldCommand(int id, int code) {
+    if (code == BN_CLICKED && (id == IDC_IPV6_SRC_CHECK || id == IDC_IPV6_DST_CHECK)) {
+        EnableAddressEdits();
+        return TRUE;
+    }
+    return FALSE;
 }
 
 }  // namespace acl::wizard
