@@ -51,7 +51,6 @@ BOOL CACLApply::OnInitDialog() {
     m_details.Attach(GetDlgItem(IDC_APPLY_DETAILS));
     m_details.InsertColumn(0, ui::LoadResString(IDS_COL_PROFILE_DETAILS), 120);
     m_details.InsertColumn(1, ui::LoadResString(IDS_COL_BLANK), 110);
-    ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);  // until a profile is clicked (attached while shown)
     return TRUE;
 }
 
