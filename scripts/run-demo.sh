@@ -7,35 +7,49 @@
 #
 # With a display: opens the host window; close it to end the demo.
 # Without one (or with --headless): runs under Xvfb, saves screenshots of the host window,
-# of its plug-in menu and of the ACL wizard under build/win64/screenshots/ and says where.
+# of its plug-in menu and of the ACL wizard under <tree>/screenshots/, then the scripted
+# walk: orblane.exe --walk create-profiles creates an Ethernet profile on two simulated
+# switches through the wizard, a screenshot per page in <tree>/screenshots/walk/; the
+# script reads the profiles back from both switches with snmpwalk and fails if they are
+# not there.
 #
-# Usage: scripts/run-demo.sh [--headless] [--no-build] [--no-sim]
+# Usage: scripts/run-demo.sh [--headless] [--no-build] [--no-sim] [--walk-only]
+#   --walk-only   headless: only the walk, not the three host screenshots (the test run)
+# Environment: SENTREL_BUILD_DIR  the win64 tree (default build/win64)
+#              SENTREL_SIM        the simulator (default build/bench, else build/native)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
 
-headless=0; build=1; sim=1; inside_xvfb=0
+headless=0; build=1; sim=1; inside_xvfb=0; walk_only=0
 for arg in "$@"; do
   case "$arg" in
     --headless) headless=1 ;;
     --no-build) build=0 ;;
     --no-sim) sim=0 ;;
+    --walk-only) walk_only=1; headless=1 ;;
     --inside-xvfb) inside_xvfb=1; headless=1 ;;   # internal: the script re-run under xvfb-run
-    -h|--help) sed -n '2,13p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+    -h|--help) sed -n '2,19p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
     *) echo "run-demo: unknown argument $arg" >&2; exit 2 ;;
   esac
 done
 [ -n "${DISPLAY:-}" ] || headless=1
 
-bin=$root/build/win64
+# The win64 tree: build/win64 unless SENTREL_BUILD_DIR names another (relative to the root).
+bin=${SENTREL_BUILD_DIR:-build/win64}
+case "$bin" in /*) ;; *) bin=$root/$bin ;; esac
 demo=$bin/demo                     # current directory of the host: the plug-in writes its
 shots=$bin/screenshots             # RListDeviceFromGroup.xml and staging INI files here
 site=$root/host/demo/site.xml
 host_dll=$bin/host/host_objects/OrblaneHost.dll
 sentrel_dll=$bin/shell/Sentrel.dll
 orblane=$bin/host/orblane/orblane.exe
-sim_exe=$root/build/bench/sim/sentrel-sim
-[ -x "$sim_exe" ] || sim_exe=$root/build/native/sim/sentrel-sim
+sim_exe=${SENTREL_SIM:-}
+if [ -z "$sim_exe" ]; then
+  sim_exe=$root/build/bench/sim/sentrel-sim
+  [ -x "$sim_exe" ] || sim_exe=$root/build/native/sim/sentrel-sim
+fi
+case "$sim_exe" in /*) ;; *) sim_exe=$root/$sim_exe ;; esac
 # The demo has a Wine prefix of its own, so its registry values and its wineserver never
 # meet a test run's (wine-run honours SENTREL_WINEPREFIX).
 export SENTREL_WINEPREFIX=$demo/wineprefix
@@ -48,10 +62,10 @@ stop_wineserver() { WINEPREFIX=$SENTREL_WINEPREFIX wineserver -k 2>/dev/null || 
 if [ "$inside_xvfb" = 0 ]; then
   scripts/install-deps.sh
   if [ "$build" = 1 ]; then
-    echo "run-demo: building the win64 tree"
-    cmake --preset win64 >/dev/null
-    cmake --build --preset win64 -j2
-    if [ "$sim" = 1 ] && [ -f sim/CMakeLists.txt ]; then
+    echo "run-demo: building the win64 tree ($bin)"
+    cmake --preset win64 -B "$bin" >/dev/null
+    cmake --build "$bin" -j2
+    if [ "$sim" = 1 ] && [ -z "${SENTREL_SIM:-}" ] && [ -f sim/CMakeLists.txt ]; then
       # The optimised (bench) build, else the native one; the log tells why neither built.
       echo "run-demo: building the switch simulator (log: build/sim-build.log)"
       mkdir -p build
@@ -69,7 +83,8 @@ if [ "$inside_xvfb" = 0 ]; then
   if [ "$headless" = 1 ]; then
     # Everything that talks to Wine runs under the same X display: a wineserver started
     # without one cannot open windows later.
-    exec xvfb-run -a -s "-screen 0 1024x720x24" "$0" --inside-xvfb --no-build $([ "$sim" = 1 ] || echo --no-sim)
+    exec xvfb-run -a -s "-screen 0 1024x720x24" "$0" --inside-xvfb --no-build \
+      $([ "$sim" = 1 ] || echo --no-sim) $([ "$walk_only" = 0 ] || echo --walk-only)
   fi
 fi
 
@@ -109,6 +124,15 @@ PY
   fi
 else
   echo "run-demo: no simulator ($sim_exe); the demo runs without switches"
+fi
+# An earlier configuration: core-sw1 (127.0.0.2, TVR4820) already has Ethernet profile 1, set
+# with net-snmp's snmpset (RowStatus createAndGo, VLAN and Ethernet type used), so the wizard's
+# "Add profile" page has a profile to list and leaves ID 1 out of the free ones.
+if [ -n "$sim_pid" ]; then
+  eth=.1.3.6.1.4.1.32473.12.9.2.1.1
+  if ! snmpset -v1 -c private -t 2 -r 1 127.0.0.2 $eth.8.1 i 4 $eth.2.1 i 1 $eth.7.1 i 1 >/dev/null 2>&1; then
+    echo "run-demo: could not set up core-sw1's existing profile with snmpset" >&2
+  fi
 fi
 
 # Part 1.1: the host first (its objects and type library), then the plug-in, whose
@@ -150,9 +174,65 @@ shoot() {  # shoot <png> <orblane options...>
   echo "run-demo: screenshot $png"
 }
 
-shoot "$shots/host-window.png" --select-node 22 --select-device 127.0.0.21
-shoot "$shots/host-menus.png" --select-node 11 --select-device 127.0.0.2 \
-  --open-menu "&Plug-In/&Halvo Console Plug-In"
-# The plug-in's ACL command as the host runs it: Execute of CSentrelCfg shows the wizard.
-shoot "$shots/host-acl-wizard.png" --select-node 22 --select-device 127.0.0.21 --run "&ACL Manager..."
-echo "run-demo: done; screenshots in $shots"
+if [ "$walk_only" = 0 ]; then
+  shoot "$shots/host-window.png" --select-node 22 --select-device 127.0.0.21
+  shoot "$shots/host-menus.png" --select-node 11 --select-device 127.0.0.2 \
+    --open-menu "&Plug-In/&Halvo Console Plug-In"
+  # The plug-in's ACL command as the host runs it: Execute of CSentrelCfg shows the wizard.
+  shoot "$shots/host-acl-wizard.png" --select-node 22 --select-device 127.0.0.21 --run "&ACL Manager..."
+fi
+
+# The scripted walk (DESIGN.md section 4): the host opens "Core" with core-sw1 selected and
+# runs the ACL command; orblane.exe --walk checks core-sw2 (the same model) beside it, picks
+# the ordinary ACL and "Create Profile", takes the first free profile ID for an Ethernet
+# profile, adds it, applies it to both switches and finishes, a screenshot per page.
+if [ -z "$sim_pid" ]; then
+  if [ "$sim" = 0 ]; then
+    echo "run-demo: --no-sim: no switches, so no walk; done; screenshots in $shots"
+    exit 0
+  fi
+  echo "run-demo: FAILED: the walk needs the simulated fleet, which did not start" >&2
+  exit 1
+fi
+walk_shots=$shots/walk
+rm -rf "$walk_shots"
+mkdir -p "$walk_shots"
+echo "run-demo: the scripted walk through the ACL wizard (screenshots: $walk_shots)"
+walk_rc=0
+# A virtual desktop draws the window frames; the time-outs only stop a walk that hangs.
+timeout 300 "$wine_run" explorer /desktop=Orblane,1024x720 "${orblane_args[@]}" \
+  --select-node 11 --select-device 127.0.0.2 --run "&ACL Manager..." \
+  --walk create-profiles --shots "$(winpath "$walk_shots")" --exit-after 240000 \
+  > "$demo/walk.log" 2>&1 || walk_rc=$?
+report=$walk_shots/walk.txt
+if [ ! -f "$report" ]; then
+  echo "run-demo: FAILED: the walk wrote no report (exit $walk_rc; log: $demo/walk.log)" >&2
+  exit 1
+fi
+sed 's/^/  walk: /' "$report"
+if ! grep -qx 'result ok' "$report"; then
+  echo "run-demo: FAILED: the walk did not get through the wizard (screenshots: $walk_shots)" >&2
+  exit 1
+fi
+
+# The outside referee: net-snmp's snmpwalk reads the Ethernet profile table (Part 4.2) of
+# every switch the walk configured; the profile's row must be there and active (RowStatus 1).
+read -r _ ptype pid pkind < <(grep '^profile ' "$report") ||
+  { echo "run-demo: FAILED: the walk's report names no profile" >&2; exit 1; }
+missing=0
+while read -r _ ip model; do
+  case "$model" in
+    TVR4510) entry=1.3.6.1.4.1.32473.12.9.1.1.1 ;;   # layout 1: profiles under branch 1
+    *)       entry=1.3.6.1.4.1.32473.12.9.2.1.1 ;;
+  esac
+  rows=$(snmpwalk -v1 -c public -On -t 2 -r 1 "$ip" "$entry" 2>&1 | grep -E "^\.$entry\.[0-9]+\.$pid = " || true)
+  echo "run-demo: $ip ($model), $ptype profile $pid, read back with snmpwalk:"
+  if [ -n "$rows" ]; then sed 's/^/    /' <<<"$rows"; fi
+  if ! grep -qE "^\.$entry\.8\.$pid = INTEGER: 1\$" <<<"$rows"; then
+    echo "run-demo: FAILED: $ip has no active $ptype profile $pid" >&2
+    missing=1
+  fi
+done < <(grep '^switch ' "$report")
+[ "$missing" = 0 ] || exit 1
+echo "run-demo: the walk created $pkind $ptype profile $pid on $(grep -c '^switch ' "$report") switches"
+echo "run-demo: done; screenshots in $shots, the walk's page by page in $walk_shots"

@@ -8,6 +8,7 @@
 
 #include <string>
 
+#include "host/orblane/demo_walk.h"
 #include "host/orblane/main_window.h"
 #include "host/orblane/resource.h"
 
@@ -26,6 +27,10 @@ constexpr wchar_t kUsage[] =
     L"                         the window closes when the file is deleted again\n"
     L"  --exit-after <ms>      close the window after that many milliseconds\n"
     L"  --dump-menus           print the menu bar (one line per item) and the plug-ins, then exit\n"
+    L"  --walk <name>          with --run: walk through the command's wizard like a person, save a\n"
+    L"                         screenshot of every page, write the report walk.txt and exit\n"
+    L"                         (0 when the walk succeeded, 3 when not); walks: create-profiles\n"
+    L"  --shots <folder>       where --walk puts its screenshots and walk.txt (default: .)\n"
     L"  --help                 this text\n";
 
 void Print(const std::wstring& text) {
@@ -74,6 +79,14 @@ bool ParseOptions(orblane::Options& options, bool& help, std::wstring& error) {
         } else if (arg == L"--exit-after") {
             value(text);
             options.exitAfterMs = static_cast<int>(wcstol(text.c_str(), nullptr, 10));
+        } else if (arg == L"--walk") {
+            value(options.walk);
+            if (ok && !orblane::IsWalkName(std::string(options.walk.begin(), options.walk.end()))) {
+                error = L"unknown walk " + options.walk;
+                ok = false;
+            }
+        } else if (arg == L"--shots") {
+            value(options.shots);
         } else if (arg == L"--dump-menus") {
             options.dumpMenus = true;
         } else if (arg.size() > 1 && arg[0] == L'-' && arg[1] == L'-') {
@@ -87,6 +100,10 @@ bool ParseOptions(orblane::Options& options, bool& help, std::wstring& error) {
         }
     }
     LocalFree(argv);
+    if (ok && !options.walk.empty() && options.run.empty()) {
+        error = L"--walk needs --run (the command whose wizard it walks through)";
+        ok = false;
+    }
     return ok;
 }
 

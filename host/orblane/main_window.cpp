@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <windowsx.h>
 
+#include "host/orblane/demo_walk.h"
 #include "host/orblane/menu_builder.h"
 #include "host/orblane/resource.h"
 #include "host/orblane/site_view.h"
@@ -205,7 +206,7 @@ LRESULT MainWindow::Handle(UINT msg, WPARAM wParam, LPARAM lParam) {
         DestroyWindow(m_hwnd);
         return 0;
     case WM_DESTROY:
-        PostQuitMessage(0);
+        PostQuitMessage(m_exitCode);
         return 0;
     }
     return DefWindowProcW(m_hwnd, msg, wParam, lParam);
@@ -417,13 +418,51 @@ void MainWindow::ExecutePlugIn(const PlugIn& plugIn) {
     SetStatus(SplitPrompt(plugIn.prompt).status);
     // Part 1.1: Execute runs the command modally and returns E_NOTIMPL when it has finished.
     Microsoft::WRL::ComPtr<IHostPlugIn> object = plugIn.object;
-    HRESULT hr = object->Execute(0);
+    const bool walk = !m_options.walk.empty() && !m_walkDone;
+    HRESULT hr = walk ? ExecuteWithWalk(object.Get()) : object->Execute(0);
     m_inCommand = false;
+    if (walk) m_exitPending = true;  // the walk's process ends with its command
     if (FAILED(hr) && hr != E_NOTIMPL)
         SetStatus(PlainMenuText(plugIn.menuItem) + L" failed: " + HexResult(hr));
     else
         SetStatus(LoadHostString(m_instance, IDS_READY));
     if (m_exitPending) PostMessageW(m_hwnd, WM_CLOSE, 0, 0);
+}
+
+// DESIGN.md section 4: the demo's scripted walk drives the wizard that Execute shows; its
+// report goes to <shots>\walk.txt and stdout, its verdict to the exit code.
+HRESULT MainWindow::ExecuteWithWalk(IHostPlugIn* object) {
+    m_walkDone = true;
+    auto narrow = [](const std::wstring& text) {
+        std::string out(static_cast<size_t>(WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, nullptr, 0, nullptr, nullptr)), '\0');
+        WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, out.data(), static_cast<int>(out.size()), nullptr, nullptr);
+        if (!out.empty()) out.pop_back();  // the terminator
+        return out;
+    };
+    WalkSettings settings;
+    settings.name = narrow(m_options.walk);
+    settings.shotsFolder = m_options.shots.empty() ? std::string(".") : narrow(m_options.shots);
+    BSTR selected = nullptr;
+    long valid = 0;
+    if (m_hostSystem && SUCCEEDED(m_hostSystem->GetSelectedDeviceIP(&selected, &valid)) && valid && selected)
+        settings.hostDevice = narrow(selected);
+    SysFreeString(selected);
+    HRESULT hr = S_OK;
+    const WalkOutcome outcome = RunWalk(settings, [&] { hr = object->Execute(0); });
+    std::string report;
+    for (const std::string& line : outcome.lines) report += line + "\n";
+    CreateDirectoryA(settings.shotsFolder.c_str(), nullptr);
+    const std::string path = settings.shotsFolder + "\\walk.txt";
+    HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    DWORD written = 0;
+    if (file != INVALID_HANDLE_VALUE) {
+        WriteFile(file, report.data(), static_cast<DWORD>(report.size()), &written, nullptr);
+        CloseHandle(file);
+    }
+    HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
+    if (out && out != INVALID_HANDLE_VALUE) WriteFile(out, report.data(), static_cast<DWORD>(report.size()), &written, nullptr);
+    m_exitCode = outcome.ok ? 0 : 3;
+    return hr;
 }
 
 LRESULT MainWindow::OnNotify(NMHDR* header) {

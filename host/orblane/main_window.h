@@ -24,6 +24,8 @@ struct Options {
     std::wstring readyFile;     // written once the start-up actions are done (menu open)
     int exitAfterMs = -1;       // close the window after this many ms
     bool dumpMenus = false;     // print the menu bar to stdout and exit
+    std::wstring walk;          // the demo's scripted walk through the --run command's wizard
+    std::wstring shots;         // its screenshot folder (and report walk.txt); default: current
 };
 
 class MainWindow {
@@ -38,6 +40,8 @@ public:
     std::wstring DumpMenus() const;
     const std::vector<PlugInProblem>& problems() const { return m_problems; }
     const std::vector<PlugIn>& plugIns() const { return m_plugIns; }
+    // 0, or 3 when the --walk failed (the process's exit code).
+    int exitCode() const { return m_exitCode; }
 
 private:
     struct Toolbar {
@@ -61,6 +65,7 @@ private:
     void OnDeviceSelection();
     void ReloadSite();
     void ExecutePlugIn(const PlugIn& plugIn);
+    HRESULT ExecuteWithWalk(IHostPlugIn* object);
     void StartUpActions();
     void OpenMenuStep(HMENU opened);
     void SetStatus(const std::wstring& text);
@@ -92,6 +97,8 @@ private:
     std::vector<std::wstring> m_menuLevels;
     size_t m_menuDepth = 0;
     bool m_readyWritten = false;
+    bool m_walkDone = false;
+    int m_exitCode = 0;
     std::wstring m_nodeText;  // status-bar text of the opened node
 };
 

@@ -1,8 +1,8 @@
 #include "tests/gui/support/wizard_driver.h"
 
-#include <gtest/gtest.h>
 #include <prsht.h>
 
+#include <cstdio>
 #include <thread>
 
 #include "tests/gui/support/png_writer.h"
@@ -12,6 +12,14 @@ namespace {
 WizardDriver* g_driver = nullptr;  // the hooks carry no user data; one driver at a time
 constexpr UINT kPing = WM_APP + 0x5A5;
 std::string g_screenshotFolder;
+FailureHandler g_failureHandler = nullptr;
+
+void Fail(const std::string& what) {
+    if (g_failureHandler)
+        g_failureHandler(what);
+    else
+        std::fprintf(stderr, "wizard driver: %s\n", what.c_str());
+}
 
 std::string WindowText(HWND hwnd) {
     char text[2048] = {};
@@ -46,6 +54,7 @@ void SetScreenshotFolder(const std::string& folder) {
     CreateDirectoryA(folder.c_str(), nullptr);
 }
 std::string ScreenshotFolder() { return g_screenshotFolder; }
+void SetFailureHandler(FailureHandler handler) { g_failureHandler = handler; }
 
 void WizardDriver::Run(const std::string& sheetCaption, const std::function<void()>& showWizard,
                        const std::function<void(WizardDriver&)>& script) {
@@ -66,7 +75,7 @@ void WizardDriver::Run(const std::string& sheetCaption, const std::function<void
         if (!find.found) {
             std::string seen;
             EnumThreadWindows(driver.m_uiThread, &ListWindowProc, reinterpret_cast<LPARAM>(&seen));
-            ADD_FAILURE() << "no wizard appeared; windows:" << seen;
+            Fail("no wizard appeared; windows:" + seen);
             return;
         }
         driver.m_hwndSheet = find.found;

@@ -1,8 +1,10 @@
-// The GUI test harness (DESIGN.md section 5): the real wizard runs modally on the test's
+// The wizard driver (DESIGN.md section 5): the real wizard runs modally on the calling
 // thread, as in the host; a driver thread acts on it like a person, by control IDs (clicks,
 // right clicks, header clicks, typing, Next/Back/Finish/Cancel through PSM_PRESSBUTTON), and
 // a CBT hook catches every message box, reads its text and presses OK. Screenshots of the
-// pages go under the build tree.
+// pages go under the build tree. One driver for the GUI tests and for orblane.exe's demo walk
+// (library sentrel_wizard_driver, no gtest; the tests' failure handler comes from
+// sentrel_gui_support).
 #pragma once
 #include <windows.h>
 #include <commctrl.h>
@@ -94,5 +96,11 @@ private:
 // Where the screenshots go (a Windows path of the build tree); set by the test's main.
 void SetScreenshotFolder(const std::string& folder);
 std::string ScreenshotFolder();
+
+// What the driver does with a failure of its own (no wizard appeared): the GUI tests fail the
+// running test (tests/gui/support/gtest_failures.cpp), the demo walk records it; without a
+// handler it goes to stderr.
+using FailureHandler = void (*)(const std::string& what);
+void SetFailureHandler(FailureHandler handler);
 
 }  // namespace sentrel_gui
