@@ -88,7 +88,6 @@ BOOL CACLStep2::OnInitDialog() {
     m_details.SetExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES);
     m_details.InsertColumn(0, ui::LoadResString(IDS_DETAIL_HEADER), 130);
     m_details.InsertColumn(1, ui::LoadResString(IDS_COL_BLANK), 155);
-    ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
     ShowTypeLists();
     return TRUE;
 }
