@@ -138,6 +138,14 @@ void ExpectSameOnSwitch(const AclRecord& staged, const AclRecord& read) {
     EXPECT_EQ(staged[12].empty() ? "0000" : staged[12], read[12]) << "profile " << staged[0];
 }
 
+// Every staged profile is on the switch with the same cells.
+void ExpectEveryStagedOnSwitch(const AclRecordList& staged, const std::map<std::string, AclRecord>& onSwitch) {
+    for (const AclRecord& r : staged) {
+        ASSERT_TRUE(onSwitch.count(r[0])) << r[0];
+        ExpectSameOnSwitch(r, onSwitch.at(r[0]));
+    }
+}
+
 // --- ICMP: the Part 5.2 edge case, masks and addresses, Delete, staging file, apply ---------
 
 TEST_F(Ipv4PageGui, IcmpOptionsAddressesDeleteStagingFileAndApplyOnTvr4820) {
@@ -252,10 +260,7 @@ TEST_F(Ipv4PageGui, IcmpOptionsAddressesDeleteStagingFileAndApplyOnTvr4820) {
     });
     const auto onSwitch = ReadIpv4(a, "TVR4820", AclOwner::kAcl);
     ASSERT_EQ(4u, onSwitch.size());
-    for (const AclRecord& r : staged) {
-        ASSERT_TRUE(onSwitch.count(r[0])) << r[0];
-        ExpectSameOnSwitch(r, onSwitch.at(r[0]));
-    }
+    ExpectEveryStagedOnSwitch(staged, onSwitch);
     EXPECT_EQ("10.0.0.255", onSwitch.at("3")[4]);
 }
 
@@ -405,10 +410,7 @@ TEST_F(Ipv4PageGui, TcpFlagsUdpIgmpAndProtocolIdWithFiveUserFieldsOnTvr4820) {
     });
     const auto onSwitch = ReadIpv4(a, "TVR4820", AclOwner::kAcl);
     ASSERT_EQ(4u, onSwitch.size());
-    for (const AclRecord& r : staged) {
-        ASSERT_TRUE(onSwitch.count(r[0])) << r[0];
-        ExpectSameOnSwitch(r, onSwitch.at(r[0]));
-    }
+    ExpectEveryStagedOnSwitch(staged, onSwitch);
     // Part 4.3: the protocol ID mask reads back as hex with a trailing blank.
     EXPECT_EQ("12345678ABCDEF01000000FF000000000000FFFF ", onSwitch.at("13")[17]);
 }
@@ -478,10 +480,7 @@ TEST_F(Ipv4PageGui, NoProtocolOneUserFieldAndTcpCpuAclOnTvg5690) {
     });
     const auto onSwitch = ReadIpv4(a, "TVG5690", AclOwner::kCpu);
     ASSERT_EQ(4u, onSwitch.size());
-    for (const AclRecord& r : staged) {
-        ASSERT_TRUE(onSwitch.count(r[0])) << r[0];
-        ExpectSameOnSwitch(r, onSwitch.at(r[0]));
-    }
+    ExpectEveryStagedOnSwitch(staged, onSwitch);
     EXPECT_EQ("0000FFFF ", onSwitch.at("2")[17]);
 }
 
