@@ -8,9 +8,9 @@
 # With a display: opens the host window; close it to end the demo.
 # Without one (or with --headless): runs under Xvfb, saves screenshots of the host window,
 # of its plug-in menu and of the ACL wizard under <tree>/screenshots/, then the scripted
-# walk: orblane.exe --walk create-profiles creates an Ethernet profile on two simulated
-# switches through the wizard, a screenshot per page in <tree>/screenshots/walk/; the
-# script reads the profiles back from both switches with snmpwalk and fails if they are
+# walk: orblane.exe --walk create-profiles creates an Ethernet and an IPv4 profile on two
+# simulated switches through the wizard, a screenshot per page in <tree>/screenshots/walk/;
+# the script reads the profiles back from both switches with snmpwalk and fails if they are
 # not there.
 #
 # Usage: scripts/run-demo.sh [--headless] [--no-build] [--no-sim] [--walk-only]
@@ -185,7 +185,8 @@ fi
 # The scripted walk (DESIGN.md section 4): the host opens "Core" with core-sw1 selected and
 # runs the ACL command; orblane.exe --walk checks core-sw2 (the same model) beside it, picks
 # the ordinary ACL and "Create Profile", takes the first free profile ID for an Ethernet
-# profile, adds it, applies it to both switches and finishes, a screenshot per page.
+# profile, adds it and applies it to both switches, then the same with an IPv4 (TCP)
+# profile, and finishes, a screenshot per page.
 if [ -z "$sim_pid" ]; then
   if [ "$sim" = 0 ]; then
     echo "run-demo: --no-sim: no switches, so no walk; done; screenshots in $shots"
@@ -215,24 +216,27 @@ if ! grep -qx 'result ok' "$report"; then
   exit 1
 fi
 
-# The outside referee: net-snmp's snmpwalk reads the Ethernet profile table (Part 4.2) of
-# every switch the walk configured; the profile's row must be there and active (RowStatus 1).
-read -r _ ptype pid pkind < <(grep '^profile ' "$report") ||
-  { echo "run-demo: FAILED: the walk's report names no profile" >&2; exit 1; }
+# The outside referee: net-snmp's snmpwalk reads the profile table of the type (Part 4.2) on
+# every switch the walk configured; each profile's row must be there and active (RowStatus 1).
+grep -q '^profile ' "$report" || { echo "run-demo: FAILED: the walk's report names no profile" >&2; exit 1; }
 missing=0
 while read -r _ ip model; do
-  case "$model" in
-    TVR4510) entry=1.3.6.1.4.1.32473.12.9.1.1.1 ;;   # layout 1: profiles under branch 1
-    *)       entry=1.3.6.1.4.1.32473.12.9.2.1.1 ;;
-  esac
-  rows=$(snmpwalk -v1 -c public -On -t 2 -r 1 "$ip" "$entry" 2>&1 | grep -E "^\.$entry\.[0-9]+\.$pid = " || true)
-  echo "run-demo: $ip ($model), $ptype profile $pid, read back with snmpwalk:"
-  if [ -n "$rows" ]; then sed 's/^/    /' <<<"$rows"; fi
-  if ! grep -qE "^\.$entry\.8\.$pid = INTEGER: 1\$" <<<"$rows"; then
-    echo "run-demo: FAILED: $ip has no active $ptype profile $pid" >&2
-    missing=1
-  fi
+  branch=2; [ "$model" = TVR4510 ] && branch=1      # TVR4510: profiles under branch 1
+  while read -r _ ptype pid pkind; do
+    case "$ptype" in
+      Ethernet) entry=1.3.6.1.4.1.32473.12.9.$branch.1.1; status=8 ;;
+      IPv4)     entry=1.3.6.1.4.1.32473.12.9.$branch.2.1; status=19 ;;
+      *) echo "run-demo: FAILED: no table known for $ptype profiles" >&2; missing=1; continue ;;
+    esac
+    rows=$(snmpwalk -v1 -c public -On -t 2 -r 1 "$ip" "$entry" 2>&1 | grep -E "^\.$entry\.[0-9]+\.$pid = " || true)
+    echo "run-demo: $ip ($model), $pkind $ptype profile $pid, read back with snmpwalk:"
+    if [ -n "$rows" ]; then sed 's/^/    /' <<<"$rows"; fi
+    if ! grep -qE "^\.$entry\.$status\.$pid = INTEGER: 1\$" <<<"$rows"; then
+      echo "run-demo: FAILED: $ip has no active $ptype profile $pid" >&2
+      missing=1
+    fi
+  done < <(grep '^profile ' "$report")
 done < <(grep '^switch ' "$report")
 [ "$missing" = 0 ] || exit 1
-echo "run-demo: the walk created $pkind $ptype profile $pid on $(grep -c '^switch ' "$report") switches"
+echo "run-demo: the walk created $(grep '^profile ' "$report" | awk '{printf "%s%s %s %s", (NR>1?" and ":""), $4, $2, $3}') on $(grep -c '^switch ' "$report") switches"
 echo "run-demo: done; screenshots in $shots, the walk's page by page in $walk_shots"

@@ -61,15 +61,18 @@ std::string Join(const std::vector<std::string>& items) {
 }
 
 // "create-profiles": two switches of one model, ordinary ACL, "Create Profile", an Ethernet
-// profile with the first free profile ID, Apply to Switch, Finish. One function per page.
+// profile with the first free profile ID, Apply to Switch; Back to "Add profile" for an IPv4
+// (TCP) profile with the next free ID, Apply to Switch, Finish. One function per page.
 class CreateProfilesWalk {
 public:
     CreateProfilesWalk(WizardDriver& d, const WalkSettings& settings, WalkOutcome& out)
         : d(d), m_settings(settings), m_out(out) {}
 
     void Run() {
-        m_out.ok = DeviceList() && AclKind() && CreateProfileChoice() && AddProfile() && EthernetProfile() &&
-                   Confirmation() && ApplyToSwitch() && Finish();
+        m_out.ok = DeviceList() && AclKind() && CreateProfileChoice() &&
+                   AddProfile(IDC_STEP2_ETHERNET, pages::kPageEthProfile) && EthernetProfile() && Confirmation() &&
+                   ApplyToSwitch() && BackToAddProfile() && AddProfile(IDC_STEP2_IPV4, pages::kPageIPv4Profile) &&
+                   Ipv4Profile() && Confirmation() && ApplyToSwitch() && Finish();
         if (m_out.ok) Log("result ok");
     }
 
@@ -127,9 +130,10 @@ private:
         return NextTo(pages::kPageAddProfile);
     }
 
-    // Page 3: wait until the reader has listed the first switch's profiles, then Ethernet and
-    // the first free profile ID (the drop-down leaves out the IDs in use when it opens).
-    bool AddProfile() {
+    // Page 3: wait until the reader has listed the first switch's profiles, then the type (IPv4
+    // with "TCP") and the first free profile ID (the drop-down leaves out the IDs in use when
+    // it opens).
+    bool AddProfile(int typeRadio, int definitionPage) {
         if (!OnPage(pages::kPageAddProfile)) return false;
         const std::vector<std::string> devices = ComboItems(d.Control(IDC_STEP2_DEVICE));
         if (devices != m_switches) return Fail("the Device list shows " + Join(devices) + ", not the checked switches");
@@ -148,7 +152,10 @@ private:
             existing += " " + d.CellText(profiles, row, 0) + "/" + d.CellText(profiles, row, 1);
         Log("page 3: " + m_switches[0] + " has " + std::to_string(d.RowCount(profiles)) + " profile(s)" + existing +
             " (read in " + std::to_string(GetTickCount() - start) + " ms)");
-        d.ClickButton(IDC_STEP2_ETHERNET);
+        d.ClickButton(typeRadio);
+        if (typeRadio == IDC_STEP2_IPV4 && !PickComboText(IDC_STEP2_PROTOCOL, "TCP"))
+            return Fail("the protocol list offers no TCP");
+        m_pass = typeRadio == IDC_STEP2_ETHERNET ? "" : "-ipv4";
         HWND ids = d.Control(IDC_STEP2_PROFILE_ID);
         SendMessageA(ids, CB_SHOWDROPDOWN, TRUE, 0);
         d.Settle();
@@ -163,10 +170,10 @@ private:
         m_profileId = free[0];
         if (IsWindowVisible(d.Control(IDC_STEP2_PROFILE_NAME)))  // TVR4512 names its profiles
             d.TypeText(IDC_STEP2_PROFILE_NAME, "demo" + m_profileId);
-        Log("page 3: " + d.Text(IDC_STEP2_ETHERNET) + ", profile ID " + m_profileId + ", the first of " +
+        Log("page 3: " + d.Text(typeRadio) + ", profile ID " + m_profileId + ", the first of " +
             std::to_string(free.size()) + " free (" + free.front() + " to " + free.back() + ")");
-        Shot("add-profile");
-        return NextTo(pages::kPageEthProfile);
+        Shot("add-profile" + m_pass);
+        return NextTo(definitionPage);
     }
 
     // Page 7: a destination MAC mask and the Ethernet type, Add, one pending row.
@@ -186,6 +193,34 @@ private:
         return NextTo(pages::kPageApply);
     }
 
+    // Page 6 with the TCP group: "TCP" and a destination port mask, Add, one pending row.
+    bool Ipv4Profile() {
+        if (!OnPage(pages::kPageIPv4Profile)) return false;
+        d.ClickButton(IDC_IPV4_TCP);
+        d.ClickButton(IDC_IPV4_TCP_DST_PORT_CHECK);
+        d.TypeText(IDC_IPV4_TCP_DST_PORT, "FFFF");
+        d.ClickButton(IDC_IPV4_ADD);
+        if (!NoMessages()) return false;
+        HWND pending = d.Control(IDC_IPV4_LIST);
+        if (d.RowCount(pending) != 1 || d.CellText(pending, 0, 0) != m_profileId)
+            return Fail("Add did not list profile " + m_profileId);
+        Log("page 6: pending profile " + m_profileId + ", " + d.Text(IDC_IPV4_TCP) + " destination port mask " +
+            d.Text(IDC_IPV4_TCP_DST_PORT));
+        Log("profile IPv4 " + m_profileId + " ACL");
+        Shot("ipv4-profile");
+        return NextTo(pages::kPageApply);
+    }
+
+    // After an apply, Back twice: the definition page (its pending list emptied, Part 5.4),
+    // then "Add profile", whose reader reads the switch again.
+    bool BackToAddProfile() {
+        d.Back();
+        if (!OnPage(pages::kPageEthProfile)) return false;
+        m_threadsBefore = ProcessThreads();
+        d.Back();
+        return NoMessages();
+    }
+
     // Page 10 before the apply: both switches and the pending profile, its details shown.
     bool Confirmation() {
         if (!OnPage(pages::kPageApply)) return false;
@@ -197,7 +232,7 @@ private:
             return Fail("the profile list does not show profile " + m_profileId);
         d.ClickCell(profiles, 0, 0);
         Log("page 10: " + Join(listed) + ", profile " + m_profileId + " " + d.CellText(profiles, 0, 1));
-        Shot("confirmation");
+        Shot("confirmation" + m_pass);
         return true;
     }
 
@@ -222,7 +257,7 @@ private:
             // Part 5.4: "Succeed" for ordinary-ACL profiles ("Success" for CPU-ACL ones).
             all = all && (word == "Succeed" || word == "Success");
         }
-        Shot("confirmation-applied");
+        Shot("confirmation" + m_pass + "-applied");
         if (!NoMessages()) return false;
         return all || Fail("a switch did not take the profile");
     }
@@ -250,6 +285,16 @@ private:
         return d.ActiveIndex() == index ||
                Fail("Next went to page " + std::to_string(d.ActiveIndex()) + ", not " + std::to_string(index));
     }
+    // Picks a drop-down item as a user does: the selection, then the notification.
+    bool PickComboText(int id, const std::string& text) {
+        HWND combo = d.Control(id);
+        if (SendMessageA(combo, CB_SELECTSTRING, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text.c_str())) ==
+            CB_ERR)
+            return false;
+        SendMessageA(GetParent(combo), WM_COMMAND, MAKEWPARAM(id, CBN_SELCHANGE), reinterpret_cast<LPARAM>(combo));
+        d.Settle();
+        return true;
+    }
     bool NoMessages() {
         const std::vector<sentrel_gui::CaughtBox> boxes = d.TakeMessages();
         if (boxes.empty()) return true;
@@ -276,6 +321,7 @@ private:
     std::string m_caption;
     std::vector<std::string> m_switches;
     std::string m_model, m_profileId;
+    std::string m_pass;  // "" for the Ethernet pass, "-ipv4" for the IPv4 one (screenshot names)
     std::set<DWORD> m_threadsBefore;
     int m_shots = 0;
 };
