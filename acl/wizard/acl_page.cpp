@@ -1,10 +1,19 @@
 #include "acl/wizard/acl_page.h"
 
 #include "acl/wizard/acl_wizard.h"
+#include "res/resource.h"
+#include "ui/controls.h"
+#include "ui/text.h"
+#include "ui/win_handles.h"
 
 namespace acl::wizard {
 
 CACLWizard& CACLPage::Wizard() const { return *static_cast<CACLWizard*>(Sheet()); }
+
+HFONT CACLPage::GroupFont() {
+    static const ui::UniqueGdiObject font(ui::CreateGroupTitleFont(ui::LoadResString(IDS_GROUP_FONT)));
+    return static_cast<HFONT>(font.get());
+}
 
 acl::pages::NavInput CACLPage::MakeNavInput() const {
     acl::pages::NavInput in;

@@ -25,6 +25,9 @@ public:
 
 protected:
     CACLWizard& Wizard() const;
+    // Part 5.1: the bold font of the group titles ("Arial"), made on first use, kept for the
+    // process.
+    static HFONT GroupFont();
     // What the navigation table needs: the sheet's state plus this page's own choices.
     virtual acl::pages::NavInput MakeNavInput() const;
     // Carries out a jump of the table; the result is what PSN_WIZNEXT/PSN_WIZBACK return.

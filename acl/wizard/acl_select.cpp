@@ -4,16 +4,9 @@
 #include "res/resource.h"
 #include "ui/controls.h"
 #include "ui/text.h"
-#include "ui/win_handles.h"
 
 namespace acl::wizard {
 namespace {
-// Part 5.1: one bold group font per page class, made on first use, kept for the process.
-HFONT GroupFont() {
-    static const ui::UniqueGdiObject font(ui::CreateGroupTitleFont(ui::LoadResString(IDS_GROUP_FONT)));
-    return static_cast<HFONT>(font.get());
-}
-
 constexpr int kChoiceIds[4] = {IDC_SELECT_CHOICE1, IDC_SELECT_CHOICE2, IDC_SELECT_CHOICE3, IDC_SELECT_CHOICE4};
 constexpr UINT kOrdinaryTexts[4] = {IDS_CREATE_PROFILE, IDS_CREATE_RULE, IDS_MODIFY_PROFILE, IDS_MODIFY_RULE};
 constexpr UINT kCpuTexts[4] = {IDS_CREATE_CPU_PROFILE, IDS_CREATE_CPU_RULE, IDS_MODIFY_CPU_PROFILE,

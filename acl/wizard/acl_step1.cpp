@@ -4,16 +4,8 @@
 #include "res/resource.h"
 #include "ui/controls.h"
 #include "ui/text.h"
-#include "ui/win_handles.h"
 
 namespace acl::wizard {
-namespace {
-// Part 5.1: one bold group font per page class, made on first use, kept for the process.
-HFONT GroupFont() {
-    static const ui::UniqueGdiObject font(ui::CreateGroupTitleFont(ui::LoadResString(IDS_GROUP_FONT)));
-    return static_cast<HFONT>(font.get());
-}
-}  // namespace
 
 CACLStep1::CACLStep1() : CACLPage(acl::pages::kPageAclKind, IDD_ACL_STEP1, kBackNext) {}
 

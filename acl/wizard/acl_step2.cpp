@@ -5,16 +5,9 @@
 #include "res/resource.h"
 #include "ui/controls.h"
 #include "ui/text.h"
-#include "ui/win_handles.h"
 
 namespace acl::wizard {
 namespace {
-
-// Part 5.1: one bold group font per page class, made on first use, kept for the process.
-HFONT GroupFont() {
-    static const ui::UniqueGdiObject font(ui::CreateGroupTitleFont(ui::LoadResString(IDS_GROUP_FONT)));
-    return static_cast<HFONT>(font.get());
-}
 
 static_assert(IDS_DETAIL_FIRST + static_cast<int>(acl::DetailLabel::kCount) == IDS_DETAIL_HEADER,
               "one string per details label, in acl::DetailLabel's order");
@@ -24,9 +17,9 @@ constexpr COLORREF kDetailLabelRed = RGB(255, 0, 0);
 constexpr COLORREF kDetailTitleCyan = RGB(0, 255, 255);
 constexpr COLORREF kDetailValueBlack = RGB(0, 0, 0);
 
-// Part 5.2: the dialog's initial combo data.
-const char* const kFrameItems[] = {"Tagged", "UnTagged"};
-const char* const kProtocolItems[] = {"ICMP", "IGMP", "TCP", "UDP", "ProtocolID"};
+// Part 5.2: the dialog's initial combo data, in the string table in this order.
+constexpr int kFrameItems = 2;
+constexpr int kProtocolItems = 5;
 
 // Posted by a reader: one row (lParam owns a ReaderRow) and the end of a reading.
 constexpr UINT WM_ACL_READER_ROW = WM_APP + 0x31;
@@ -71,9 +64,9 @@ BOOL CACLStep2::OnInitDialog() {
     m_nProfileChoice = 1;
     CheckRadioButton(GetSafeHwnd(), IDC_STEP2_ETHERNET, IDC_STEP2_PACKET, IDC_STEP2_ETHERNET);
     ui::ComboBox frame(GetDlgItem(IDC_STEP2_FRAME));
-    for (const char* item : kFrameItems) frame.AddString(item);
+    for (int i = 0; i < kFrameItems; ++i) frame.AddString(ui::LoadResString(IDS_STEP2_FRAME_FIRST + i));
     ui::ComboBox protocol(GetDlgItem(IDC_STEP2_PROTOCOL));
-    for (const char* item : kProtocolItems) protocol.AddString(item);
+    for (int i = 0; i < kProtocolItems; ++i) protocol.AddString(ui::LoadResString(IDS_STEP2_PROTOCOL_FIRST + i));
     // Item order as given (CBS_SORT is not set). Like the framework's initial combo data,
     // nothing is selected at start: Next then gives m_nFrameOption 2 (not "UnTagged").
     SendMessageA(GetDlgItem(IDC_STEP2_PROFILE_NAME), EM_LIMITTEXT, 32, 0);
@@ -94,6 +87,7 @@ BOOL CACLStep2::OnInitDialog() {
 
 BOOL CACLStep2::OnSetActive() {
     CACLPage::OnSetActive();  // Back and Next
+    m_bActive = true;
     CACLWizard& wizard = Wizard();
     m_nACLKind = wizard.m_nACLKind;
     const bool cpu = m_nACLKind != 1;
@@ -148,6 +142,13 @@ void CACLStep2::ApplyModelTable() {
     m_nProfileIds = row.nProfileIds;
     EnableWindow(GetDlgItem(IDC_STEP2_PACKET), row.bPacketEnabled);
     EnableWindow(GetDlgItem(IDC_STEP2_IPV6), row.bIPv6Enabled);
+    // A type chosen for an earlier device or kind that this one does not offer gives way to
+    // Ethernet, so Next never opens the page of a disabled type.
+    if (known && !IsWindowEnabled(GetDlgItem(IDC_STEP2_ETHERNET + m_nProfileChoice - 1))) {
+        m_nProfileChoice = 1;
+        CheckRadioButton(GetSafeHwnd(), IDC_STEP2_ETHERNET, IDC_STEP2_PACKET, IDC_STEP2_ETHERNET);
+        ShowTypeLists();
+    }
     const int show = row.bProfileNameShown ? SW_SHOW : SW_HIDE;
     ShowWindow(GetDlgItem(IDC_STEP2_NAME_LABEL), show);
     ShowWindow(GetDlgItem(IDC_STEP2_PROFILE_NAME), show);
@@ -165,7 +166,16 @@ void CACLStep2::StartReader() {
     m_profileList.DeleteAllItems();
     if (LookupSupportedModel(m_device.typeText) == nullptr) return;  // Part 5.2: no reader
     const size_t k = m_nACLKind == 1 ? 0 : 1;
-    if (IsReaderRunning(static_cast<int>(k + 1))) return;  // it keeps filling the lists
+    if (IsReaderRunning(static_cast<int>(k + 1))) {
+        // Part 5.2 starts no second reader of a kind. Left to the implementer: the running one
+        // was asked to stop (the page was left) or reads another device, so rather than let it
+        // half fill the emptied lists, its rows are dropped and a fresh reader of the current
+        // device starts when it ends (still one reader per kind at a time).
+        m_readerJob[k]->stop = true;
+        m_nShownSerial[k] = 0;
+        m_bRestartReader[k] = true;
+        return;
+    }
     if (m_hReader[k]) {
         CloseHandle(m_hReader[k]);
         m_hReader[k] = nullptr;
@@ -182,7 +192,19 @@ void CACLStep2::StartReader() {
         delete param;
         return;
     }
+    m_nShownSerial[k] = job->nSerial;
     m_readerJob[k] = std::move(job);
+}
+
+// A reader ended: the fresh reader that StartReader put off starts now, if the page still
+// shows that kind.
+void CACLStep2::OnReaderDone(unsigned nSerial) {
+    for (size_t k = 0; k < 2; ++k) {
+        if (!m_readerJob[k] || m_readerJob[k]->nSerial != nSerial || !m_bRestartReader[k]) continue;
+        m_bRestartReader[k] = false;
+        WaitForSingleObject(m_hReader[k], 1000);  // its last act was to post this message
+        if (m_bActive && m_nACLKind == static_cast<long>(k + 1)) StartReader();
+    }
 }
 
 bool CACLStep2::IsReaderRunning(int nACLKind) const {
@@ -206,6 +228,7 @@ void CACLStep2::StopReaders(DWORD waitMs) {
 }
 
 BOOL CACLStep2::OnKillActive() {
+    m_bActive = false;
     StopReaders(0);  // the page is left: the reader stops at its next answer
     return TRUE;
 }
@@ -227,6 +250,7 @@ BOOL CACLStep2::OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResu
         return TRUE;
     }
     if (msg == WM_ACL_READER_DONE) {
+        OnReaderDone(static_cast<unsigned>(wParam));
         *pResult = 0;
         return TRUE;
     }
@@ -239,7 +263,7 @@ BOOL CACLStep2::OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResu
 void CACLStep2::OnReaderRow(WPARAM, LPARAM lParam) {
     std::unique_ptr<ReaderRow> row(reinterpret_cast<ReaderRow*>(lParam));
     const size_t k = m_nACLKind == 1 ? 0 : 1;
-    if (!row || !m_readerJob[k] || row->nSerial != m_readerJob[k]->nSerial) return;
+    if (!row || row->nSerial != m_nShownSerial[k]) return;
     m_aTables[static_cast<size_t>(row->type)].push_back(row->record);
     const int index = m_profileList.InsertItem(m_profileList.GetItemCount(), row->line.profileId);
     m_profileList.SetItemText(index, 1, row->line.typeWord);

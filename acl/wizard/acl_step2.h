@@ -55,6 +55,7 @@ private:
     void StartReader();
     void StopReaders(DWORD waitMs);
     void OnReaderRow(WPARAM wParam, LPARAM lParam);
+    void OnReaderDone(unsigned nSerial);
     void RemoveUsedProfileIds();
     void ShowDetails(int row);
 
@@ -70,7 +71,10 @@ private:
     // One reader per ACL kind (index kind - 1): its thread handle and shared job.
     std::array<HANDLE, 2> m_hReader{};
     std::array<std::shared_ptr<ReaderJob>, 2> m_readerJob{};
-    unsigned m_nSerial = 0;    // of the reader whose rows the lists show
+    unsigned m_nSerial = 0;    // of the last reader started
+    std::array<unsigned, 2> m_nShownSerial{};  // per kind: the reader whose rows the lists show
+    std::array<bool, 2> m_bRestartReader{};    // per kind: start afresh when the running one ends
+    bool m_bActive = false;
 };
 
 }  // namespace acl::wizard

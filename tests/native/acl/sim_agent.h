@@ -6,6 +6,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -95,7 +96,11 @@ class SimAgent {
         std::lock_guard<std::mutex> lock(handleMutex_);
         answer = switch_->Handle(buf.data(), n);
       }
-      if (answer) socket_.SendTo(from, answer->data(), answer->size());
+      if (!answer) continue;
+      // The delay fault: one client at a time here, so the agent may simply wait.
+      if (const int ms = switch_->answerDelayMs(); ms > 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+      socket_.SendTo(from, answer->data(), answer->size());
     }
   }
 
