@@ -35,6 +35,11 @@ struct StagingFile {
 std::optional<StagingFile> StagingFileFor(const ModelEntry& model, AclOwner owner, AclKind kind,
                                           AclType type);
 
+// Part 4.5's profile file of a type whatever a model offers (the Confirmation Page reads all
+// four, Part 5.4): packet content in the chunk form on the models whose ordinary ACL uses
+// Chunks4, with the ordinary ACL, and in the offset (Block16) form in all other cases.
+StagingFile ProfileStagingFile(const ModelEntry& model, AclOwner owner, AclType type);
+
 // Part 4.5 value: every cell (exactly cellCount, missing ones empty) followed by "?".
 std::string JoinStagingRecord(const AclRecord& record, size_t cellCount);
 // Part 4.5 reading: split at "?", exactly cellCount cells, missing cells empty.

@@ -8,16 +8,8 @@ std::optional<StagingFile> StagingFileFor(const ModelEntry& model, AclOwner owne
   const size_t cells = RecordCellCount(RecordKindFor(model, owner, kind, type));
   if (cells == 0) return std::nullopt;
   const bool cpu = owner == AclOwner::kCpu;
+  if (kind == AclKind::kProfiles) return ProfileStagingFile(model, owner, type);
   // Part 4.5 table: file name and read buffer.
-  if (kind == AclKind::kProfiles) {
-    switch (type) {
-      case AclType::kEthernet: return StagingFile{kStagingEthernet, cells, 80};
-      case AclType::kIPv4: return StagingFile{kStagingIpv4, cells, 120};
-      case AclType::kIPv6: return StagingFile{kStagingIpv6, cells, 80};
-      case AclType::kPacketContent: return StagingFile{kStagingPacket, cells, 180};
-    }
-    return std::nullopt;
-  }
   switch (type) {
     case AclType::kEthernet: return StagingFile{cpu ? kStagingCpuEthRule : kStagingEthRule, cells, 80};
     case AclType::kIPv4: return StagingFile{cpu ? kStagingCpuIpv4Rule : kStagingIpv4Rule, cells, cpu ? 80u : 160u};
@@ -25,6 +17,23 @@ std::optional<StagingFile> StagingFileFor(const ModelEntry& model, AclOwner owne
     case AclType::kPacketContent: return StagingFile{kStagingPacketRule, cells, cpu ? 180u : 160u};
   }
   return std::nullopt;
+}
+
+StagingFile ProfileStagingFile(const ModelEntry& model, AclOwner owner, AclType type) {
+  AclRecordKind k{owner, AclKind::kProfiles, type, PacketShape::kNone};
+  if (type == AclType::kPacketContent)
+    k.shape = RecordKindFor(model, owner, AclKind::kProfiles, type).shape == PacketShape::kChunks4
+                  ? PacketShape::kChunks4
+                  : PacketShape::kBlock16;
+  const size_t cells = RecordCellCount(k);
+  // Part 4.5 table: file name and read buffer.
+  switch (type) {
+    case AclType::kEthernet: return StagingFile{kStagingEthernet, cells, 80};
+    case AclType::kIPv4: return StagingFile{kStagingIpv4, cells, 120};
+    case AclType::kIPv6: return StagingFile{kStagingIpv6, cells, 80};
+    case AclType::kPacketContent: break;
+  }
+  return StagingFile{kStagingPacket, cells, 180};
 }
 
 std::string JoinStagingRecord(const AclRecord& record, size_t cellCount) {

@@ -8,16 +8,9 @@
 #include "res/resource.h"
 #include "ui/controls.h"
 #include "ui/text.h"
-#include "ui/win_handles.h"
 
 namespace acl::wizard {
 namespace {
-
-// Part 5.1: one bold group font per page class, made on first use, kept for the process.
-HFONT GroupFont() {
-    static const ui::UniqueGdiObject font(ui::CreateGroupTitleFont(ui::LoadResString(IDS_GROUP_FONT)));
-    return static_cast<HFONT>(font.get());
-}
 
 constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent};
 
@@ -75,16 +68,16 @@ BOOL CACLApply::OnSetActive() {
         const int row = m_switchList.InsertItem(static_cast<int>(i), t.strIP);
         m_switchList.SetItemText(row, 1, t.strDeviceType);
     }
-    // The profile staging files, in the shape of the model and owner (Part 4.5); a missing
-    // file gives an empty list.
+    // Step 4: all four profile staging files (Part 4.5), whatever the model offers: a type it
+    // does not offer is listed but not sent (Part 5.4's table). A missing file gives an empty
+    // list.
     const ModelEntry* model = wizard.m_nTargetCount > 0 ? LookupModel(wizard.m_aTargets[0].strDeviceType) : nullptr;
     for (AclType type : kTypes) {
         AclRecordList& list = m_lists[static_cast<size_t>(type)];
         list.clear();
         if (model == nullptr) continue;
-        const auto file = StagingFileFor(*model, owner, AclKind::kProfiles, type);
-        if (!file) continue;
-        list = ReadStagingFile(file->name, file->cellCount, file->bufferSize);
+        const StagingFile file = ProfileStagingFile(*model, owner, type);
+        list = ReadStagingFile(file.name, file.cellCount, file.bufferSize);
         for (size_t i = 0; i < list.size(); ++i) {
             const AclRecord& r = list[i];
             const int row = m_profileList.InsertItem(m_profileList.GetItemCount(), r.empty() ? "" : r[0]);

@@ -473,7 +473,7 @@ TEST_F(Ipv6PacketPageGui, LayoutByModelAndAclKind) {
 
 // TVG5470 with the ordinary ACL has no packet-content profiles: the radio is disabled; a
 // pending packet-content profile left in "\ACPacket.ini" (as an earlier page would have) is
-// not sent, while an IPv6 profile made on the IPv6 page is.
+// listed on the Confirmation Page but not sent, while an IPv6 profile made on the IPv6 page is.
 TEST_F(Ipv6PacketPageGui, Tvg5470SendsTheIpv6ProfileButNoPacketContent) {
     SimAgent a(20, "TVG5470");
     ASSERT_TRUE(a.ok()) << a.error();
@@ -490,9 +490,12 @@ TEST_F(Ipv6PacketPageGui, Tvg5470SendsTheIpv6ProfileButNoPacketContent) {
         ASSERT_EQ(1, d.RowCount(d.Control(IDC_IPV6_LIST)));
         d.Next();
         ASSERT_EQ(10, d.ActiveIndex());
+        // Part 5.4 step 4 lists every pending profile of the four files; the model's sequences
+        // then send only the types it has.
         HWND profiles = d.Control(IDC_APPLY_PROFILE_LIST);
-        ASSERT_EQ(1, d.RowCount(profiles));
+        ASSERT_EQ(2, d.RowCount(profiles));
         EXPECT_EQ("IPv6", d.CellText(profiles, 0, 1));
+        EXPECT_EQ("Packet Content", d.CellText(profiles, 1, 1));
         EXPECT_EQ("Succeed", Apply(d));
     });
     snmp::Oid ipv6Table, blockTable, chunkTable;

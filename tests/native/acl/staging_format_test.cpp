@@ -62,3 +62,19 @@ TEST(AclStagingFormat, FilesCellCountsAndBuffersOfPart45) {
   }
   EXPECT_FALSE(StagingFileFor(M("TVG5470"), AclOwner::kAcl, AclKind::kProfiles, AclType::kPacketContent));
 }
+
+// Part 5.4, step 4: the Confirmation Page reads all four profile files whatever the model
+// offers; packet content in the chunk form on the chunk models with the ordinary ACL, else in
+// the offset form.
+TEST(Staging, ProfileFilesForTheConfirmationPageWhateverTheModelOffers) {
+  const StagingFile packet = ProfileStagingFile(M("TVG5470"), AclOwner::kAcl, AclType::kPacketContent);
+  EXPECT_STREQ("\\ACPacket.ini", packet.name);
+  EXPECT_EQ(7u, packet.cellCount) << "TVG5470 offers none: offset form";
+  EXPECT_EQ(180u, packet.bufferSize);
+  EXPECT_EQ(15u, ProfileStagingFile(M("TVG5690"), AclOwner::kAcl, AclType::kPacketContent).cellCount);
+  EXPECT_EQ(7u, ProfileStagingFile(M("TVG5690"), AclOwner::kCpu, AclType::kPacketContent).cellCount);
+  const StagingFile ipv6 = ProfileStagingFile(M("TVR4510"), AclOwner::kAcl, AclType::kIPv6);
+  EXPECT_STREQ("\\ACLIpv6.ini", ipv6.name);
+  EXPECT_EQ(9u, ipv6.cellCount);
+  EXPECT_EQ(22u, ProfileStagingFile(M("TVR4060"), AclOwner::kCpu, AclType::kIPv4).cellCount);
+}
