@@ -169,6 +169,10 @@
 #define IDS_COL_PROFILE_DETAILS      473   // also the "Add profile" details list (Part 5.2)
 #define IDS_COL_BLANK                474
 
+// Part 5.2: "Add profile"'s initial combo data: the frame list, then the protocol list.
+#define IDS_STEP2_FRAME_FIRST        476   // 476-477: "Tagged", "UnTagged"
+#define IDS_STEP2_PROTOCOL_FIRST     478   // 478-482: "ICMP", "IGMP", "TCP", "UDP", "ProtocolID"
+
 // Ranges kept for the pages of Part 5.2 and 5.4: strings 370-399 IPv4 page, 400-429 IPv6 and
 // packet pages, 430-469 "Add profile" details, 475-489 Confirmation Page; controls 1100-1159
 // IPv4 page, 1160-1219 IPv6 and packet pages, 1220-1239 "Add profile".

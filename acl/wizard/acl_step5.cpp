@@ -135,10 +135,7 @@ void CACLStep5::ClearFields() {
 
 // Part 5.2: each mask check box enables its field; "ICMP" enables "ICMP Type" and "ICMP Code";
 // "IGMP" enables "IGMP Type"; "TCP Flag Bits" enables "Check All" and the six flags; "User
-// Define(0-FFFFFFFF)" enables the user-defined fields. Left to the implementer: in the same way
-// "TCP" and "UDP" enable their group's masks and flag bits, and "Protocol ID Mask(0-255)" its
-// value and "User Define(0-FFFFFFFF)", so that no option can be set for a protocol the profile
-// does not match on (Add reads them only under their protocol's check box).
+// Define(0-FFFFFFFF)" enables the user-defined fields.
 void CACLStep5::UpdateEnabling() {
     auto enable = [this](int id, bool on) { EnableWindow(GetDlgItem(id), on ? TRUE : FALSE); };
     enable(IDC_IPV4_SRC_IP, Checked(IDC_IPV4_SRC_IP_CHECK));
@@ -146,24 +143,15 @@ void CACLStep5::UpdateEnabling() {
     enable(IDC_IPV4_ICMP_TYPE, Checked(IDC_IPV4_ICMP));
     enable(IDC_IPV4_ICMP_CODE, Checked(IDC_IPV4_ICMP));
     enable(IDC_IPV4_IGMP_TYPE, Checked(IDC_IPV4_IGMP));
-    const bool tcp = Checked(IDC_IPV4_TCP);
-    enable(IDC_IPV4_TCP_SRC_PORT_CHECK, tcp);
-    enable(IDC_IPV4_TCP_SRC_PORT, tcp && Checked(IDC_IPV4_TCP_SRC_PORT_CHECK));
-    enable(IDC_IPV4_TCP_DST_PORT_CHECK, tcp);
-    enable(IDC_IPV4_TCP_DST_PORT, tcp && Checked(IDC_IPV4_TCP_DST_PORT_CHECK));
-    enable(IDC_IPV4_TCP_FLAG_BITS, tcp);
-    const bool flags = tcp && Checked(IDC_IPV4_TCP_FLAG_BITS);
+    enable(IDC_IPV4_TCP_SRC_PORT, Checked(IDC_IPV4_TCP_SRC_PORT_CHECK));
+    enable(IDC_IPV4_TCP_DST_PORT, Checked(IDC_IPV4_TCP_DST_PORT_CHECK));
+    const bool flags = Checked(IDC_IPV4_TCP_FLAG_BITS);
     enable(IDC_IPV4_TCP_CHECK_ALL, flags);
     for (int id : kFlags) enable(id, flags);
-    const bool udp = Checked(IDC_IPV4_UDP);
-    enable(IDC_IPV4_UDP_SRC_PORT_CHECK, udp);
-    enable(IDC_IPV4_UDP_SRC_PORT, udp && Checked(IDC_IPV4_UDP_SRC_PORT_CHECK));
-    enable(IDC_IPV4_UDP_DST_PORT_CHECK, udp);
-    enable(IDC_IPV4_UDP_DST_PORT, udp && Checked(IDC_IPV4_UDP_DST_PORT_CHECK));
-    const bool protocolId = Checked(IDC_IPV4_PROTO_ID_CHECK);
-    enable(IDC_IPV4_PROTO_ID, protocolId);
-    enable(IDC_IPV4_USER_DEFINE, protocolId);
-    for (int id : kUserEdits) enable(id, protocolId && Checked(IDC_IPV4_USER_DEFINE));
+    enable(IDC_IPV4_UDP_SRC_PORT, Checked(IDC_IPV4_UDP_SRC_PORT_CHECK));
+    enable(IDC_IPV4_UDP_DST_PORT, Checked(IDC_IPV4_UDP_DST_PORT_CHECK));
+    enable(IDC_IPV4_PROTO_ID, Checked(IDC_IPV4_PROTO_ID_CHECK));
+    for (int id : kUserEdits) enable(id, Checked(IDC_IPV4_USER_DEFINE));
 }
 
 // Part 5.2: checking a flag adds its weight, unchecking subtracts it. "Check All" shows whether
@@ -257,34 +245,30 @@ ProfileFields CACLStep5::ReadFields() const {
         f.protocolChecked = Checked(IDC_IPV4_IGMP);
         f.typeChecked = Checked(IDC_IPV4_IGMP_TYPE);
         break;
-    case 5:
+    case 5:  // Part 5.2: the port masks and flag bits go to their cells whether "TCP" is checked
         f.protocolChecked = Checked(IDC_IPV4_TCP);
-        if (f.protocolChecked) {
-            f.srcPortMask = mask(IDC_IPV4_TCP_SRC_PORT_CHECK, IDC_IPV4_TCP_SRC_PORT);
-            f.dstPortMask = mask(IDC_IPV4_TCP_DST_PORT_CHECK, IDC_IPV4_TCP_DST_PORT);
-            f.flagBitsChecked = Checked(IDC_IPV4_TCP_FLAG_BITS);
-            f.flagValue = m_nFlagValue;
-        }
+        f.srcPortMask = mask(IDC_IPV4_TCP_SRC_PORT_CHECK, IDC_IPV4_TCP_SRC_PORT);
+        f.dstPortMask = mask(IDC_IPV4_TCP_DST_PORT_CHECK, IDC_IPV4_TCP_DST_PORT);
+        f.flagBitsChecked = Checked(IDC_IPV4_TCP_FLAG_BITS);
+        f.flagValue = m_nFlagValue;
         break;
     case 6:
         f.protocolChecked = Checked(IDC_IPV4_UDP);
-        if (f.protocolChecked) {
-            f.srcPortMask = mask(IDC_IPV4_UDP_SRC_PORT_CHECK, IDC_IPV4_UDP_SRC_PORT);
-            f.dstPortMask = mask(IDC_IPV4_UDP_DST_PORT_CHECK, IDC_IPV4_UDP_DST_PORT);
-        }
+        f.srcPortMask = mask(IDC_IPV4_UDP_SRC_PORT_CHECK, IDC_IPV4_UDP_SRC_PORT);
+        f.dstPortMask = mask(IDC_IPV4_UDP_DST_PORT_CHECK, IDC_IPV4_UDP_DST_PORT);
         break;
-    case 7:
+    case 7: {
         f.protocolChecked = Checked(IDC_IPV4_PROTO_ID_CHECK);
-        if (f.protocolChecked) {
-            // Left to the implementer: an empty protocol ID counts as 0, like an empty mask.
-            const std::string id = ui::GetWindowTextString(GetDlgItem(IDC_IPV4_PROTO_ID));
-            f.protocolId = id.empty() ? std::string(1, '0') : id;
-            f.userMaskChecked = Checked(IDC_IPV4_USER_DEFINE);
-            if (f.userMaskChecked)
-                for (int i = 0; i < UserFieldCount(); ++i)
-                    f.userMask += PadHex(ui::GetWindowTextString(GetDlgItem(kUserEdits[i])), 8);
-        }
+        // Left to the implementer: an empty protocol ID counts as 0, like an empty mask.
+        const std::string id = ui::GetWindowTextString(GetDlgItem(IDC_IPV4_PROTO_ID));
+        f.protocolId = id.empty() ? std::string(1, '0') : id;
+        // Part 5.2: "User Define(0-FFFFFFFF)" checked gives "ProtolIDMask" on its own.
+        f.userMaskChecked = Checked(IDC_IPV4_USER_DEFINE);
+        if (f.userMaskChecked)
+            for (int i = 0; i < UserFieldCount(); ++i)
+                f.userMask += PadHex(ui::GetWindowTextString(GetDlgItem(kUserEdits[i])), 8);
         break;
+    }
     default: break;
     }
     return f;

@@ -276,10 +276,10 @@ TEST_F(Ipv4PageGui, TcpFlagsUdpIgmpAndProtocolIdWithFiveUserFieldsOnTvr4820) {
         EXPECT_EQ(std::vector<std::string>{"TCP"}, ShownGroups(d));
         EXPECT_FALSE(Visible(d, IDC_IPV4_ICMP));
         EXPECT_FALSE(Visible(d, IDC_IPV4_UDP));
-        // "TCP" enables its masks' check boxes and "TCP Flag Bits"; each mask check box its
-        // edit; "TCP Flag Bits" enables "Check All" and the six flags.
-        EXPECT_FALSE(Enabled(d, IDC_IPV4_TCP_SRC_PORT_CHECK));
-        EXPECT_FALSE(Enabled(d, IDC_IPV4_TCP_FLAG_BITS));
+        // Each mask check box enables its edit; "TCP Flag Bits" enables "Check All" and the six
+        // flags (Part 5.2); the check boxes themselves are always enabled.
+        EXPECT_TRUE(Enabled(d, IDC_IPV4_TCP_SRC_PORT_CHECK));
+        EXPECT_TRUE(Enabled(d, IDC_IPV4_TCP_FLAG_BITS));
         d.ClickButton(IDC_IPV4_TCP);
         EXPECT_TRUE(Enabled(d, IDC_IPV4_TCP_SRC_PORT_CHECK));
         EXPECT_TRUE(Enabled(d, IDC_IPV4_TCP_DST_PORT_CHECK));
@@ -344,7 +344,8 @@ TEST_F(Ipv4PageGui, TcpFlagsUdpIgmpAndProtocolIdWithFiveUserFieldsOnTvr4820) {
         EXPECT_EQ(6, m_wizard->m_nFrameOption);
         EXPECT_EQ(std::vector<std::string>{"UDP"}, ShownGroups(d));
         EXPECT_FALSE(Visible(d, IDC_IPV4_TCP_FLAG_BITS));
-        EXPECT_FALSE(Enabled(d, IDC_IPV4_UDP_DST_PORT_CHECK));
+        EXPECT_TRUE(Enabled(d, IDC_IPV4_UDP_DST_PORT_CHECK));
+        EXPECT_FALSE(Enabled(d, IDC_IPV4_UDP_DST_PORT));
         d.ClickButton(IDC_IPV4_UDP);
         d.ClickButton(IDC_IPV4_UDP_DST_PORT_CHECK);
         EXPECT_TRUE(Enabled(d, IDC_IPV4_UDP_DST_PORT));
@@ -378,7 +379,7 @@ TEST_F(Ipv4PageGui, TcpFlagsUdpIgmpAndProtocolIdWithFiveUserFieldsOnTvr4820) {
         EXPECT_EQ(std::vector<std::string>{"Protocol ID"}, ShownGroups(d));
         EXPECT_EQ(5, VisibleUserFields(d));
         EXPECT_FALSE(Enabled(d, IDC_IPV4_PROTO_ID));
-        EXPECT_FALSE(Enabled(d, IDC_IPV4_USER_DEFINE));
+        EXPECT_TRUE(Enabled(d, IDC_IPV4_USER_DEFINE));
         d.ClickButton(IDC_IPV4_PROTO_ID_CHECK);
         EXPECT_TRUE(Enabled(d, IDC_IPV4_PROTO_ID));
         EXPECT_TRUE(Enabled(d, IDC_IPV4_USER_DEFINE));
@@ -459,6 +460,14 @@ TEST_F(Ipv4PageGui, NoProtocolOneUserFieldAndTcpCpuAclOnTvg5690) {
         EXPECT_EQ("1", row[6]);
         EXPECT_EQ("2", row[15]);
         EXPECT_EQ("", row[17]);
+        // "User Define(0-FFFFFFFF)" checked on its own still gives "ProtolIDMask" (Part 5.2).
+        Again(d, "ProtocolID", "5");
+        d.ClickButton(IDC_IPV4_USER_DEFINE);
+        d.TypeText(IDC_IPV4_USER_MASK1, "ff");
+        row = AddAndTake(d, false);
+        EXPECT_EQ("1", row[6]);
+        EXPECT_EQ("2", row[15]);
+        EXPECT_EQ("000000FF", row[17]);
         // TCP with a short source mask and all flags.
         Again(d, "TCP", "4");
         d.ClickButton(IDC_IPV4_TCP);
@@ -474,12 +483,12 @@ TEST_F(Ipv4PageGui, NoProtocolOneUserFieldAndTcpCpuAclOnTvg5690) {
         ASSERT_EQ(10, d.ActiveIndex());
         EXPECT_EQ(2, m_wizard->m_nProfileType);
         staged = ReadStagingFile(kStagingIpv4, 22, 120);
-        ASSERT_EQ(4u, staged.size());
+        ASSERT_EQ(5u, staged.size());
         EXPECT_EQ("CPU ACL", d.CellText(d.Control(IDC_APPLY_PROFILE_LIST), 0, 2));
         EXPECT_EQ("Success", Apply(d)) << "CPU-ACL profiles";
     });
     const auto onSwitch = ReadIpv4(a, "TVG5690", AclOwner::kCpu);
-    ASSERT_EQ(4u, onSwitch.size());
+    ASSERT_EQ(5u, onSwitch.size());
     ExpectEveryStagedOnSwitch(staged, onSwitch);
     EXPECT_EQ("0000FFFF ", onSwitch.at("2")[17]);
 }
