@@ -127,6 +127,9 @@ TEST_F(AddProfileGui, FrameOptionFollowsTheListsAndTcpThenEthernetKeepsFive) {
         d.Next();
         ASSERT_EQ(7, d.ActiveIndex());
         EXPECT_EQ(5, m_wizard->m_nFrameOption) << "Part 5.2 edge case: the protocol list still shows TCP";
+        // ... so the Ethernet page leaves "VLAN" and "802.1P" as the untagged pass set them.
+        EXPECT_FALSE(IsWindowEnabled(d.Control(IDC_ETH_VLAN)));
+        EXPECT_FALSE(IsWindowEnabled(d.Control(IDC_ETH_8021P)));
         EXPECT_EQ("7", m_wizard->m_strProfileID);
     });
 }
@@ -437,20 +440,25 @@ TEST_F(AddProfileGui, ApplyFirstSwitchSilentSecondSucceedsThenListsAreEmpty) {
     EXPECT_TRUE(HasProfile(b, "TVR4820", AclOwner::kAcl, "6")) << "read back from the second switch";
 }
 
+// Part 5.4 edge case for the CPU ACL (first switch silent, the next still configured, reading
+// "Success"), and a switch refusing the record: "Fail" and no closing request.
 TEST_F(AddProfileGui, CpuApplyWordsSuccessAndFailWithoutClosingRequest) {
     sim::Faults refuse;
     refuse.refuseSets = {1};
-    SimAgent a(10, "TVG5690"), b(11, "TVG5690", refuse);
-    ASSERT_TRUE(a.ok() && b.ok()) << a.error() << b.error();
-    Wizard({{a.address(), "TVG5690"}, {b.address(), "TVG5690"}}, 2, [&](WizardDriver& d) {
+    sim::Faults silent;
+    silent.silent = true;
+    SimAgent s(15, "TVG5690", silent), a(10, "TVG5690"), b(11, "TVG5690", refuse);
+    ASSERT_TRUE(s.ok() && a.ok() && b.ok()) << s.error() << a.error() << b.error();
+    Wizard({{s.address(), "TVG5690"}, {a.address(), "TVG5690"}, {b.address(), "TVG5690"}}, 2, [&](WizardDriver& d) {
         ASSERT_EQ(3, d.ActiveIndex());
         AddOneEthernetProfile(d, "2");
         HWND switches = d.Control(IDC_APPLY_SWITCH_LIST);
         EXPECT_EQ("CPU ACL", d.CellText(d.Control(IDC_APPLY_PROFILE_LIST), 0, 2));
         d.ClickButton(IDC_APPLY_APPLY);
-        ASSERT_TRUE(d.WaitFor([&] { return !d.CellText(switches, 1, 2).empty(); }, 15000));
-        EXPECT_EQ("Success", d.CellText(switches, 0, 2)) << "CPU-ACL profiles";
-        EXPECT_EQ("Fail", d.CellText(switches, 1, 2)) << "the switch refused the record";
+        ASSERT_TRUE(d.WaitFor([&] { return !d.CellText(switches, 2, 2).empty(); }, 20000));
+        EXPECT_EQ("Fail", d.CellText(switches, 0, 2)) << "silent: the record failed";
+        EXPECT_EQ("Success", d.CellText(switches, 1, 2)) << "CPU-ACL profiles";
+        EXPECT_EQ("Fail", d.CellText(switches, 2, 2)) << "the switch refused the record";
         // "Configure Next Device" returns to page 0.
         d.ClickButton(IDC_APPLY_NEXT_DEVICE);
         EXPECT_EQ(0, d.ActiveIndex());
