@@ -2,13 +2,13 @@
 
 #include <cctype>
 
-namespace {
-
 std::string_view TrimBlanks(std::string_view s) {
   while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
   while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
   return s;
 }
+
+namespace {
 
 std::string TrimUpper(std::string_view text) {
   std::string s(TrimBlanks(text));
@@ -160,6 +160,22 @@ bool ValidateHex(std::string_view text) {
   for (char c : TrimUpper(text))
     if (!IsUpperHex(c)) return false;
   return true;
+}
+
+bool ValidateHexWidth(std::string_view text, size_t digits) {
+  return TrimBlanks(text).size() == digits && ValidateHex(text);
+}
+
+bool ValidateChunkOffset(std::string_view text) {
+  const std::string_view t = TrimBlanks(text);
+  if (t.empty() || t.size() > 2 || !ValidateDigits(t)) return false;
+  return std::stoi(std::string(t)) <= 31;
+}
+
+std::string PadHex(std::string_view text, size_t width) {
+  std::string s(text);
+  if (s.size() < width) s.insert(0, width - s.size(), '0');
+  return s;
 }
 
 bool ValidateDigits(std::string_view text) {

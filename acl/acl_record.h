@@ -65,6 +65,18 @@ bool ValidateDigits(std::string_view text);     // trim, upper-case, every char 
 bool ValidatePortList(std::string_view text, int portCount);  // Part 4.1 port-list rule
 // Trimmed (blanks at both ends) and upper-cased, as the MAC rule stores it.
 std::string NormalizeMac(std::string_view text);
+// Blanks (space, tab) removed at both ends.
+std::string_view TrimBlanks(std::string_view text);
+
+// Checks of the definition pages' fields that the spec leaves unchecked (Part 5.2, left to the
+// implementer): a mask of a fixed width must have exactly that many hex digits (blanks at the
+// ends ignored, any case), since a shorter one would be sent padded with bytes nobody typed;
+// a chunk offset is a decimal number 0 to 31 (its label's range).
+bool ValidateHexWidth(std::string_view text, size_t digits);
+bool ValidateChunkOffset(std::string_view text);
+// A numeric hex mask (a port or user-defined mask) padded with leading zeros to its width, so
+// "FF" means 0x00FF and not the bytes FF 00 (Part 4.2 takes bytes from the first digit).
+std::string PadHex(std::string_view text, size_t width);
 
 // The fields of a rule dialog (Part 5.3) as texts, plus the check boxes that decide cells.
 struct RuleFields {

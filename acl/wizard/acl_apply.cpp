@@ -168,12 +168,7 @@ BOOL CACLApply::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
         return TRUE;
     }
     if (hdr->hwndFrom == m_profileList.GetSafeHwnd() && hdr->code == LVN_COLUMNCLICK) {
-        const int column = reinterpret_cast<const NMLISTVIEW*>(hdr)->iSubItem;
-        const bool ascending = m_sort.Click(column);
-        m_profileList.SortRows(
-            column,
-            [column](const std::string& a, const std::string& b) { return acl::pages::CompareProfileColumn(column, a, b); },
-            ascending);
+        SortProfileList(m_profileList, m_sort, reinterpret_cast<const NMLISTVIEW*>(hdr)->iSubItem);
         *pResult = 0;
         return TRUE;
     }

@@ -15,6 +15,14 @@ HFONT CACLPage::GroupFont() {
     return static_cast<HFONT>(font.get());
 }
 
+void CACLPage::SortProfileList(controls::CXListCtrl& list, acl::pages::SortToggle& sort, int column) {
+    const bool ascending = sort.Click(column);
+    list.SortRows(
+        column,
+        [column](const std::string& a, const std::string& b) { return acl::pages::CompareProfileColumn(column, a, b); },
+        ascending);
+}
+
 acl::pages::NavInput CACLPage::MakeNavInput() const {
     acl::pages::NavInput in;
     in.nProfileType = Wizard().m_nProfileType;

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include "acl/page_logic.h"
+#include "controls/xlist_ctrl.h"
 #include "ui/wizard.h"
 
 namespace acl::wizard {
@@ -28,6 +29,9 @@ protected:
     // Part 5.1: the bold font of the group titles ("Arial"), made on first use, kept for the
     // process.
     static HFONT GroupFont();
+    // Parts 5.2, 5.4: a click on a profile list's header sorts by that column (column 0 as
+    // numbers, the others as strings), the direction toggling.
+    static void SortProfileList(controls::CXListCtrl& list, acl::pages::SortToggle& sort, int column);
     // What the navigation table needs: the sheet's state plus this page's own choices.
     virtual acl::pages::NavInput MakeNavInput() const;
     // Carries out a jump of the table; the result is what PSN_WIZNEXT/PSN_WIZBACK return.

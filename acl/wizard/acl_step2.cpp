@@ -346,13 +346,7 @@ BOOL CACLStep2::OnCommand(WPARAM wParam, LPARAM) {
 
 BOOL CACLStep2::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
     if (hdr->hwndFrom == m_profileList.GetSafeHwnd() && hdr->code == LVN_COLUMNCLICK) {
-        // Part 5.2: column 0 compares as numbers, the others as strings, direction toggling.
-        const int column = reinterpret_cast<const NMLISTVIEW*>(hdr)->iSubItem;
-        const bool ascending = m_sort.Click(column);
-        m_profileList.SortRows(
-            column,
-            [column](const std::string& a, const std::string& b) { return acl::pages::CompareProfileColumn(column, a, b); },
-            ascending);
+        SortProfileList(m_profileList, m_sort, reinterpret_cast<const NMLISTVIEW*>(hdr)->iSubItem);
         *pResult = 0;
         return TRUE;
     }

@@ -62,14 +62,6 @@ bool IsHexEdit(int id) {
     return false;
 }
 
-// Left to the implementer: a mask is a number (0-FFFF, 0-FFFFFFFF), while Part 4.2 turns hex
-// text into bytes from its first digit, so "FF" would go out as FF00. A short mask is therefore
-// padded with leading zeros to its field's width (an empty checked mask counts as 0).
-std::string PadHex(std::string text, size_t width) {
-    if (text.size() < width) text.insert(0, width - text.size(), '0');
-    return text;
-}
-
 }  // namespace
 
 CACLStep5::CACLStep5()
@@ -233,6 +225,8 @@ ProfileFields CACLStep5::ReadFields() const {
     f.dstIp = AddressText(GetDlgItem(IDC_IPV4_DST_IP));
     f.protocolGroup = m_nGroup;
     auto mask = [this](int check, int edit) {
+        // Left to the implementer: a mask is a number, padded to its width (acl_record.h);
+        // a checked empty mask counts as 0.
         return Checked(check) ? PadHex(ui::GetWindowTextString(GetDlgItem(edit)), 4) : std::string();
     };
     switch (m_nGroup) {

@@ -10,16 +10,6 @@ namespace {
 // Part 4.1: an IPv6 mask is 32 hexadecimal digits (16 bytes on the wire, Part 4.2).
 constexpr size_t kIpv6MaskDigits = 32;
 
-// Left to the implementer: the spec does not check a checked IPv6 mask. A shorter text would
-// reach the switch padded with zero bytes, which the user did not type, so we ask for exactly
-// 32 hexadecimal digits (blanks at the ends ignored, any case; the edits upper-case anyway).
-bool IsIpv6Mask(const std::string& text) {
-    const size_t first = text.find_first_not_of(" \t");
-    const size_t last = text.find_last_not_of(" \t");
-    if (first == std::string::npos) return false;
-    return last - first + 1 == kIpv6MaskDigits && ValidateHex(text);
-}
-
 }  // namespace
 
 CACLStep_IPV6::CACLStep_IPV6()
@@ -55,7 +45,10 @@ ProfileFields CACLStep_IPV6::ReadFields() const {
 }
 
 UINT CACLStep_IPV6::CheckFields(const ProfileFields& f) const {
-    if ((f.srcIpv6Checked && !IsIpv6Mask(f.srcIpv6Mask)) || (f.dstIpv6Checked && !IsIpv6Mask(f.dstIpv6Mask)))
+    // Left to the implementer: a checked mask must be exactly 32 hexadecimal digits
+    // (ValidateHexWidth says why).
+    if ((f.srcIpv6Checked && !ValidateHexWidth(f.srcIpv6Mask, kIpv6MaskDigits)) ||
+        (f.dstIpv6Checked && !ValidateHexWidth(f.dstIpv6Mask, kIpv6MaskDigits)))
         return IDS_MSG_INVALID_IPV6_MASK;
     return 0;
 }

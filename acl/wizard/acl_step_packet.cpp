@@ -11,7 +11,6 @@ constexpr int kChunks = 4;
 constexpr int kRanges = 5;
 constexpr int kRangeFields = 4;     // four 8-digit masks make a range's 16-byte mask
 constexpr size_t kMaskDigits = 8;   // a chunk mask, and each field of a range mask
-constexpr long kMaxChunkOffset = 31;
 
 constexpr int kChunkCheck[kChunks] = {IDC_PACKET_CHUNK1, IDC_PACKET_CHUNK2, IDC_PACKET_CHUNK3, IDC_PACKET_CHUNK4};
 constexpr int kChunkOffset[kChunks] = {IDC_PACKET_CHUNK1_OFFSET, IDC_PACKET_CHUNK2_OFFSET, IDC_PACKET_CHUNK3_OFFSET,
@@ -22,25 +21,9 @@ constexpr int kRangeCheck[kRanges] = {IDC_PACKET_OFFSET0, IDC_PACKET_OFFSET16, I
                                       IDC_PACKET_OFFSET48, IDC_PACKET_OFFSET64};
 constexpr int RangeField(int range, int field) { return IDC_PACKET_RANGE_MASK_FIRST + range * kRangeFields + field; }
 
-std::string Trim(const std::string& text) {
-    const size_t first = text.find_first_not_of(" \t");
-    if (first == std::string::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
-// Left to the implementer (the spec checks none of these): a mask field of a checked chunk or
-// range must be exactly 8 hexadecimal digits, since a shorter one would be padded with bytes
-// the user did not type; a chunk offset must be given and lie in 0..31 (its label's range).
-bool IsMaskField(const std::string& text) {
-    const std::string t = Trim(text);
-    return t.size() == kMaskDigits && ValidateHex(t);
-}
-
-bool IsChunkOffset(const std::string& text) {
-    const std::string t = Trim(text);
-    if (t.empty() || t.size() > 2 || !ValidateDigits(t)) return false;
-    return std::stol(t) <= kMaxChunkOffset;
-}
+// Left to the implementer (the spec checks none of these): a checked chunk's or range's mask
+// fields must be exactly 8 hexadecimal digits and a chunk offset 0 to 31 (acl_record.h).
+bool IsMaskField(const std::string& text) { return ValidateHexWidth(text, kMaskDigits); }
 
 }  // namespace
 
@@ -124,7 +107,7 @@ ProfileFields CACLStep_Packet::ReadFields() const {
         for (int i = 0; i < kChunks; ++i) {
             auto& item = f.items[static_cast<size_t>(i)];
             item.checked = ui::Button(GetDlgItem(kChunkCheck[i])).IsChecked();
-            item.offset = Trim(ui::GetWindowTextString(GetDlgItem(kChunkOffset[i])));
+            item.offset = TrimBlanks(ui::GetWindowTextString(GetDlgItem(kChunkOffset[i])));
             item.mask = ui::GetWindowTextString(GetDlgItem(kChunkMask[i]));
         }
         return f;
@@ -132,7 +115,7 @@ ProfileFields CACLStep_Packet::ReadFields() const {
     for (int r = 0; r < kRanges; ++r) {
         auto& item = f.items[static_cast<size_t>(r)];
         item.checked = ui::Button(GetDlgItem(kRangeCheck[r])).IsChecked();
-        for (int k = 0; k < kRangeFields; ++k) item.mask += Trim(ui::GetWindowTextString(GetDlgItem(RangeField(r, k))));
+        for (int k = 0; k < kRangeFields; ++k) item.mask += TrimBlanks(ui::GetWindowTextString(GetDlgItem(RangeField(r, k))));
     }
     return f;
 }
@@ -142,7 +125,7 @@ UINT CACLStep_Packet::CheckFields(const ProfileFields& f) const {
         for (int i = 0; i < kChunks; ++i) {
             const auto& item = f.items[static_cast<size_t>(i)];
             if (!item.checked) continue;
-            if (!IsChunkOffset(item.offset)) return IDS_MSG_INVALID_CHUNK_OFFSET;
+            if (!ValidateChunkOffset(item.offset)) return IDS_MSG_INVALID_CHUNK_OFFSET;
             if (!IsMaskField(item.mask)) return IDS_MSG_INVALID_CHUNK_MASK;
         }
         return 0;

@@ -199,21 +199,17 @@ void WizardDriver::TypeText(int id, const std::string& text) {
     Settle();
 }
 
-void WizardDriver::LeftClick(HWND hwnd, POINT pt) {
+void WizardDriver::Click(HWND hwnd, POINT pt, UINT down, UINT up, WPARAM button) {
     const LPARAM at = MAKELPARAM(pt.x, pt.y);
     PostMessageA(hwnd, WM_MOUSEMOVE, 0, at);
-    PostMessageA(hwnd, WM_LBUTTONDOWN, MK_LBUTTON, at);
-    PostMessageA(hwnd, WM_LBUTTONUP, 0, at);
+    PostMessageA(hwnd, down, button, at);
+    PostMessageA(hwnd, up, 0, at);
     Settle();
 }
 
-void WizardDriver::RightClick(HWND hwnd, POINT pt) {
-    const LPARAM at = MAKELPARAM(pt.x, pt.y);
-    PostMessageA(hwnd, WM_MOUSEMOVE, 0, at);
-    PostMessageA(hwnd, WM_RBUTTONDOWN, MK_RBUTTON, at);
-    PostMessageA(hwnd, WM_RBUTTONUP, 0, at);
-    Settle();
-}
+void WizardDriver::LeftClick(HWND hwnd, POINT pt) { Click(hwnd, pt, WM_LBUTTONDOWN, WM_LBUTTONUP, MK_LBUTTON); }
+
+void WizardDriver::RightClick(HWND hwnd, POINT pt) { Click(hwnd, pt, WM_RBUTTONDOWN, WM_RBUTTONUP, MK_RBUTTON); }
 
 // --- list views ----------------------------------------------------------------------------
 

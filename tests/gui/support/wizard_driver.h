@@ -85,6 +85,7 @@ private:
     static LRESULT CALLBACK CbtHook(int code, WPARAM wParam, LPARAM lParam);
     static LRESULT CALLBACK GetMessageHook(int code, WPARAM wParam, LPARAM lParam);
     void Ping();
+    void Click(HWND hwnd, POINT pt, UINT down, UINT up, WPARAM button);
 
     HWND m_hwndSheet = nullptr;
     DWORD m_uiThread = 0;

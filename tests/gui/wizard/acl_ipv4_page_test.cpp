@@ -456,6 +456,10 @@ TEST_F(Ipv4PageGui, NoProtocolOneUserFieldAndTcpCpuAclOnTvg5690) {
         // Unchecking "User Define(0-FFFFFFFF)" leaves the mask empty; "Protocol ID" unchecked
         // gives ProtolIDOption "2" and UseProtoType "1".
         Again(d, "ProtocolID", "3");
+        d.ClickButton(IDC_IPV4_USER_DEFINE);
+        d.TypeText(IDC_IPV4_USER_MASK1, "ff");
+        d.ClickButton(IDC_IPV4_USER_DEFINE);
+        EXPECT_FALSE(IsWindowEnabled(d.Control(IDC_IPV4_USER_MASK1))) << "unchecked: its field is disabled";
         row = AddAndTake(d, false);
         EXPECT_EQ("1", row[6]);
         EXPECT_EQ("2", row[15]);

@@ -460,3 +460,22 @@ TEST(AclRecord, WordsOfTheLists) {
   EXPECT_STREQ(OwnerWord(AclOwner::kCpu), "CPU ACL");
   EXPECT_STREQ(TypeWord(AclType::kPacketContent), "Packet Content");
 }
+
+// Left to the implementer (Part 5.2): the definition pages' own field checks.
+TEST(AclRecord, FixedWidthMasksChunkOffsetsAndPadding) {
+  EXPECT_TRUE(ValidateHexWidth("ffff0000", 8)) << "any case";
+  EXPECT_TRUE(ValidateHexWidth("  FFFF0000 ", 8)) << "blanks at the ends ignored";
+  EXPECT_FALSE(ValidateHexWidth("FFFF000", 8)) << "short";
+  EXPECT_FALSE(ValidateHexWidth("FFFF00000", 8)) << "long";
+  EXPECT_FALSE(ValidateHexWidth("FFFF00G0", 8)) << "not hex";
+  EXPECT_FALSE(ValidateHexWidth("", 8));
+  EXPECT_TRUE(ValidateHexWidth(std::string(32, 'F'), 32));
+  EXPECT_FALSE(ValidateHexWidth(std::string(31, 'F'), 32));
+  for (const char* ok : {"0", "7", "31", " 3 "}) EXPECT_TRUE(ValidateChunkOffset(ok)) << ok;
+  for (const char* bad : {"", "32", "99", "-1", "1a", "003", " "}) EXPECT_FALSE(ValidateChunkOffset(bad)) << bad;
+  EXPECT_EQ("00FF", PadHex("FF", 4));
+  EXPECT_EQ("0000", PadHex("", 4)) << "a checked empty mask counts as 0";
+  EXPECT_EQ("ABCD", PadHex("ABCD", 4));
+  EXPECT_EQ("000000FF", PadHex("FF", 8));
+  EXPECT_EQ("a b", std::string(TrimBlanks(" \ta b\t ")));
+}
