@@ -24,12 +24,12 @@ void Apply(AclKind kind, const std::vector<AclTarget>& targets, AclOwner owner,
     const ModelEntry* model = LookupSupportedModel(target.typeText);
     SnmpSetResult closing;
     if (model == nullptr) {
-      // The wizard admits only supported types (Part 5.1); an unknown one gets nothing sent.
+      // The wizard admits only supported types; an unknown one gets nothing sent.
       deviceOk = false;
     } else {
       for (AclType type : kTypeOrder) {
         auto table = TableLayout(*model, owner, kind, type);
-        if (!table) continue;  // not offered by the model (Part 2.2 table 2)
+        if (!table) continue;  // the model has no such table for this owner
         const AclRecordList& list = lists[static_cast<size_t>(type)];
         for (size_t r = 0; r < list.size(); ++r) {
           if (cb.progress) cb.progress(ApplyProgress(static_cast<long long>(r) + 1, d, total, n));
@@ -47,7 +47,7 @@ void Apply(AclKind kind, const std::vector<AclTarget>& targets, AclOwner owner,
 
 }  // namespace
 
-// --- Part 4.3 -----------------------------------------------------------------------------------
+// --- reading -----------------------------------------------------------------------------------
 
 void ReadTable(const AclTarget& target, const ModelEntry& model, const AclTableLayout& table,
                const AclReadOptions& options, AclReadResult& out) {
@@ -114,7 +114,7 @@ std::vector<int> FreeProfileIds(const AclReadResult& profiles, int count) {
   return free;
 }
 
-// --- Part 4.4 -----------------------------------------------------------------------------------
+// --- writing -----------------------------------------------------------------------------------
 
 std::vector<SnmpBinding> RecordBindings(const ModelEntry& model, const AclTableLayout& table,
                                         const AclRecord& record) {

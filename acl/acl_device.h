@@ -1,6 +1,6 @@
-// Parts 4.3 and 4.4: reading a switch's ACL tables into records and summary lines, and writing
+// Reading a switch's ACL tables into records and summary lines, and writing
 // records, deletions and the closing request. Every request goes through SnmpSet / SnmpWalk
-// (Part 2.1). Progress, result words and the deletion of staged files reach the caller through
+// (one request at a time, 3 s each). Progress, result words and the deletion of staged files reach the caller through
 // callbacks, so the wizard's pages and the tests share one implementation. Portable.
 #pragma once
 
@@ -13,7 +13,7 @@
 #include "acl/acl_mib.h"
 #include "acl/acl_record.h"
 
-// One selected switch (Part 5.1 `ACLTarget`).
+// One selected switch (`ACLTarget`).
 struct AclTarget {
   std::string ip;
   std::string readCommunity;
@@ -21,7 +21,7 @@ struct AclTarget {
   std::string typeText;
 };
 
-// --- Part 4.3 ---------------------------------------------------------------------------------
+// --- reading ---------------------------------------------------------------------------------
 
 // One line of the visible summary list: profile ID, type word and owner word ("ACL" /
 // "CPU ACL"); for rules also the Access ID.
@@ -42,8 +42,8 @@ using AclRowSink = std::function<void(AclType type, const AclRecord& record, con
 
 struct AclReadOptions {
   unsigned long timeoutMs = kSnmpTimeoutMs;
-  // Cooperative stop (Part 5.5 allows it): checked before each table and before each row is
-  // handed on; a walk in progress ends at its next answer.
+  // Cooperative stop: a page that is left sets it; checked before each table and after each
+  // answer, so a walk in progress ends at its next answer and sends no further request.
   const std::atomic<bool>* stop = nullptr;
   AclRowSink sink;
 };
@@ -58,10 +58,10 @@ AclReadResult ReadRules(const AclTarget& target, AclOwner owner, AclType ruleTyp
 void ReadTable(const AclTarget& target, const ModelEntry& model, const AclTableLayout& table,
                const AclReadOptions& options, AclReadResult& out);
 
-// Part 4.3 edge case: the profile IDs 1..count not used by `profiles` (all four lists).
+// The profile IDs 1..count not used by `profiles` (all four lists): on an empty switch, all.
 std::vector<int> FreeProfileIds(const AclReadResult& profiles, int count);
 
-// --- Part 4.4 ---------------------------------------------------------------------------------
+// --- writing ---------------------------------------------------------------------------------
 
 // The bindings that SetRecord sends for a record (instance suffix, left-out cells, encodings).
 // Empty when the record cannot be sent: its profile ID (and Access ID for rules) is not a
@@ -75,19 +75,20 @@ bool SetRecord(const AclTarget& target, const AclTableLayout& table, const AclRe
                unsigned long timeoutMs = kSnmpTimeoutMs);
 
 // One SET of INTEGER 6 to the row-status column + ".profileId" (+ ".accessId" for rules).
-// Refused unsent (false) when the IDs are not decimal numbers (Part 5.5: a delete without a
-// selection is refused). Returns whether it was answered with error status 0.
+// Refused unsent (false) when the IDs are not decimal numbers (a delete without a selected
+// row never reaches the switch). Returns whether it was answered with error status 0.
 bool DeleteRow(const AclTarget& target, const std::string& rowStatusColumnOid,
                const std::string& profileId, const std::string& accessId = {},
                unsigned long timeoutMs = kSnmpTimeoutMs);
-// The row-status column OID of the model's table (Part 5.5 uses it for deletions); "" if none.
+// The row-status column OID of the model's table (the modify pages delete through it); "" if none.
 std::string RowStatusColumnOid(const ModelEntry& model, AclOwner owner, AclKind kind, AclType type);
 
-// Part 2.2 table 5 / Part 4.4: the closing request of the target's model for owner and kind.
+// The closing request of the target's model for owner and kind: the switch keeps the new
+// rows only after it.
 SnmpSetResult SendClosingRequest(const AclTarget& target, AclOwner owner, AclKind kind,
                                  unsigned long timeoutMs = kSnmpTimeoutMs);
 
-// Part 5.4's table: the result word of a target by page, owner and outcome.
+// The result word of a target by confirmation page, owner and outcome.
 // `deviceOk` false gives "Fail" (no closing request was sent); otherwise the closing answer
 // decides: no error "Succeed" ("Success" for CPU-ACL profiles), error "Fail", no answer "fail"
 // ("Fail" for ordinary-ACL rules).
@@ -96,15 +97,15 @@ const char* ApplyResultWord(AclKind kind, AclOwner owner, bool deviceOk, const S
 struct AclApplyCallbacks {
   std::function<void(int position)> progress;                          // 0..100
   std::function<void(size_t target, const char* word)> result;         // per target, in order
-  std::function<void()> deleteStaged;                                  // Part 4.5 group deletion
+  std::function<void()> deleteStaged;                                  // the group's staging files
   std::function<void(size_t target, AclType type, size_t record, bool ok)> recordSent;  // optional
 };
 
-// Part 4.4 apply: for every target in order, the lists the model offers for the owner in the
+// Apply: for every target in order, the lists the model offers for the owner in the
 // order Ethernet, IPv4, IPv6, packet content, one SetRecord per record with the progress
 // formula, then the closing request when every record succeeded, and the result word; at the
 // end the staged files of the group are deleted. `lists` is indexed by AclType; a packet-content
-// list holds records in the model's shape (Part 4.5).
+// list holds records in the model's shape (as its staging file holds them).
 void ApplyProfiles(const std::vector<AclTarget>& targets, AclOwner owner,
                    const std::array<AclRecordList, 4>& lists, const AclApplyCallbacks& callbacks,
                    unsigned long timeoutMs = kSnmpTimeoutMs);

@@ -6,7 +6,7 @@ namespace {
 
 using K = CellKind;
 
-// --- Part 4.1/4.2: the kind of every cell, per record kind (model-independent) -------------
+// --- the kind of every cell, per record kind (model-independent) ---------------------------
 
 std::vector<CellKind> CellKinds(const AclRecordKind& r) {
   const bool cpu = r.owner == AclOwner::kCpu;
@@ -88,7 +88,7 @@ std::vector<CellKind> CellKinds(const AclRecordKind& r) {
   return {};
 }
 
-// --- Part 4.2: the column lists, written as the spec's tables write them --------------------
+// --- the column lists, one row per table and group of models that share it ----------------
 
 struct ListRow {
   AclOwner owner;
@@ -143,8 +143,8 @@ const ListRow kLists[] = {
     {O, R, PC, B16, "2.3.1", "TVR4510", "1 to 9, 11, 12, 13, 15, 14"},
     {O, R, PC, C4, "3.7.1", "TVG5240-10|TVG5690|TVR4512", "1 to 10, 13, -, 11, 12, 20, 16, 17, 18"},
     {O, R, PC, OI, "3.9.1", "TVR4060", "1, 2, 8, 10, 11, 13, 14, 16, 17, 19, 20, 22, 23, 24, 28, 29, 30, 33"},
-    // CPU ACL. Left to the implementer (Part 4.2): the CPU packet-content profiles of TVR4060
-    // and TVG5470 use the list 1 to 7 of the other models.
+    // CPU ACL. The CPU packet-content profiles of TVR4060 and TVG5470 have no list of their
+    // own; the list 1 to 7 of the other models fits their record.
     {C, P, E, N, "4.1.1", "TVG5240-10|TVG5470|TVR4060|TVR4510|TVR4820|TVR4512", "1 to 8"},
     {C, P, E, N, "4.1.1", "TVG5690", "1, 2, 3, 4, 5, -, 7, 8"},
     {C, P, V4, N, "4.2.1", kAllCpu, "1 to 19"},
@@ -219,7 +219,7 @@ std::optional<AclTableLayout> TableLayout(const ModelEntry& model, AclOwner owne
     t.leftOut.assign(t.kinds.size(), false);
     for (size_t i = 0; i < t.kinds.size(); ++i)
       if (t.kinds[i] == CellKind::kRowStatus) t.rowStatusCell = static_cast<int>(i);
-    // Part 4.2: cells that a writer leaves out although the list names a column.
+    // Cells that a model's writer leaves out although the list names a column.
     if (kind == AclKind::kRules && type == AclType::kEthernet && owner == AclOwner::kAcl) {
       t.leftOut[9] = true;   // "ReplaceDSCP"
       t.leftOut[13] = true;  // "ToSPrecedence"
@@ -286,14 +286,14 @@ std::string_view Trim(std::string_view s) {
 
 bool IsTvgPair(const ModelEntry& m) { return IsModel(m, "TVG5470") || IsModel(m, "TVG5690"); }
 
-// Left to the implementer: the user-defined protocol mask is 20 bytes (five 8-digit fields,
-// Part 5.2) on TVR4510 and TVR4820 and 4 bytes elsewhere (Part 2.1 lists both lengths).
+// The user-defined protocol mask is 20 bytes on TVR4510 and TVR4820 (the IPv4 profile page
+// gives them five 8-digit fields) and 4 bytes elsewhere.
 size_t ProtoMaskBytes(const ModelEntry& m) {
   return IsModel(m, "TVR4510") || IsModel(m, "TVR4820") ? 20 : 4;
 }
 
-// Left to the implementer: OffsetItems data go out with the length their hex text gives (the
-// length "that its caller computes" of Part 2.1), at most 16 bytes.
+// OffsetItems data go out with the length their hex text gives, at most 16 bytes: the switch
+// matches exactly the bytes typed at the offset.
 size_t DataBytes(std::string_view hex) {
   size_t n = (Trim(hex).size() + 1) / 2;
   return n > 16 ? 16 : n;
@@ -409,7 +409,7 @@ std::optional<EncodedCell> EncodeCell(CellKind kind, const ModelEntry& model, st
       if (text.empty()) return std::nullopt;
       return EncodedCell{kSnmpOctetString, std::string(text), false};
     case K::kMac:
-      // Part 4.2: an empty MAC, or the "00.00.00.00.00.00" stored for an omitted one, gives six zero bytes.
+      // An empty MAC, or the "00.00.00.00.00.00" stored for an omitted one, gives six zero bytes.
       if (empty || text == kOmittedMac) return Raw(std::string(6, '\0'));
       return Raw(HexToBytes(text, 6));
     case K::kEthertype:
@@ -443,13 +443,13 @@ std::optional<EncodedCell> EncodeCell(CellKind kind, const ModelEntry& model, st
 }
 
 std::string DecodeCell(CellKind kind, const ModelEntry& /*model*/, const SnmpRowBinding& v) {
-  // Part 4.3 step 4: INTEGER and IpAddress as their text; byte strings by the cell kind.
+  // INTEGER and IpAddress as their text; byte strings by the cell kind.
   if (v.tag != snmp::kTagOctetString) return v.value;
   switch (kind) {
     case K::kText:
     case K::kOwner: return v.value;
     case K::kPorts: return BitmapToPortList(v.value);
-    case K::kProtoMask: return BytesToHex(v.value) + " ";  // Part 4.3: "%02X%02X%02X%02X "
+    case K::kProtoMask: return BytesToHex(v.value) + " ";  // the detail view's "%02X%02X%02X%02X "
     default: return BytesToHex(v.value);
   }
 }

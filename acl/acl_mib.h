@@ -1,4 +1,4 @@
-// Part 4.2: the wire contract between the records of Part 4.1 and the private ACL MIB: per
+// The wire contract between the ACL records and the switch's private ACL MIB: per
 // model, owner and table kind the ordered column list (as data), the instance naming, and the
 // encoding of each cell kind in both directions (port bitmap included). Portable.
 #pragma once
@@ -15,7 +15,7 @@
 
 inline constexpr const char* kAclMibPrefix = "1.3.6.1.4.1.32473.12.9";
 
-// How a cell travels (Part 4.2 encoding table; Part 4.3 decoding table).
+// How a cell travels, in both directions.
 enum class CellKind {
   kIndex,         // profile ID / Access ID: only in the instance, never sent; walked
   kInteger,       // INTEGER from decimal text, sent only when not empty
@@ -29,7 +29,7 @@ enum class CellKind {
   kHex2Always,    // TCP/UDP port masks: 2 bytes, always
   kHex4,          // 4 bytes (user mask, flow label, chunk mask/content), only when not empty
   kProtoMask,     // IPv4 profile protocol ID mask: 4 bytes (20 on TVR4510/TVR4820), always;
-                  // read back with a trailing blank (Part 4.3)
+                  // read back with a trailing blank, as the detail view shows it
   kHex16,         // 16 bytes (IPv6 rule address, Block16 block), only when not empty
   kHex16Always,   // 16 bytes (IPv6 profile masks), always
   kHexData,       // OffsetItems data: as many bytes as the hex text holds, only when not empty
@@ -41,7 +41,7 @@ enum class CellKind {
 
 // One ACL table of a model: the entry OID and, per record cell, its column (0 = none: the cell
 // is neither sent nor walked) and kind, and whether the writer leaves it out although the
-// list names a column (Part 4.2, "Cells that a writer leaves out").
+// list names a column (the model's writer never sends it).
 struct AclTableLayout {
   AclRecordKind record;
   std::string entryOid;           // e.g. "1.3.6.1.4.1.32473.12.9.3.1.1"
@@ -54,23 +54,23 @@ struct AclTableLayout {
 };
 
 // The table of the model for owner, kind and type, or nullopt when the model does not offer it
-// (Part 2.2 table 2) or is unsupported. Built from the column lists of Part 4.2 as data.
+// or is unsupported. Built from the column lists as data.
 std::optional<AclTableLayout> TableLayout(const ModelEntry& model, AclOwner owner, AclKind kind,
                                           AclType type);
 
-// Part 4.2 `ColumnList`: the ordered column OID texts, one per record cell, "" for a cell that
+// `ColumnList`: the ordered column OID texts, one per record cell, "" for a cell that
 // is never sent for that model. Empty when the model has no such table.
 std::vector<std::string> ColumnList(const ModelEntry& model, AclOwner owner, AclKind kind,
                                     AclType type);
 
-// Part 4.2 `InstanceOid`: column OID + "." + profile ID (+ "." + Access ID for rules).
+// `InstanceOid`: column OID + "." + profile ID (+ "." + Access ID for rules).
 std::string InstanceOid(std::string_view columnOid, std::string_view profileId,
                         std::string_view accessId = {});
 // Whether a text may name an instance part: 1 to 10 decimal digits (bad input never becomes an
 // OID).
 bool IsIndexText(std::string_view text);
 
-// An encoded cell: the SNMP type code (Part 2.1) and the value (text, or raw bytes).
+// An encoded cell: the SNMP type code (kSnmpInteger, ...) and the value (text, or raw bytes).
 struct EncodedCell {
   int type = kSnmpInteger;
   std::string value;
@@ -78,15 +78,15 @@ struct EncodedCell {
   bool operator==(const EncodedCell&) const = default;
 };
 
-// Part 4.2 `EncodeCell`: nullopt when the cell is not sent (empty optional cell, index,
+// `EncodeCell`: nullopt when the cell is not sent (empty optional cell, index,
 // read-only). The model gives the port bitmap length and the protocol-mask length.
 std::optional<EncodedCell> EncodeCell(CellKind kind, const ModelEntry& model, std::string_view text);
-// Part 4.2/4.3 `DecodeCell`: the record text of a walked value (`tag` is its BER tag, `value`
+// `DecodeCell`: the record text of a walked value (`tag` is its BER tag, `value`
 // its exact bytes or rendered text as SnmpWalk gives it).
 std::string DecodeCell(CellKind kind, const ModelEntry& model, const SnmpRowBinding& value);
 
 // Hex text to exactly `length` bytes, two characters at a time from the start, first the high
-// nibble (Part 4.2). Blanks around the text are ignored; a non-hex character counts as 0 and a
+// nibble. Blanks around the text are ignored; a non-hex character counts as 0 and a
 // short text is padded with zero bytes, so any text gives a value of the stated length.
 std::string HexToBytes(std::string_view hex, size_t length);
 // Upper-case hex, "%02X" per byte.
@@ -94,9 +94,9 @@ std::string BytesToHex(std::string_view bytes);
 
 // Port bitmap length in bytes on a model: 4, 8 (TVR4512) or 96 (TVG5470, TVG5690).
 size_t PortBitmapBytes(const ModelEntry& model);
-// Part 4.2 port list to bitmap: at most 200 listed ports; port 1 is the top bit of byte 0.
+// Port list to bitmap: at most 200 listed ports; port 1 is the top bit of byte 0.
 std::string PortListToBitmap(std::string_view list, const ModelEntry& model);
-// Part 4.2 read direction: "%d," per set bit, port 1 first.
+// Bitmap back to a port list: "%d," per set bit, port 1 first.
 std::string BitmapToPortList(std::string_view bitmap);
-// Part 4.3 detail view: the hex digits of a bitmap back into a port list (same form).
+// The rule detail view: the hex digits of a bitmap back into a port list (same form).
 std::string PortListFromHex(std::string_view hex);

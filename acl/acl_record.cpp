@@ -19,11 +19,11 @@ std::string TrimUpper(std::string_view text) {
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsUpperHex(char c) { return IsDigit(c) || (c >= 'A' && c <= 'F'); }
 
-// Left to the implementer (Part 4.1): a decimal field holds at most 10 characters (the fixed
-// buffers of the dialogs); a longer text fails the field's range check.
+// A decimal field holds at most 10 characters (the fixed buffers of the dialogs); a longer
+// text fails the field's range check.
 constexpr size_t kMaxDecimalText = 10;
 
-// Part 4.1: empty passes; otherwise the leading decimal number must lie in min..max.
+// Empty passes; otherwise the leading decimal number must lie in min..max.
 bool OptionalInRange(std::string_view text, long min, long max) {
   if (text.size() > kMaxDecimalText) return false;
   return CheckRange(text, min, max) != RangeCheck::kOutOfRange;
@@ -38,8 +38,8 @@ const char* CheckAccessIdField(const ModelEntry& model, AclOwner owner, AclType 
   return nullptr;
 }
 
-// Part 4.1: Rx Rate empty, or in the model's range (0 also on TVR4060). The CPU ACL has no Rx
-// Rate (Part 2.2 table 4), so any text there is out of range.
+// Rx Rate empty, or in the model's range (0 also on TVR4060). The CPU ACL has no Rx Rate,
+// so any text there is out of range.
 bool RxRateOk(const ModelEntry& model, AclOwner owner, std::string_view text) {
   if (text.empty()) return true;
   if (owner == AclOwner::kCpu || text.size() > kMaxDecimalText) return false;
@@ -48,7 +48,7 @@ bool RxRateOk(const ModelEntry& model, AclOwner owner, std::string_view text) {
 
 const char* Flag(bool on) { return on ? kFlagYes : kFlagNo; }
 
-// Part 4.1 address-mask state: 1 none, 2 destination only, 3 source only, 4 both.
+// Address-mask state: 1 none, 2 destination only, 3 source only, 4 both.
 const char* MaskState(bool src, bool dst) {
   if (src && dst) return "4";
   if (dst) return "2";
@@ -61,7 +61,7 @@ std::string RuleMac(std::string_view text) {
   return s.empty() ? std::string(kOmittedMac) : s;
 }
 
-// Part 4.2: TVR4510 and TVR4820 take the user-defined protocol mask as five 8-digit fields.
+// The owner cell: TVR4512's ordinary ACL sends it to its profile-name column.
 std::string OwnerCell(AclOwner owner, const ModelEntry& model, const ProfileFields& f) {
   if (owner == AclOwner::kAcl && std::string_view(model.typeText) == "TVR4512") return f.profileName;
   return owner == AclOwner::kCpu ? "2" : "1";
@@ -186,7 +186,7 @@ bool ValidateDigits(std::string_view text) {
 }
 
 bool ValidatePortList(std::string_view s, int portCount) {
-  // Left to the implementer (Part 4.1): a port list of one model fits in 96 characters.
+  // A port list of one model fits in 96 characters.
   if (s.size() > kMaxFieldText) return false;
   for (char c : s)
     if (!IsDigit(c) && c != '-' && c != ',') return false;
@@ -194,7 +194,7 @@ bool ValidatePortList(std::string_view s, int portCount) {
   for (size_t i = 0; i < n; ++i) {
     if (IsDigit(s[i])) {
       // A lone digit, every two adjacent digits, and every three adjacent digits starting
-      // with 1..9 are read as numbers that must not exceed the port count (Parts 4.1, 5.3).
+      // with 1..9 are read as numbers that must not exceed the port count.
       const bool prevDigit = i > 0 && IsDigit(s[i - 1]);
       const bool nextDigit = i + 1 < n && IsDigit(s[i + 1]);
       if (!prevDigit && !nextDigit && s[i] - '0' > portCount) return false;
@@ -228,13 +228,13 @@ const char* ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& mod
       if (!OptionalInRange(f.priority, 0, 7)) return kPriority;
       if (!RxRateOk(model, owner, f.rxRate)) return kRx;
       if (!f.dstMac.empty() && !ValidateMac(f.dstMac)) return kMac;
-      // Left to the implementer: an Ethertype holds 4 hex digits (2 bytes on the wire).
+      // An Ethertype holds 4 hex digits (2 bytes on the wire).
       if (!f.ethertype.empty() && (!ValidateHex(f.ethertype) || TrimUpper(f.ethertype).size() > 4))
         return "Invalid Ethertype value!";
       if (!ValidatePortList(f.ports, ports)) return kPortError;
       if (!OptionalInRange(f.replaceDscp, 0, 63)) return kDscp;
       if (!OptionalInRange(f.replaceTos, 0, 7)) return kTos;
-      if (f.ports.empty()) return kPortError;  // Part 4.1: before a record is added
+      if (f.ports.empty()) return kPortError;  // checked again before the record is added
       return nullptr;
     case AclType::kIPv4: {
       if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId))) return m;
@@ -254,7 +254,7 @@ const char* ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& mod
         if (tcpUdp && !OptionalInRange(f.value1, 0, 65535)) return k65535;
       }
       if (!f.value2.empty()) {
-        // Left to the implementer: the user mask holds 8 hex digits (4 bytes on the wire).
+        // The user mask holds 8 hex digits (4 bytes on the wire).
         if (p == "6" && (!ValidateHex(f.value2) || TrimUpper(f.value2).size() > 8))
           return "User Mask  is error!";
         if ((p == "2" || p == "3") && (!ValidateDigits(f.value2) || !OptionalInRange(f.value2, 0, 255)))
@@ -269,7 +269,7 @@ const char* ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& mod
       if (!OptionalInRange(f.ipv6Class, 0, 255)) return "Class value is 0 to 255!";
       if (!OptionalInRange(f.priority, 0, 7)) return kPriority;
       if (!RxRateOk(model, owner, f.rxRate)) return kRx;
-      // Left to the implementer: a flow label holds 8 hex digits (4 bytes on the wire).
+      // A flow label holds 8 hex digits (4 bytes on the wire).
       if (!f.flowLabel.empty() && (!ValidateHex(f.flowLabel) || TrimUpper(f.flowLabel).size() > 8))
         return "Invalid Flowlabel value!";
       if (!ValidatePortList(f.ports, ports)) return kPortError;
@@ -301,7 +301,7 @@ AclRecord BuildRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
       const std::string src = RuleMac(f.srcMac), dst = RuleMac(f.dstMac);
       const std::string eth = TrimUpper(f.ethertype);
       if (cpu) return {f.profileId, f.accessId, f.vlan, src, dst, f.p8021, eth, f.action, "4", f.ports};
-      // Part 5.3: cell 9 is the replacement DSCP when chosen, else "2".
+      // Cell 9 is the replacement DSCP when chosen, else "2".
       return {f.profileId, f.accessId, f.vlan, src, dst, f.p8021, eth, Flag(f.priorityChecked), prio,
               f.replaceDscpChecked ? f.replaceDscp : std::string("2"), f.action, f.ports, "4", tos,
               f.rxRate};
@@ -315,7 +315,7 @@ AclRecord BuildRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
       r[4] = f.dstIp;
       r[5] = f.dscp;
       r[6] = f.protocol;
-      // Part 4.1: which of cells 7..13 are filled depends on the protocol.
+      // Which of cells 7..13 are filled depends on the protocol.
       if (f.protocol == "2") {
         r[7] = f.value1;
         r[8] = f.value2;
@@ -400,7 +400,7 @@ AclRecord BuildRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
 }
 
 const char* ValidateProfile(AclType type, const ProfileFields& f) {
-  // Part 5.2: each checked MAC mask must pass the MAC check.
+  // Each checked MAC mask must pass the MAC check.
   if (type == AclType::kEthernet) {
     if (f.srcMacChecked && !ValidateMac(f.srcMac)) return "Invalid MAC Address !";
     if (f.dstMacChecked && !ValidateMac(f.dstMac)) return "Invalid MAC Address !";
@@ -412,7 +412,7 @@ AclRecord BuildProfile(AclType type, AclOwner owner, const ModelEntry& model,
                        const ProfileFields& f) {
   switch (type) {
     case AclType::kEthernet:
-      // Part 5.2: the masks keep the text as typed.
+      // The masks keep the text as typed.
       return {f.profileId, Flag(f.vlan), MaskState(f.srcMacChecked, f.dstMacChecked),
               f.srcMacChecked ? f.srcMac : "", f.dstMacChecked ? f.dstMac : "", Flag(f.p8021),
               Flag(f.ethernetType), "4", OwnerCell(owner, model, f), ""};

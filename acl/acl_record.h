@@ -1,7 +1,6 @@
-// Part 4.1: the ACL records (ordered rows of text cells), their lists, the text checks and the
-// rule checks, and the building of records from a page's field texts (Parts 5.2, 5.3), so that
-// the pages, the staging files (Part 4.5), the writer (Part 4.4) and the tests share one
-// implementation. Portable: no <windows.h>.
+// The ACL records (ordered rows of text cells), their lists, the text checks and the rule
+// checks, and the building of records from a page's field texts, so that the pages, the
+// staging files, the writer, the command line and the tests share one implementation. Portable: no <windows.h>.
 #pragma once
 
 #include <array>
@@ -12,7 +11,7 @@
 
 #include "snmp/model_catalogue.h"
 
-// A profile or rule: text cells in the fixed column order of its kind (Part 4.1). An empty cell
+// A profile or rule: text cells in the fixed column order of its kind. An empty cell
 // means the field is not given.
 using AclRecord = std::vector<std::string>;
 using AclRecordList = std::vector<AclRecord>;
@@ -28,57 +27,55 @@ struct AclRecordKind {
 
 // The record kind that a model uses for an owner, kind and type (the packet-content layout
 // from the catalogue). Profiles of packet content use the model's profile shape for the
-// ordinary ACL and Block16 for the CPU ACL (Part 2.2).
+// ordinary ACL and Block16 for the CPU ACL.
 AclRecordKind RecordKindFor(const ModelEntry& model, AclOwner owner, AclKind kind, AclType type);
 
-// Number of cells of a record kind (Part 4.1; 0 for a kind that does not exist).
+// Number of cells of a record kind (0 for a kind that does not exist).
 size_t RecordCellCount(const AclRecordKind& kind);
 
-// Part 4.1 codes as text.
+// Codes as the switch takes them, in text.
 inline constexpr const char* kRowStatusCreate = "4";   // create and go
 inline constexpr const char* kRowStatusDestroy = "6";
 inline constexpr const char* kFlagYes = "1";
 inline constexpr const char* kFlagNo = "2";
-inline constexpr const char* kOmittedMac = "00.00.00.00.00.00";  // Part 4.1: a rule MAC not given
+inline constexpr const char* kOmittedMac = "00.00.00.00.00.00";  // a rule MAC not given
 
-// Display words. Part 4.1: "Ethernet", "IPv4", "IPv6", "Packet Content"; owner words of Part
-// 4.3: "ACL" / "CPU ACL".
+// Display words: "Ethernet", "IPv4", "IPv6", "Packet Content"; owners "ACL" / "CPU ACL".
 const char* TypeWord(AclType type);
 const char* OwnerWord(AclOwner owner);
-// Part 4.3: the action as the detail views show it: "Permit" for 2, "mirror" for 3, "deny" else.
+// The action as the detail views show it: "Permit" for 2, "mirror" for 3, "deny" else.
 const char* ActionDetailWord(std::string_view code);
-// Part 4.5: the action in the confirmation lists: "permit", "miror", "deny", other text as is.
+// The action in the confirmation lists: "permit", "miror", "deny", other text as is.
 std::string ActionStagingWord(std::string_view code);
 
-// Part 4.1 `AddProfile` / `AddRule`: append unless the key (profile ID; profile ID and Access
+// `AddProfile` / `AddRule`: append unless the key (profile ID; profile ID and Access
 // ID) is already in the list. Returns whether the record was appended; an existing key leaves
 // the list unchanged.
 bool AddProfile(AclRecordList& list, AclRecord record);
 bool AddRule(AclRecordList& list, AclRecord record);
 
-// Part 4.1 text checks. Left to the implementer (Part 4.1): inputs longer than a field can hold
-// are refused; every check refuses texts longer than kMaxFieldText before looking further.
+// Text checks. Inputs longer than a field can hold are refused (the dialogs' buffers are
+// fixed); every check refuses texts longer than kMaxFieldText before looking further.
 inline constexpr size_t kMaxFieldText = 96;
 bool ValidateMac(std::string_view text);        // trim, upper-case, exactly 12 of 0-9 A-F
 bool ValidateHex(std::string_view text);        // trim, upper-case, every char 0-9 A-F ("" passes)
 bool ValidateDigits(std::string_view text);     // trim, upper-case, every char 0-9
-bool ValidatePortList(std::string_view text, int portCount);  // Part 4.1 port-list rule
+bool ValidatePortList(std::string_view text, int portCount);  // each number <= portCount
 // Trimmed (blanks at both ends) and upper-cased, as the MAC rule stores it.
 std::string NormalizeMac(std::string_view text);
 // Blanks (space, tab) removed at both ends.
 std::string_view TrimBlanks(std::string_view text);
 
-// Checks of the definition pages' fields that the spec leaves unchecked (Part 5.2, left to the
-// implementer): a mask of a fixed width must have exactly that many hex digits (blanks at the
+// Checks of the definition pages' fields beyond the MAC check: a mask of a fixed width must have exactly that many hex digits (blanks at the
 // ends ignored, any case), since a shorter one would be sent padded with bytes nobody typed;
 // a chunk offset is a decimal number 0 to 31 (its label's range).
 bool ValidateHexWidth(std::string_view text, size_t digits);
 bool ValidateChunkOffset(std::string_view text);
 // A numeric hex mask (a port or user-defined mask) padded with leading zeros to its width, so
-// "FF" means 0x00FF and not the bytes FF 00 (Part 4.2 takes bytes from the first digit).
+// "FF" means 0x00FF and not the bytes FF 00 (the encoder takes bytes from the first digit).
 std::string PadHex(std::string_view text, size_t width);
 
-// The fields of a rule dialog (Part 5.3) as texts, plus the check boxes that decide cells.
+// The fields of a rule dialog as texts, plus the check boxes that decide cells.
 struct RuleFields {
   std::string profileId, accessId;
   std::string action = "2";        // code text: 1 deny, 2 permit, 3 mirror
@@ -92,9 +89,9 @@ struct RuleFields {
   std::string replaceTos;
   // Ethernet
   std::string vlan, srcMac, dstMac, p8021, ethertype;
-  // IPv4 (protocol: the profile's "UseProtoType" code 1..6, Part 5.3)
+  // IPv4 (protocol: the chosen profile's "UseProtoType" code 1..6)
   std::string srcIp, dstIp, dscp, protocol;
-  std::string value1, value2;      // first and second protocol field (Part 4.1 checks 8 and 9)
+  std::string value1, value2;      // first and second protocol field (type/code, ports, ID/mask)
   std::string flagBits;            // TCP flag bits, decimal
   // IPv6
   std::string ipv6Class, flowLabel, srcIpv6, dstIpv6;
@@ -107,19 +104,18 @@ struct RuleFields {
   std::array<Item, 5> items{};
 };
 
-// Part 4.1 `ValidateRule`: the checks of the rule type in their order, then the checks made
+// `ValidateRule`: the checks of the rule type in their order, then the checks made
 // before a record is added (empty Access ID / ports). Returns nullptr on success or the first
 // failing message, exactly as the dialog shows it.
 const char* ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
                          const RuleFields& fields);
 
-// Builds the rule record in the cell order of Part 4.1 for the model and owner, as the rule
-// pages do (Part 5.3): MACs upper-cased and trimmed, an empty MAC stored as kOmittedMac,
+// Builds the rule record in its cell order for the model and owner, as the rule dialogs do: MACs upper-cased and trimmed, an empty MAC stored as kOmittedMac,
 // priority flags "1"/"2", row status "4".
 AclRecord BuildRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
                     const RuleFields& fields);
 
-// The fields of a profile definition page (Part 5.2).
+// The fields of a profile definition page.
 struct ProfileFields {
   std::string profileId, profileName;
   // Ethernet
@@ -152,16 +148,16 @@ struct ProfileFields {
   std::array<Item, 5> items{};
 };
 
-// Part 5.2: "Invalid MAC Address !" when a checked MAC mask is not 12 hex digits, else nullptr.
+// "Invalid MAC Address !" when a checked MAC mask is not 12 hex digits, else nullptr.
 const char* ValidateProfile(AclType type, const ProfileFields& fields);
 
-// Builds the profile record (Part 4.1 cell order) as the definition pages do (Part 5.2).
+// Builds the profile record in its cell order, as the definition pages do.
 // The owner cell holds the owner code ("1" / "2"), except on TVR4512 with the ordinary ACL,
-// whose writer sends that cell to the profile-name column (Part 4.2), so it holds the name.
+// whose writer sends that cell to the profile-name column, so it holds the name.
 AclRecord BuildProfile(AclType type, AclOwner owner, const ModelEntry& model,
                        const ProfileFields& fields);
 
-// Part 4.4: the progress position after record r (1-based within its list) of target d
+// The progress position after record r (1-based within its list) of target d
 // (1-based) with t records in all and n targets: (r * d * 100 / t) / n, integer arithmetic.
 // 0 when t or n is 0.
 int ApplyProgress(long long r, long long d, long long t, long long n);

@@ -1,4 +1,4 @@
-// Part 4.5: the ACL staging INI files. The layout (record <-> "?"-separated value), the file
+// The ACL staging INI files that carry defined records from the pages to the apply. The layout (record <-> "?"-separated value), the file
 // names and the choice of file are portable (acl_staging_format.cpp); the file I/O goes
 // through the Win32 private-profile functions and is built only for Windows
 // (acl_staging_win.cpp).
@@ -11,7 +11,7 @@
 
 #include "acl/acl_record.h"
 
-// Part 4.5 file names (appended to the current directory).
+// File names (appended to the current directory).
 inline constexpr const char* kStagingEthernet = "\\ACLEthernet.ini";
 inline constexpr const char* kStagingIpv4 = "\\ACLIpv4.ini";
 inline constexpr const char* kStagingIpv6 = "\\ACLIpv6.ini";
@@ -27,24 +27,24 @@ inline constexpr const char* kStagingPacketRule = "\\ACLPacketrule.ini";
 struct StagingFile {
   const char* name;    // one of the names above
   size_t cellCount;    // cells per record
-  size_t bufferSize;   // Part 4.5 read buffer (a first guess; longer values are read whole)
+  size_t bufferSize;   // read buffer (a first guess; longer values are read whole)
 };
 
-// The staging file, cell count and read buffer of a record kind of a model (Part 4.5 table).
+// The staging file, cell count and read buffer of a record kind of a model.
 // nullopt for a kind the model does not have.
 std::optional<StagingFile> StagingFileFor(const ModelEntry& model, AclOwner owner, AclKind kind,
                                           AclType type);
 
-// Part 4.5's profile file of a type whatever a model offers (the Confirmation Page reads all
-// four, Part 5.4): packet content in the chunk form on the models whose ordinary ACL uses
+// The profile file of a type whatever a model offers (the Confirmation Page reads all
+// four): packet content in the chunk form on the models whose ordinary ACL uses
 // Chunks4, with the ordinary ACL, and in the offset (Block16) form in all other cases.
 StagingFile ProfileStagingFile(const ModelEntry& model, AclOwner owner, AclType type);
 
-// Part 4.5 value: every cell (exactly cellCount, missing ones empty) followed by "?".
+// The value: every cell (exactly cellCount, missing ones empty) followed by "?".
 std::string JoinStagingRecord(const AclRecord& record, size_t cellCount);
-// Part 4.5 reading: split at "?", exactly cellCount cells, missing cells empty.
+// Reading: split at "?", exactly cellCount cells, missing cells empty.
 AclRecord SplitStagingRecord(std::string_view value, size_t cellCount);
-// Left to the implementer (Part 4.5): a cell holding "?" (or a line break, which an INI value
+// A cell holding "?" (or a line break, which an INI value
 // cannot hold) cannot be represented; such a list is refused before the file is touched.
 bool StagingRepresentable(const AclRecordList& list);
 

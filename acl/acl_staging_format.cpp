@@ -9,7 +9,7 @@ std::optional<StagingFile> StagingFileFor(const ModelEntry& model, AclOwner owne
   if (cells == 0) return std::nullopt;
   const bool cpu = owner == AclOwner::kCpu;
   if (kind == AclKind::kProfiles) return ProfileStagingFile(model, owner, type);
-  // Part 4.5 table: file name and read buffer.
+  // File name and read buffer.
   switch (type) {
     case AclType::kEthernet: return StagingFile{cpu ? kStagingCpuEthRule : kStagingEthRule, cells, 80};
     case AclType::kIPv4: return StagingFile{cpu ? kStagingCpuIpv4Rule : kStagingIpv4Rule, cells, cpu ? 80u : 160u};
@@ -26,7 +26,7 @@ StagingFile ProfileStagingFile(const ModelEntry& model, AclOwner owner, AclType 
                   ? PacketShape::kChunks4
                   : PacketShape::kBlock16;
   const size_t cells = RecordCellCount(k);
-  // Part 4.5 table: file name and read buffer.
+  // File name and read buffer.
   switch (type) {
     case AclType::kEthernet: return StagingFile{kStagingEthernet, cells, 80};
     case AclType::kIPv4: return StagingFile{kStagingIpv4, cells, 120};

@@ -1,4 +1,4 @@
-// Part 4.5 file I/O through the Win32 private-profile functions (the only file of acl/ that
+// Staging file I/O through the Win32 private-profile functions (the only file of acl/ that
 // includes <windows.h>).
 #include <windows.h>
 
@@ -14,8 +14,8 @@ constexpr const char* kCountKey = "Item1";
 constexpr long kMaxStagedRecords = 65536;
 
 // GetPrivateProfileStringA with a buffer that grows until the value fits: a result of
-// size - 1 characters means the value may have been cut (Left to the implementer: values of
-// any length are read whole).
+// size - 1 characters means the value may have been cut (long IPv6 and packet-content
+// records do not fit the classic buffers; values of any length are read whole).
 std::string ReadValue(const std::string& path, const char* section, const char* key, size_t size) {
   if (size < 2) size = 2;
   for (;;) {

@@ -126,7 +126,7 @@ Jump NextJump(int page, const NavInput& in) {
         case 4: return Direct(kPageModifyRule);
         default: return Stay();
         }
-    case kPageAddProfile:  // by the profile type radio of Part 5.2
+    case kPageAddProfile:  // by the profile type radio
         switch (in.nProfileChoice) {
         case 1: return Direct(kPageEthProfile);
         case 2: return Direct(kPageIPv4Profile);
@@ -134,7 +134,7 @@ Jump NextJump(int page, const NavInput& in) {
         case 4: return Direct(kPagePacketProfile);
         default: return Stay();
         }
-    case kPageAddAclProfile: return Stay();  // never left on screen (Part 5.1)
+    case kPageAddAclProfile: return Stay();  // never left on screen
     case kPageSelectProfile:
         if (in.strProfileTypeName == "Ethernet") return Direct(kPageEthRule);
         if (in.strProfileTypeName == "IPv4") return Direct(kPageIPv4Rule);
@@ -219,14 +219,14 @@ long RuleTypeOfPage(int page) {
     }
 }
 
-// --- "Add profile" (Part 5.2) ------------------------------------------------------------
+// --- "Add profile" -----------------------------------------------------------------------
 
 bool AddProfileModelTable(const std::string& model, long nACLKind, AddProfileModelRow& row) {
     struct Entry {
         const char* model;
         AddProfileModelRow acl, cpu;
     };
-    // Part 5.2's table: profile IDs, Packet Content radio, IPv6 radio, Profile Name.
+    // Per model: profile IDs, Packet Content radio, IPv6 radio, Profile Name.
     static const Entry kTable[] = {
         {"TVG5240-10", {200, true, true, false}, {5, true, true, false}},
         {"TVR4512", {6, true, true, true}, {5, true, true, false}},

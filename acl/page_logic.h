@@ -1,4 +1,4 @@
-// Plain logic of the wizard's first pages (Parts 1.3, 5.1), kept free of windows so that it
+// Plain logic of the wizard's first pages, kept free of windows so that it
 // is tested natively (DESIGN.md section 3): column comparisons for sorting the device list,
 // the target-selection rules of page 0 and the navigation table of all pages.
 #pragma once
@@ -9,9 +9,9 @@
 namespace acl::pages {
 
 // ---------------------------------------------------------------------------------------
-// Sorting (Part 5.1, device list filling): a click on a column header sorts by that column.
+// Sorting of the device list: a click on a column header sorts by that column.
 
-// Device list columns (Part 1.3).
+// Device list columns.
 enum DeviceColumn : int {
     kColCheck = 0,
     kColName = 1,
@@ -24,7 +24,7 @@ enum DeviceColumn : int {
 };
 
 // Dotted addresses part by part as numbers: four parts, then equal. A part that is missing
-// or not a number counts as 0 (the system never checks the host's texts, Part 1.2).
+// or not a number counts as 0 (the system never checks the host's texts).
 int CompareDottedAddress(const std::string& a, const std::string& b);
 // Decimal numbers, converted as the C library's ASCII-to-integer does.
 int CompareNumberText(const std::string& a, const std::string& b);
@@ -32,11 +32,10 @@ int CompareNumberText(const std::string& a, const std::string& b);
 int CompareText(const std::string& a, const std::string& b);
 // The comparison of a device-list column: 3 addresses, 6 numbers, the rest strings.
 int CompareDeviceColumn(int column, const std::string& a, const std::string& b);
-// Parts 5.2 and 5.4: the profile lists sort column 0 (the profile ID) as numbers, the rest as strings.
+// The profile lists of Add profile and the Confirmation Page sort column 0 (the profile ID) as numbers, the rest as strings.
 int CompareProfileColumn(int column, const std::string& a, const std::string& b);
 
-// Sort direction of the device list. Left to the implementer: Part 5.1 says ascending on
-// the first click and toggling on each further click; we count clicks per column, so a click
+// Sort direction of the device list: ascending on the first click and toggling on each further click; we count clicks per column, so a click
 // on a new column always sorts it ascending and further clicks on it toggle, as users expect.
 class SortToggle {
 public:
@@ -50,7 +49,7 @@ private:
 };
 
 // ---------------------------------------------------------------------------------------
-// Target validation (Part 5.1, page 0, Next).
+// Target validation (page 0, Next).
 
 inline constexpr int kMaxTargets = 10;  // the sheet's array of `ACLTarget`
 
@@ -66,27 +65,26 @@ enum class TargetVerdict {
     kNoDevice,         // "Please select the device !"
     kNotSupported,     // "Havent't developed the ACL function for the device!"
     kDifferentType,    // "Please select the same device type!"
-    kTooManyDevices,   // more than kMaxTargets checked: our own message (left to the implementer)
+    kTooManyDevices,   // more than kMaxTargets checked: our own message
 };
 
 struct TargetSelection {
     TargetVerdict verdict = TargetVerdict::kNoDevice;
     // The rows stored as targets, in list order; on a refusal those accepted before the
-    // failing row (Part 5.1, Failure handling), at most kMaxTargets.
+    // failing row, at most kMaxTargets.
     std::vector<CheckedDevice> targets;
     int nCheckedCount = 0;  // every checked row, for the too-many message
 };
 
 // Walks the checked rows in list order. The first row's type must be among `supportedTypes`
 // (exact, whole string); every further row must have the type of the row before it.
-// Left to the implementer: more than kMaxTargets rows that pass both rules are refused as a
-// whole (never a silent cut): the type rules are judged first over all rows, as the spec
-// orders them, and only a selection that passes them can be refused for its size.
+// More than kMaxTargets rows that pass both rules are refused as a whole (never a silent
+// cut): the type rules are judged first over all rows, and only a selection that passes them can be refused for its size.
 TargetSelection SelectTargets(const std::vector<CheckedDevice>& checkedRows,
                               const std::vector<std::string>& supportedTypes);
 
 // ---------------------------------------------------------------------------------------
-// Navigation (Part 5.1, navigation rules of all pages).
+// Navigation between all pages.
 
 enum Page : int {
     kPageDeviceList = 0,      // CACLStep0
@@ -126,7 +124,7 @@ struct Jump {
 // What the navigation depends on, from the sheet's shared state and the page's choices.
 struct NavInput {
     int nActionChoice = 0;     // page 2: 1 create profile, 2 create rule, 3 modify profile, 4 modify rule
-    int nProfileChoice = 0;    // page 3: 1 Ethernet, 2 IPv4, 3 IPv6, 4 Packet Content (Part 5.2 radios)
+    int nProfileChoice = 0;    // page 3: 1 Ethernet, 2 IPv4, 3 IPv6, 4 Packet Content (the radios)
     std::string strProfileTypeName;  // page 5: the selected profile's type name, "" when none
     long nProfileType = 0;     // m_nProfileType: 1 Ethernet, 2 IPv4, 3 IPv6, 5 Packet Content
     long nRuleType = 0;        // m_nRuleType: 1 Ethernet, 2 IPv4, 3 IPv6, 4 Packet Content
@@ -141,9 +139,9 @@ long ProfileTypeOfPage(int page);
 long RuleTypeOfPage(int page);
 
 // ---------------------------------------------------------------------------------------
-// "Add profile" (Part 5.2, `CACLStep2`).
+// "Add profile" (`CACLStep2`).
 
-// One row of Part 5.2's model table for an ACL kind (1 ordinary, 2 CPU).
+// What Add profile offers on a model for an ACL kind (1 ordinary, 2 CPU).
 struct AddProfileModelRow {
     int nProfileIds = 0;         // N: "Select Profile ID" offers "1" to "N"
     bool bPacketEnabled = true;  // "Packet Content ACL" radio
@@ -175,7 +173,7 @@ AddProfileVerdict CheckAddProfile(const std::string& model, long nACLKind, const
 // keeps the others' indexes valid).
 std::vector<int> UsedProfileIdItems(const std::vector<std::string>& items, const std::vector<long>& usedIds,
                                     int nProfileIds);
-// The C library's ASCII-to-integer of a list cell (Part 5.2 copies column 0 "as integers").
+// The C library's ASCII-to-integer of a list cell (Add profile copies column 0 as integers).
 long CellToInteger(const std::string& text);
 
 }  // namespace acl::pages

@@ -23,7 +23,7 @@ std::string OwnerCell(AclType type, const AclRecord& record, AclOwner owner, con
 
 bool Is(const std::string& cell, const char* code) { return cell == code; }
 
-// Left to the implementer (Part 5.2 names the IPv4 rows, not their values): a protocol row
+// The page names the IPv4 rows, not their values: a protocol row
 // reads "Enabled" when the profile's protocol selector (cell 6) is that protocol; ICMP type and
 // code from "IcmpOption" (2 type, 3 code, 4 both); port masks only under their own protocol.
 void AddIpv4(std::vector<DetailRow>& rows, const AclRecord& r) {

@@ -1,6 +1,6 @@
-// Part 5.2: the details of a profile read from a switch, as "Add profile" shows them when a
+// The details of a profile read from a switch, as "Add profile" shows them when a
 // row of its profile list is clicked: rows of a label and a value, from the profile's record
-// (Part 4.1 cell order, as the reader of Part 4.3 fills it). Portable: the labels are named
+// (in its cell order, as the reader fills it). Portable: the labels are named
 // here by position, and the page takes their texts from the string table in this order.
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace acl {
 
-// In the order of Part 5.2's list of labels; the string table holds them in the same order.
+// In the order the page lists them; the string table holds them in the same order.
 enum class DetailLabel : int {
     kProfileId, kProfileType, kOwnerType, kProfileName,
     // Ethernet

@@ -116,7 +116,7 @@ constexpr const char* kClose18 = "1.3.6.1.4.1.32473.12.1.2.18.4.0";
 
 std::string Under(const char* suffix) { return std::string(kAcl) + "." + suffix; }
 
-// Part 2.2 table 5: the closing-request scalar of the model; INTEGER, writable.
+// The closing-request scalar of the model; INTEGER, writable.
 ScalarDef Closing(const char* oid) {
   ScalarDef s;
   s.name = "ClosingRequest";
@@ -126,11 +126,11 @@ ScalarDef Closing(const char* oid) {
   return s;
 }
 
-// --- Part 4.2: the ACL tables as data ------------------------------------------------------
+// --- the ACL tables as data ----------------------------------------------------------------
 //
-// A table is written as "column:name:type" items, in the words of Part 4.2's named-column
+// A table is written as "column:name:type" items, in the words of the MIB's named-column
 // table, per model where the models differ. Types:
-//   idx0 idx1  index part 0 / 1 (ProfileID, AccessID), read-only, shows the index
+//   idx0 idx1  first / second index (ProfileID, AccessID), read-only, shows the index
 //   int        INTEGER (read-create, default 0)     flag   INTEGER 1..2 (default 2)
 //   state      address-mask state 1..4 (default 1)  act    action 1..3 (default 2)
 //   rs         RowStatus                            ip     IpAddress (default 0.0.0.0)
@@ -139,17 +139,17 @@ ScalarDef Closing(const char* oid) {
 //   ports      port bitmap of the model's length    own    owner (read-only: 1 or 2)
 //   ro         read-only INTEGER (unused rule entries, 128)
 
-struct TableSpec {
+struct TableText {
   const char* name;
   const char* entry;  // below 1.3.6.1.4.1.32473.12.9
   const char* columns;
 };
 
-TableDef Table(const TableSpec& spec, size_t portBytes, int64_t owner) {
+TableDef Table(const TableText& text, size_t portBytes, int64_t owner) {
   TableDef t;
-  t.name = spec.name;
-  t.entry = OidOf(Under(spec.entry));
-  std::string_view cols(spec.columns);
+  t.name = text.name;
+  t.entry = OidOf(Under(text.entry));
+  std::string_view cols(text.columns);
   bool rule = false;
   while (!cols.empty()) {
     size_t sp = cols.find(' ');
@@ -177,14 +177,14 @@ TableDef Table(const TableSpec& spec, size_t portBytes, int64_t owner) {
     else if (type[0] == 's') c = WithDefault(TextColumn(number, name, n()), snmp::Value::OctetString(""));
     else if (type[0] == 'h') c = WithDefault(TextColumn(number, name, n()), snmp::Value::OctetString(""));
     else {
-      std::fprintf(stderr, "sim: bad column type in %s\n", spec.name);
+      std::fprintf(stderr, "sim: bad column type in %s\n", text.name);
       std::abort();
     }
     t.columns.push_back(std::move(c));
   }
   std::sort(t.columns.begin(), t.columns.end(),
             [](const ColumnDef& a, const ColumnDef& b) { return a.number < b.number; });
-  // Profile IDs from 1; Access IDs from 0 (TVR4510's IPv6 rules start at 0, Part 2.2).
+  // Profile IDs from 1; Access IDs from 0 (TVR4510's IPv6 rules start at 0).
   t.index = rule ? std::vector<IndexPart>{IndexPart{1, 65535}, IndexPart{0, 65535}}
                  : std::vector<IndexPart>{IndexPart{1, 65535}};
   return t;
@@ -259,16 +259,16 @@ std::string Cat(std::initializer_list<const char*> parts) {
   return s;
 }
 
-// What distinguishes the models (Parts 2.2 and 4.2).
+// What distinguishes the models.
 struct ModelShape {
   const char* closing;
   size_t portBytes;       // 4, 8 (TVR4512) or 96 (TVG5470, TVG5690)
   bool layout1;           // TVR4510
   bool tvgPair;           // TVG5470, TVG5690: own column positions
   bool named;             // TVR4512: profile-name columns
-  bool tvr4820;           // its IPv6 rule columns (Part 4.2: 12 action, 13 ports, 15 row status)
+  bool tvr4820;           // its IPv6 rule columns (12 action, 13 ports, 15 row status)
   bool cpuEthNo8021p;     // TVG5690: its CPU Ethernet profiles have no column 6
-  size_t protoMaskBytes;  // 20 on TVR4510, TVR4820 (five 8-digit fields, Part 5.2)
+  size_t protoMaskBytes;  // 20 on TVR4510, TVR4820 (five 8-digit fields)
   unsigned ordProfiles, ordRules, cpuProfiles, cpuRules;  // bit 0 E, 1 IPv4, 2 IPv6, 3 PC
   PacketShape ordProfileShape, ordRuleShape;
 };
@@ -277,7 +277,7 @@ MibDef BuildModel(const ModelShape& m) {
   MibDef d;
   d.scalars = {Closing(m.closing)};
   auto add = [&](const char* name, const std::string& entry, const std::string& cols, int64_t owner) {
-    d.tables.push_back(Table(TableSpec{name, entry.c_str(), cols.c_str()}, m.portBytes, owner));
+    d.tables.push_back(Table(TableText{name, entry.c_str(), cols.c_str()}, m.portBytes, owner));
   };
   const std::string protoMask = " 18:ProtolIDMask:b" + std::to_string(m.protoMaskBytes);
   const char* L = m.layout1 ? "1" : "2";  // profile branch
@@ -327,7 +327,7 @@ MibDef BuildModel(const ModelShape& m) {
       default: add("PacketRule", RE(".3.1"), kBlock16Rule, 1); break;
     }
   }
-  // CPU ACL (Part 2.2: profiles under .4, rules under .5 on every model).
+  // CPU ACL: profiles under .4, rules under .5 on every model.
   if (m.cpuProfiles & 1)
     add("CpuEthernetProfile", "4.1.1",
         m.cpuEthNo8021p
@@ -338,7 +338,7 @@ MibDef BuildModel(const ModelShape& m) {
   if (m.cpuProfiles & 2) add("CpuIpv4Profile", "4.2.1", Cat({kIpv4ProfileHead, protoMask.c_str()}), 2);
   if (m.cpuProfiles & 4) add("CpuIpv6Profile", "4.4.1", kIpv6Profile, 2);
   if (m.cpuProfiles & 8) add("CpuPacketProfile", "4.3.1", kBlock16Profile, 2);
-  // Part 4.2: on the TVG pair the CPU rules keep the ports before the row status.
+  // On the TVG pair the CPU rules keep the ports before the row status.
   const bool swapped = m.tvgPair;
   if (m.cpuRules & 1)
     add("CpuEthernetRule", "5.1.1",
@@ -358,7 +358,7 @@ const std::map<std::string, MibDef, std::less<>>& Mibs() {
     using PS = PacketShape;
     constexpr unsigned E = 1, V4 = 2, V6 = 4, PC = 8;
     std::map<std::string, MibDef, std::less<>> m;
-    // Part 2.2 tables 1, 2 and 5; Part 4.2 for the port bitmap lengths.
+    // Tables offered, closing scalar and port bitmap length per model.
     // closing, ports, layout1, tvgPair, named, tvr4820, cpuEthNo8021p, protocol-mask bytes,
     // ordinary profiles / rules, CPU profiles / rules, ordinary packet shapes (profiles, rules).
     m["TVG5240-10"] = BuildModel({kClose6, 4, false, false, false, false, false, 4, E | V4 | V6 | PC,

@@ -1,6 +1,5 @@
 // The simulator's MIB definitions as data: scalars and tables (column OIDs, value types,
-// access, index parts), one set per switch model. Issue 4 (ACL core) adds every ACL table of
-// Part 4.2 here; everything else in the simulator works from these definitions.
+// access, index parts), one set per switch model, every ACL table included; everything else in the simulator works from these definitions.
 #pragma once
 
 #include <cstdint>
@@ -71,7 +70,7 @@ ColumnDef ReadOnlyTextColumn(uint32_t number, std::string name, std::string valu
 ColumnDef WithDefault(ColumnDef c, snmp::Value v);
 snmp::Oid OidOf(std::string_view text);  // aborts on a bad literal (definitions are code)
 
-// The MIB of a model of the catalogue (Part 2.2), or nullptr for texts without one.
+// The MIB of a model of the catalogue, or nullptr for texts without one.
 const MibDef* ModelMib(std::string_view model);
 // The model names that have a MIB.
 std::vector<std::string> ModelNames();

@@ -106,7 +106,7 @@ std::optional<std::string> Switch::Handle(const uint8_t* data, size_t size) {
   if (snmp::DecodeMessage(data, size, m) != snmp::DecodeError::kOk) return std::nullopt;
   if (m.version != 0) return std::nullopt;  // SNMPv1 only
   bool isSet = m.pdu.type == snmp::kTagSetRequest;
-  // A wrong community is dropped silently (RFC 1157 4.1; Part 2.1 failure handling).
+  // A wrong community is dropped silently (RFC 1157 4.1): the client sees a time-out.
   bool writeOk = !config_.writeCommunity.empty() && m.community == config_.writeCommunity;
   bool readOk = writeOk || m.community == config_.readCommunity;
   if (isSet ? !writeOk : !readOk) return std::nullopt;

@@ -119,7 +119,7 @@ inline DecodeError DecodeMessage(std::string_view bytes, Message& out) {
 }
 const char* DecodeErrorText(DecodeError e);
 
-// Value rendering of Part 2.1: INTEGER and the unsigned types as decimal text, IpAddress as
+// How values are handed to callers: INTEGER and the unsigned types as decimal text, IpAddress as
 // dotted text, OCTET STRING as its raw octets, OID as dotted text, NULL as "", Opaque as
 // upper-case hex pairs joined by blanks.
 std::string RenderValue(const Value& v);

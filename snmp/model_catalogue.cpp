@@ -40,7 +40,7 @@ constexpr ModelEntry Unsupported(const char* text) {
                     RxNone,    {{CNone, CNone}, {CNone, CNone}}};
 }
 
-// Tables 1 to 5 of Part 2.2. accessIds rows are {Ethernet, IPv4, IPv6, Packet Content}.
+// The models, their tables, ranges and closing requests. accessIds rows are {Ethernet, IPv4, IPv6, Packet Content}.
 constexpr ModelEntry kCatalogue[] = {
     {"TVG5240-10", true, MibLayout::kLayout2, 10,
      {E | V4 | V6 | PC, E | V4 | V6 | PC}, {E | V4 | V6 | PC, E | V4 | V6 | PC},

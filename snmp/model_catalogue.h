@@ -1,4 +1,4 @@
-// Part 2.2: the catalogue of switch models. One static table (tables 1 to 5 of Part 2.2 as
+// The catalogue of switch models. One static table (the models' limits, tables and closing requests as
 // data) and one lookup; no other code compares device-type texts.
 #pragma once
 
@@ -47,7 +47,7 @@ struct ModelEntry {
   RxRateRange rx;            // label nullptr: the model has no Rx Rate
   ClosingRequest closing[2][2];  // [owner - 1][AclKind]
 
-  // Queries of Part 2.2. An unsupported entry answers nothing (no range, no type, kNone).
+  // Queries. An unsupported entry answers nothing (no range, no type, kNone).
   std::optional<AccessIdRange> accessIdRange(AclOwner owner, AclType ruleType) const;
   std::optional<RxRateRange> rxRange() const;  // ordinary ACL only; the CPU ACL has none
   bool offersRuleType(AclOwner owner, AclType type) const;
@@ -68,13 +68,13 @@ const ModelEntry* LookupSupportedModel(std::string_view typeText);
 const ModelEntry* CatalogueBegin();
 const ModelEntry* CatalogueEnd();
 
-// The decimal conversion of Part 2.2 / 4.1: leading blanks and one sign are skipped, then
+// The decimal conversion of the range checks: leading blanks and one sign are skipped, then
 // digits are read up to the first non-digit ("12ab" is 12, "ab" is 0); saturates at the long
 // range.
 long ParseLeadingDecimal(std::string_view text);
 
 enum class RangeCheck { kEmpty, kInRange, kOutOfRange };
-// Part 2.2's rule: an empty field is not checked (kEmpty; the caller decides); otherwise the
+// Range rule: an empty field is not checked (kEmpty; the caller decides); otherwise the
 // converted value must satisfy min <= value <= max, or be 0 when zeroAllowed.
 RangeCheck CheckRange(std::string_view text, long min, long max, bool zeroAllowed = false);
 // The same with the model's ranges; kOutOfRange when the model has no such range.

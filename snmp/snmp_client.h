@@ -1,4 +1,4 @@
-// Part 2.1: the SNMP client library that the spec calls `snmp.dll`, with the classes and the
+// The SNMP client library (`snmp.dll` on the classic host), with the classes and the
 // call contract of its interface table: `CSnmp` (a variable-binding list, also the type of an
 // answer), `CSnmpV1` (a request object) and `CSnmpTable` (a walker). Our own implementation:
 // SNMPv1 only, one request and one answer per exchange, no retries.
@@ -14,7 +14,7 @@
 #include "snmp/ber.h"
 #include "snmp/udp_transport.h"
 
-// Value type codes of Part 2.1.
+// Value type codes of addValue.
 enum SnmpTypeCode : int {
   kSnmpInteger = 1,
   kSnmpOctetString = 2,
@@ -22,16 +22,16 @@ enum SnmpTypeCode : int {
   kSnmpIpAddress = 8,
 };
 
-// PDU kinds for CSnmpV1::setType (Part 2.1 uses 1 and 3; 0 is a GetRequest, for tools).
+// PDU kinds for CSnmpV1::setType (the plug-in uses 1 and 3; 0 is a GetRequest, for tools).
 enum SnmpRequestType : int {
   kSnmpGetRequest = 0,
   kSnmpGetNextRequest = 1,
   kSnmpSetRequest = 3,
 };
 
-constexpr unsigned long kSnmpTimeoutMs = 3000;  // Part 2.1: every request waits at most 3 s
+constexpr unsigned long kSnmpTimeoutMs = 3000;  // every request waits at most 3 s
 
-// Non-zero returns of CSnmpV1::send and CSnmpTable::getNext. The callers of the spec only
+// Non-zero returns of CSnmpV1::send and CSnmpTable::getNext. The plug-in's callers only
 // compare with 0; the distinct values help tests and tools.
 enum SnmpSendStatus : int {
   kSnmpOk = 0,
@@ -61,15 +61,15 @@ class CSnmp {
   // Appends an OCTET STRING binding of exactly `length` bytes (zero bytes included).
   int addValue(const char* oid, int type, const char* value, unsigned long length);
 
-  // Answer accessors (Part 2.1). Each returns 0 on success, -1 for a bad position.
+  // Answer accessors. Each returns 0 on success, -1 for a bad position.
   virtual int getError(int& errorStatus, int& errorIndex);
   virtual int getVarBindCount();
   virtual int getOid(int index, char*& oid);
-  // The value rendered as Part 2.1 says: INTEGER and unsigned types as decimal text, IpAddress
+  // The value rendered: INTEGER and unsigned types as decimal text, IpAddress
   // as dotted text, OCTET STRING as its raw octets followed by a zero byte.
   virtual int getValue(int index, char*& value);
   // The same, and beside it the type's name ("INTEGER", "OCTET STRING", ...): the "second
-  // text" of Part 2.1, which the system ignores.
+  // text" beside the value, which the system ignores.
   virtual int getValue(int index, char*& value, char*& typeName);
   // Extensions: the rendered value's length in bytes (octet strings may hold zero bytes) and
   // the BER tag of the value; -1 for a bad position.
@@ -92,7 +92,7 @@ class CSnmp {
 
 class CSnmpV1 : public CSnmp {
  public:
-  // Part 2.1: always constructed with 0. The integer is reserved and has no effect.
+  // Always constructed with 0. The integer is reserved and has no effect.
   explicit CSnmpV1(int reserved = 0);
   ~CSnmpV1() override;
 
@@ -129,7 +129,7 @@ class CSnmpTable {
   CSnmpTable(const CSnmpTable&) = delete;
   CSnmpTable& operator=(const CSnmpTable&) = delete;
 
-  // One GetNext step (Part 2.1): the first asks for the successors of the column OIDs, each
+  // One GetNext step: the first asks for the successors of the column OIDs, each
   // later one for the successors of the OIDs that the previous step returned. Returns 0 and
   // hands out the answer while every returned OID lies under its column and is greater than
   // the OID asked for; non-zero at the end of the table, on an error status, on a time-out,

@@ -24,7 +24,7 @@ SnmpBinding SnmpBinding::IpAddress(std::string oid, std::string dottedText) {
 SnmpSetResult SnmpSet(const std::string& agent, const std::string& writeCommunity,
                       const std::vector<SnmpBinding>& bindings, unsigned long timeoutMs) {
   SnmpSetResult result;
-  // Step 1: type, then clear, then community (Part 2.1).
+  // Step 1: type, then clear, then community, in this order.
   CSnmpV1 request(0);
   request.setType(kSnmpSetRequest);
   request.clearVarBindList();

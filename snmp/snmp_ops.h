@@ -1,6 +1,6 @@
-// Part 2.1: the two operations through which the rest of the system reaches a device, the
+// The two operations through which the rest of the system reaches a device, the
 // verdict words and the index extraction. Built on CSnmpV1 / CSnmp / CSnmpTable exactly in the
-// call order that Part 2.1's algorithms give.
+// call order the classic library needs.
 #pragma once
 
 #include <cstddef>
@@ -27,7 +27,7 @@ struct SnmpBinding {
   static SnmpBinding IpAddress(std::string oid, std::string dottedText);
 };
 
-// The outcome of a set (Part 2.1).
+// The outcome of a set.
 struct SnmpSetResult {
   int sendStatus = 0;      // the library's return from send; 0 means an answer arrived
   bool responded = false;  // an answer object was handed out
@@ -42,7 +42,7 @@ SnmpSetResult SnmpSet(const std::string& agent, const std::string& writeCommunit
                       unsigned long timeoutMs = kSnmpTimeoutMs);
 
 // One binding of a walked row: the instance OID (dotted text) and the value rendered as
-// Part 2.1 says (octet strings as their exact bytes; `value.size()` is their length).
+// the client renders it (octet strings as their exact bytes; `value.size()` is their length).
 struct SnmpRowBinding {
   std::string oid;
   std::string value;
@@ -63,12 +63,12 @@ size_t SnmpWalk(const std::string& agent, const std::string& readCommunity,
                 const std::vector<std::string>& columnOids, const SnmpRowConsumer& consumer,
                 unsigned long timeoutMs = kSnmpTimeoutMs);
 
-// Index extraction (Part 2.1): the row's first binding OID with the first column's OID and the
+// Index extraction: the row's first binding OID with the first column's OID and the
 // "." after it removed from the front ("1.2" for a two-part index). A leading "." on either text
 // is ignored. Returns "" when the binding does not lie under the column.
 std::string SnmpIndexText(std::string_view firstColumnOid, std::string_view firstBindingOid);
 
-// Verdict words (Part 2.1): no answer gives "fail", an answer with a non-zero error status
+// Verdict words: no answer gives "fail", an answer with a non-zero error status
 // "Fail", an answer with status 0 "Succeed" — or "Success" on the one apply path that says so.
 enum class SnmpSuccessWord { kSucceed, kSuccess };
 const char* SnmpVerdict(const SnmpSetResult& result,

@@ -20,7 +20,7 @@ constexpr uint16_t kSnmpPort = 161;
 
 // "a.b.c.d" (port = defaultPort) or "a.b.c.d:port". Four decimal numbers 0..255, nothing else.
 // The ":port" form is an extension for tests and tools; the plug-in passes plain addresses
-// and so always reaches UDP 161 (Part 2.1).
+// and so always reaches UDP 161 (the switches' agent port).
 bool ParseEndpoint(std::string_view text, uint16_t defaultPort, Endpoint& out);
 
 class UdpSocket {
