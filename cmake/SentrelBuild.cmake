@@ -9,7 +9,7 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
 endif()
 
 if(WIN32)
-  # The spec's world is Win32 ANSI: 8-bit strings in the ANSI code page (Overview, Conventions).
+  # The host runs Win32 ANSI: 8-bit strings in the ANSI code page, as the host hands them over.
   add_compile_definitions(WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601 WINVER=0x0601
                           _WIN32_IE=0x0600)
   # Everything static so the DLL and the programs need nothing beside the system DLLs.

@@ -135,12 +135,12 @@ if [ -n "$sim_pid" ]; then
   fi
 fi
 
-# Part 1.1: the host first (its objects and type library), then the plug-in, whose
+# The host first (its objects and type library), then the plug-in, whose
 # DllRegisterServer calls IHostSystem::RegisterPlugIn for both classes.
 echo "run-demo: registering OrblaneHost.dll and Sentrel.dll in $SENTREL_WINEPREFIX"
 "$wine_run" regsvr32 /s "$(winpath "$host_dll")"
 "$wine_run" regsvr32 /s "$(winpath "$sentrel_dll")"
-# Part 1.2: RootName, RadiusSite and the device types with and without "ACLExe".
+# The host's settings: RootName, RadiusSite and the device types with and without "ACLExe".
 "$wine_run" regedit /S "$(winpath "$root/host/demo/demo.reg")"
 
 orblane_args=("$(winpath "$orblane")" --site "$(winpath "$site")")
@@ -216,7 +216,7 @@ if ! grep -qx 'result ok' "$report"; then
   exit 1
 fi
 
-# The outside referee: net-snmp's snmpwalk reads the profile table of the type (Part 4.2) on
+# The outside referee: net-snmp's snmpwalk reads the profile table of the type on
 # every switch the walk configured; each profile's row must be there and active (RowStatus 1).
 grep -q '^profile ' "$report" || { echo "run-demo: FAILED: the walk's report names no profile" >&2; exit 1; }
 missing=0

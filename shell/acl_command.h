@@ -1,4 +1,4 @@
-// Part 1.1: the ACL Manager command of CSentrelCfg.
+// The ACL Manager command of CSentrelCfg.
 #pragma once
 
 namespace shell {

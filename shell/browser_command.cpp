@@ -12,9 +12,9 @@
 namespace shell {
 namespace {
 
-constexpr DWORD kBrowserCommandBytes = 200;  // terminating zero included (Part 1.4)
+constexpr DWORD kBrowserCommandBytes = 200;  // terminating zero included
 
-// One pass of step 2: accepted when both texts exist, a drive letter stands before ":\"
+// One pass of the lookup: accepted when both texts exist, a drive letter stands before ":\"
 // and the extension starts no more than 4 characters before it.
 bool FindProgramSpan(const std::string& command, const char* extension, std::string& path) {
     const size_t p = command.find(":\\");
@@ -58,7 +58,8 @@ void RunRadiusServerCommand() {
         return;
     }
     // Browser path, one blank, the address, no quotes; CreateProcessA may write to the
-    // buffer, so it is a writable copy sized to the whole line (Left to the implementer).
+    // buffer, so it is a writable copy sized to the whole line (path, blank and
+    // address can reach 259 characters).
     const std::string line = browser + " " + site;
     std::vector<char> commandLine(line.begin(), line.end());
     commandLine.push_back('\0');

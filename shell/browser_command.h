@@ -1,4 +1,4 @@
-// Part 1.4: the RADIUS server command and the lookup of the default browser.
+// The RADIUS server command and the lookup of the default browser.
 #pragma once
 #include <string>
 

@@ -1,4 +1,4 @@
-// Part 1.1: one class factory for every class of the table. Its count and LockServer use
+// One class factory for every class of the table. Its count and LockServer use
 // interlocked operations; LockServer holds the module lock count.
 #pragma once
 #include <windows.h>

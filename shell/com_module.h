@@ -1,5 +1,5 @@
-// Part 1.1: the COM module record (the ATL module of the spec, table-driven as in the
-// classic samples): instance handles, lock count, class table, type-information cache.
+// The COM module record, table-driven (one class table behind one class factory type):
+// instance handles, lock count, class table, type-information cache.
 #pragma once
 #include <windows.h>
 #include <oaidl.h>

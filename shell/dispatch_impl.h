@@ -1,4 +1,4 @@
-// Part 1.1: IDispatch of a dual interface, served from a registered type library
+// IDispatch of a dual interface, served from a registered type library
 // (version 1.0) that is loaded on first use and cached by the module.
 #pragma once
 #include <windows.h>

@@ -1,4 +1,4 @@
-// Part 1.1: the module's entry point and its four exports (named in res/Sentrel.def).
+// The module's entry point and its four exports (named in res/Sentrel.def).
 #include <windows.h>
 
 #include "shell/com_module.h"

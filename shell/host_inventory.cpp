@@ -111,8 +111,8 @@ bool CDomainTreeLoader::Load(HWND hwndOwner) {
         return false;
     }
 
-    // A document without "Operation", "DDS" or "Root" leaves the tree empty (Left to the
-    // implementer: an empty tree rather than a stale one; no message is defined).
+    // A document without "Operation", "DDS" or "Root" leaves the tree empty, without a
+    // message: an empty tree rather than a stale one.
     ui::ComPtr<IXMLDOMElement> operation, dds, root;
     if (document) operation = xml::FirstChildElement(document.Get(), L"Operation");
     if (operation) dds = xml::FirstChildElement(operation.Get(), L"DDS");
@@ -156,7 +156,7 @@ bool CDomainTreeLoader::Load(HWND hwndOwner) {
 }
 
 // Only the children of "Root" are read as "Domain" elements: the depth counter is shared by
-// all levels and only grows, so every later level reads "Submap" elements (Part 1.2).
+// all levels and only grows, so every later level reads "Submap" elements.
 void CDomainTreeLoader::AddChildren(IXMLDOMElement* node, HTREEITEM parent) {
     const bool domains = m_nDepth == 1;
     const wchar_t* childName = domains ? L"Domain" : L"Submap";

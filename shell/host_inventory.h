@@ -1,4 +1,4 @@
-// Part 1.2: what the plug-in learns from the host: registry settings, the opened submap,
+// What the plug-in learns from the host: registry settings, the opened submap,
 // the domain tree, the devices of a tree node and the host's selected device.
 #pragma once
 #include <windows.h>
@@ -8,7 +8,7 @@
 
 namespace shell {
 
-// Opened submap ID: 0 when the module is loaded, -1 means none (Part 1.2).
+// Opened submap ID: 0 when the module is loaded, -1 means none.
 extern long g_lOpenedSubmapID;
 
 // One host device as a row of the device list, in column order 1..6 (column 0 is the check box).
@@ -27,7 +27,7 @@ inline constexpr char kNonSnmpDevice[] = "NonSNMPDevice";
 // File that every device-list fill writes into the current directory.
 inline constexpr char kDeviceListFile[] = "RListDeviceFromGroup.xml";
 
-// Registry value names (Part 1.2).
+// Registry value names under the host's keys.
 inline constexpr char kRootName[] = "RootName";
 inline constexpr char kRadiusSite[] = "RadiusSite";
 inline constexpr char kACLExe[] = "ACLExe";
@@ -49,7 +49,7 @@ std::string HostErrorText(long lResult);
 // The IP text of the device selected in the host; "" when none or the host is unavailable.
 std::string HostSelectedDeviceIP();
 
-// The device list as Part 1.2 needs it: the device panel's list control implements this.
+// The device list as the fill needs it: the device panel's list control implements this.
 class DeviceRowList {
 public:
     virtual ~DeviceRowList() = default;
@@ -63,7 +63,8 @@ public:
     virtual void CheckSelectAndFocus(int row) = 0;
 };
 
-// Builds the tree control from the host's domain tree (Part 1.2, tree building).
+// Builds the tree control from the host's domain tree (domains and submaps, expanded,
+// the opened submap selected).
 class CDomainTreeLoader {
 public:
     void SetTree(HWND hwndTree) { m_hwndTree = hwndTree; }
@@ -78,7 +79,7 @@ private:
     int m_nDepth = 0;
 };
 
-// Device list from the tree's selected node (Part 1.2): empties the list, stores the node ID
+// Device list from the tree's selected node: empties the list, stores the node ID
 // in *pnCurrentNode, asks the host, saves "RListDeviceFromGroup.xml" and appends one row
 // per usable "DEVICEINFO". An XML failure stops the fill with "Failed to get device list !"
 // (caption "Sentrel Config"); rows already appended stay.

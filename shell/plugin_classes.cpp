@@ -13,12 +13,12 @@ const HostCommandTexts CSentrel::kTexts = {IDS_RADIUS_MENU_PATH, IDS_RADIUS_MENU
 const HostCommandTexts CSentrelCfg::kTexts = {IDS_CFG_MENU_PATH, IDS_CFG_MENU_ITEM, IDS_CFG_PROMPT,
                                               IDS_TOOLBAR_MENU, IDS_TOOLBAR_TITLE};
 
-// Neither command selects the framework module state (Part 1.1); both run modally here.
+// Neither command selects the framework module state; both run modally here.
 void CSentrel::RunCommand() { RunRadiusServerCommand(); }
 void CSentrelCfg::RunCommand() { RunAclManagerCommand(); }
 
 STDMETHODIMP CSentrelCfg::OpenedSubmapID(long lSubmapID) {
-    g_lOpenedSubmapID = lSubmapID;  // no check of the value (Part 1.1)
+    g_lOpenedSubmapID = lSubmapID;  // any value, -1 (none) included
     return E_NOTIMPL;
 }
 

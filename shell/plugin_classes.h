@@ -1,10 +1,10 @@
-// Part 1.1: the two host command classes and the module's class table.
+// The two host command classes and the module's class table.
 #pragma once
 #include "shell/plugin_object.h"
 
 namespace shell {
 
-// "&Raduis Server..." under "&UserMgr": opens the RADIUS server page (Part 1.4).
+// "&Raduis Server..." under "&UserMgr": opens the RADIUS server page.
 class CSentrel final : public PlugInObject<CSentrel, ICSentrel, &IID_ICSentrel> {
 public:
     static const HostCommandTexts kTexts;
@@ -12,7 +12,7 @@ public:
     void RunCommand();
 };
 
-// "&ACL Manager..." under "&Plug-In/&Halvo Console Plug-In": runs the ACL wizard (Part 5.1);
+// "&ACL Manager..." under "&Plug-In/&Halvo Console Plug-In": runs the ACL wizard;
 // also told by the host which submap is open.
 class CSentrelCfg final : public PlugInObject<CSentrelCfg, ICSentrelCfg, &IID_ICSentrelCfg> {
 public:
@@ -27,7 +27,7 @@ public:
 // TVE4060Produre is in the type library only.
 ClassEntry* ClassTable();
 
-// Registration routines of the table (Part 1.1, Algorithms).
+// Registration routines of the table: the ProgID, version-independent ProgID and class keys.
 HRESULT UpdateRegistryCSentrel(bool bRegister);
 HRESULT UpdateRegistryCSentrelCfg(bool bRegister);
 

@@ -1,4 +1,4 @@
-// Part 1.1: the common body of the two host command classes: their own dual interface,
+// The common body of the two host command classes: their own dual interface,
 // the host's IHostPlugIn, the QueryInterface order, aggregation and the module lock.
 #pragma once
 #include <windows.h>
@@ -11,7 +11,7 @@
 
 namespace shell {
 
-// The texts a command hands to the host, as string-table IDs (Part 1.1's method table).
+// The texts a command hands to the host, as string-table IDs.
 struct HostCommandTexts {
     long nMenuPathID;
     long nMenuItemID;
@@ -49,7 +49,7 @@ public:
     STDMETHODIMP_(ULONG) AddRef() override { return m_pControl->AddRef(); }
     STDMETHODIMP_(ULONG) Release() override { return m_pControl->Release(); }
 
-    // IHostPlugIn (Part 1.1): getters store, then answer E_NOTIMPL; null pointers E_POINTER.
+    // IHostPlugIn: the host expects getters to store, then answer E_NOTIMPL; null pointers E_POINTER.
     STDMETHODIMP GetResourceInstance(HOST_HANDLE* phInstance) override {
         return Store(phInstance, reinterpret_cast<HOST_HANDLE>(Module().ResourceInstance()));
     }
@@ -79,7 +79,7 @@ private:
         return E_NOTIMPL;
     }
 
-    // The non-delegating IUnknown: answers in the order of Part 1.1.
+    // The non-delegating IUnknown: own interface, IDispatch (the own one), IHostPlugIn, IUnknown.
     class Inner final : public IUnknown {
     public:
         explicit Inner(PlugInObject* self) : m_self(self) {}
@@ -97,7 +97,7 @@ private:
             static_cast<IUnknown*>(*ppv)->AddRef();
             return S_OK;
         }
-        STDMETHODIMP_(ULONG) AddRef() override { return ++m_cRef; }  // plain counter (Concurrency)
+        STDMETHODIMP_(ULONG) AddRef() override { return ++m_cRef; }  // plain: calls come on the UI thread
         STDMETHODIMP_(ULONG) Release() override {
             ULONG n = --m_cRef;
             if (n == 0) delete m_self;

@@ -61,7 +61,7 @@ HRESULT RegisterClassKeys(const ClassRegistration& reg) {
     if (rc == ERROR_SUCCESS) rc = WriteProgIdKey(reg.szVersionIndependentID, description, classKey);
     if (rc != ERROR_SUCCESS) return HRESULT_FROM_WIN32(rc);
 
-    // No "CurVer" subkey is written (Part 1.1).
+    // No "CurVer" subkey is written: the host looks classes up by their versioned ProgID.
     HKEY raw = nullptr;
     rc = WriteKey(HKEY_CLASSES_ROOT, std::string("CLSID\\") + classKey, description, nullptr, nullptr, &raw);
     if (rc != ERROR_SUCCESS) return HRESULT_FROM_WIN32(rc);
@@ -75,7 +75,8 @@ HRESULT RegisterClassKeys(const ClassRegistration& reg) {
 HRESULT UnregisterClassKeys(const ClassRegistration& reg) {
     char classKey[40];
     ClassKeyName(*reg.pclsid, classKey);
-    // Whatever class their "CLSID" subkeys name, both ProgID keys go (Part 1.1).
+    // Whatever class their "CLSID" subkeys name, both ProgID keys go, so
+    // no stale ProgID of ours survives.
     RegDeleteTreeA(HKEY_CLASSES_ROOT, reg.szProgID);
     RegDeleteTreeA(HKEY_CLASSES_ROOT, reg.szVersionIndependentID);
     RegDeleteTreeA(HKEY_CLASSES_ROOT, (std::string("CLSID\\") + classKey).c_str());
@@ -112,7 +113,7 @@ HRESULT RegisterServer() {
 HRESULT UnregisterServer() {
     ComModule& module = Module();
     module.UnregisterClasses();
-    // The host is not told (Part 1.1). A type library that is registered no more is no
+    // The host is not told: it keeps its own list of plug-ins. A type library that is registered no more is no
     // failure: unregistration succeeds when everything is already gone.
     char libKey[40];
     ClassKeyName(module.TypeLibId(), libKey);

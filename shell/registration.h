@@ -1,4 +1,4 @@
-// Part 1.1, Algorithms: COM registration of one class, host registration, and the
+// COM registration of one class, host registration, and the
 // module-level register and unregister sequences behind the exports.
 #pragma once
 #include <windows.h>

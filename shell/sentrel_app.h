@@ -1,4 +1,4 @@
-// Part 1.1: the application object. The framework (here DllMain) calls InitInstance when the
+// The application object. The framework (here DllMain) calls InitInstance when the
 // module is loaded and ExitInstance when it is unloaded.
 #pragma once
 #include <windows.h>

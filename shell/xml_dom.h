@@ -1,4 +1,5 @@
-// Small helpers over MSXML's DOM (Part 1.2 reads the host's documents with them).
+// Small helpers over MSXML's DOM (the host inventory reads the host's documents
+// with them).
 #pragma once
 #include <windows.h>
 #include <msxml2.h>

@@ -1,5 +1,6 @@
-// OrblaneHost.dll: the stand-in Orblane host objects of Part 1.2. They answer at exactly
-// the table-of-methods entries the plug-in calls; every other entry returns E_NOTIMPL.
+// OrblaneHost.dll: the stand-in Orblane host objects (system, domain tree, device list).
+// They answer at exactly the table-of-methods entries the plug-in calls; every other entry
+// returns E_NOTIMPL.
 #include <windows.h>
 #include <oleauto.h>
 

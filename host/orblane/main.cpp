@@ -1,6 +1,6 @@
 // orblane.exe: the stand-in Orblane NMS host (DESIGN.md section 1). It loads the registered
-// plug-ins the way the real host does (Part 1.1), shows the site of the stand-in host
-// objects (Part 1.2), reports opened submaps and runs plug-in commands from its menus.
+// plug-ins the way the real host does, shows the site of the stand-in host objects,
+// reports opened submaps and runs plug-in commands from its menus.
 #include <windows.h>
 #include <commctrl.h>
 #include <objbase.h>
@@ -157,7 +157,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
             }
             exitCode = static_cast<int>(msg.wParam);
         }
-        // Plug-in objects are released before COM ends (Part 1.1, lifecycle step 6).
+        // Plug-in objects are released before COM ends, so the plug-in can unload cleanly.
         window.ReleasePlugIns();
     }
     CoUninitialize();

@@ -274,7 +274,7 @@ HIMAGELIST MainWindow::MakeTreeImages() {
 }
 
 void MainWindow::BuildPlugInMenus() {
-    // Part 1.1: each plug-in's menu path, "/" between levels, holds its menu item. Plug-in
+    // Each plug-in's menu path, "/" between levels, holds its menu item. Plug-in
     // menus go before the host's "&Help" menu, as in the real NMS.
     for (const PlugIn& p : m_plugIns) {
         int helpPos = FindMenuItem(m_menu, L"&Help", true);
@@ -416,7 +416,7 @@ void MainWindow::ExecutePlugIn(const PlugIn& plugIn) {
     if (m_inCommand) return;
     m_inCommand = true;
     SetStatus(SplitPrompt(plugIn.prompt).status);
-    // Part 1.1: Execute runs the command modally and returns E_NOTIMPL when it has finished.
+    // Execute runs the command modally and returns E_NOTIMPL when it has finished.
     Microsoft::WRL::ComPtr<IHostPlugIn> object = plugIn.object;
     const bool walk = !m_options.walk.empty() && !m_walkDone;
     HRESULT hr = walk ? ExecuteWithWalk(object.Get()) : object->Execute(0);
@@ -502,7 +502,7 @@ void MainWindow::OnMenuSelect(UINT id, UINT flags, HMENU menu) {
     } else if (flags & (MF_POPUP | MF_SEPARATOR)) {
         SetStatus(L"");
     } else {
-        // Part 1.1: the first part of a plug-in's prompt is its status-bar text.
+        // The first part of a plug-in's prompt is its status-bar text.
         SetStatus(HostPrompt(id));
     }
 }
@@ -518,7 +518,7 @@ void MainWindow::OnTreeSelection() {
     data.hItem = item;
     TreeView_GetItem(m_tree, &data);
     long id = static_cast<long>(data.lParam);
-    // Opening a submap: every plug-in that has OpenedSubmapID hears of it (Part 1.2).
+    // Opening a submap: every plug-in that has OpenedSubmapID hears of it.
     NotifyOpenedSubmap(m_plugIns, id);
     if (SetTextFn setIp = HostExport("OrblaneHostSetSelectedDeviceIP")) setIp(nullptr);
     int rows = LoadDeviceList(m_list, id);
@@ -539,7 +539,7 @@ void MainWindow::OnDeviceSelection() {
     wchar_t ip[64] = {};
     ListView_GetItemText(m_list, row, kColIP, ip, ARRAYSIZE(ip));
     setIp(ip);
-    // Show what the host system object now answers to GetSelectedDeviceIP (Part 1.2).
+    // Show what the host system object now answers to GetSelectedDeviceIP.
     BSTR selected = nullptr;
     long valid = 0;
     if (m_hostSystem && SUCCEEDED(m_hostSystem->GetSelectedDeviceIP(&selected, &valid)) && valid && selected)

@@ -1,6 +1,6 @@
 // The main window of the stand-in Orblane NMS host: menu bar and toolbars built from the
-// registered plug-ins (Part 1.1), the site's domain tree on the left and the devices of the
-// selected node on the right (Part 1.2), a status bar that shows the plug-ins' prompts.
+// registered plug-ins, the site's domain tree on the left and the devices of the
+// selected node on the right, a status bar that shows the plug-ins' prompts.
 #pragma once
 #include <windows.h>
 #include <commctrl.h>

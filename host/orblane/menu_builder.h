@@ -1,5 +1,5 @@
 // Menus and toolbar texts of the stand-in host, built from what plug-ins hand over through
-// IHostPlugIn (Part 1.1: menu paths separate levels with "/", "&" marks the access key, a
+// IHostPlugIn (menu paths separate levels with "/", "&" marks the access key, a
 // prompt holds "status text\ntooltip"). Pure functions over HMENUs, tested directly.
 #pragma once
 #include <windows.h>

@@ -8,7 +8,7 @@ namespace orblane {
 
 namespace {
 
-// The getters of IHostPlugIn store their value and return E_NOTIMPL by design (Part 1.1):
+// The getters of IHostPlugIn store their value and return E_NOTIMPL by design:
 // the host takes whatever was stored, whatever the HRESULT. A sentinel tells "nothing stored".
 constexpr long kNotStored = -1;
 
@@ -93,7 +93,7 @@ std::vector<PlugIn> LoadPlugIns(UINT firstCommandId, std::vector<PlugInProblem>&
 int NotifyOpenedSubmap(const std::vector<PlugIn>& plugIns, long submapId) {
     int reached = 0;
     for (const PlugIn& p : plugIns) {
-        // QueryInterface(IDispatch) gives the plug-in's own dual interface (Part 1.1 order).
+        // QueryInterface(IDispatch) gives the plug-in's own dual interface, which carries OpenedSubmapID.
         ComPtr<IDispatch> dispatch;
         if (FAILED(p.object.As(&dispatch)) || !dispatch) continue;
         LPOLESTR name = const_cast<LPOLESTR>(L"OpenedSubmapID");

@@ -1,6 +1,6 @@
 // The plug-ins that orblane.exe drives: every class registered under
 // HKCU\Software\Kestrix\OrblaneNMS\PlugIns, created in-process and asked through
-// IHostPlugIn for its resource handle and texts (Part 1.1, "How the subsystems meet").
+// IHostPlugIn for its resource handle and texts.
 #pragma once
 #include <windows.h>
 #include <wrl/client.h>
@@ -42,7 +42,7 @@ std::vector<PlugIn> LoadPlugIns(UINT firstCommandId, std::vector<PlugInProblem>&
 // A string of a module's string table; empty when missing.
 std::wstring LoadResourceString(HINSTANCE module, long id);
 
-// Part 1.2: the host reports the opened submap. The host does not know the plug-in's own
+// The host reports the opened submap. The host does not know the plug-in's own
 // interfaces, so it calls "OpenedSubmapID" by name through IDispatch; plug-ins without the
 // method are skipped, and the result (E_NOTIMPL by design) is ignored. Returns how many
 // plug-ins had the method.

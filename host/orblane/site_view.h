@@ -1,6 +1,6 @@
 // The host's own view of its site: the domain tree in a tree view, the devices of one node
-// in a list view. The host asks its host objects exactly as the plug-in does (Part 1.2:
-// IHostDomainTree::GetDomainTree + GetLastResult, IHostDeviceList::ListDeviceFromGroup),
+// in a list view. The host asks its host objects exactly as the plug-in does
+// (IHostDomainTree::GetDomainTree + GetLastResult, IHostDeviceList::ListDeviceFromGroup),
 // so what the user sees in the host is what the plug-in will get.
 #pragma once
 #include <windows.h>

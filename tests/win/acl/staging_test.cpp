@@ -1,5 +1,4 @@
-// Part 4.5: the staging files through the real Win32 private-profile functions (under Wine).
-// Tests named "EdgeCase..." are the "Edge cases worth testing" of Part 4.5.
+// The staging files through the real Win32 private-profile functions (under Wine).
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -73,14 +72,14 @@ TEST_F(StagingTest, LayoutSection1Item1ThenOneSectionAndKeyPerRecord) {
   EXPECT_EQ(ReadStagingFile(kStagingEthernet, 10, 80), two);
 }
 
-TEST_F(StagingTest, EdgeCaseZeroRecordsWriteOnlyTheCount) {
+TEST_F(StagingTest, ZeroRecordsWriteOnlyTheCount) {
   ASSERT_TRUE(WriteStagingFile(kStagingIpv6, {}, 9));
   EXPECT_EQ(Sections(kStagingIpv6), "Section1|");
   EXPECT_EQ(Raw("Section1", "Item1", kStagingIpv6), "0");
   EXPECT_TRUE(ReadStagingFile(kStagingIpv6, 9, 80).empty());
 }
 
-TEST_F(StagingTest, EdgeCaseEmptyCellIsTwoSeparatorsAndReadsBackEmpty) {
+TEST_F(StagingTest, EmptyCellIsTwoSeparatorsAndReadsBackEmpty) {
   ASSERT_TRUE(WriteStagingFile(kStagingIpv4Rule, {{"3", "", "x"}}, 3));
   EXPECT_EQ(Raw("0", "0", kStagingIpv4Rule), "3??x?");
   AclRecordList back = ReadStagingFile(kStagingIpv4Rule, 3, 160);
@@ -88,7 +87,7 @@ TEST_F(StagingTest, EdgeCaseEmptyCellIsTwoSeparatorsAndReadsBackEmpty) {
   EXPECT_EQ(back[0], (AclRecord{"3", "", "x"}));
 }
 
-TEST_F(StagingTest, EdgeCaseShorterListOverLongerLeavesNoStaleRecords) {
+TEST_F(StagingTest, ShorterListOverLongerLeavesNoStaleRecords) {
   AclRecordList three{{"1", "a"}, {"2", "b"}, {"3", "c"}};
   ASSERT_TRUE(WriteStagingFile(kStagingEthRule, three, 2));
   ASSERT_TRUE(WriteStagingFile(kStagingEthRule, {{"9", "z"}}, 2));
@@ -97,7 +96,7 @@ TEST_F(StagingTest, EdgeCaseShorterListOverLongerLeavesNoStaleRecords) {
   EXPECT_EQ(ReadStagingFile(kStagingEthRule, 2, 80), (AclRecordList{{"9", "z"}}));
 }
 
-TEST_F(StagingTest, EdgeCaseMirrorReadsAsMirorInTheConfirmationList) {
+TEST_F(StagingTest, MirrorReadsAsMirorInTheConfirmationList) {
   RuleFields f;
   f.profileId = "1";
   f.accessId = "2";
@@ -156,7 +155,7 @@ TEST_F(StagingTest, QuestionMarkCellIsRefusedAndTheFileKept) {
   EXPECT_EQ(ReadStagingFile(kStagingEthernet, 2, 80), (AclRecordList{{"1", "ok"}}));
 }
 
-// Every file of Part 4.5 at once with its own records: nothing is lost or mixed between files,
+// Every staging file at once with its own records: nothing is lost or mixed between files,
 // and each group's deletion removes exactly its files.
 TEST_F(StagingTest, NothingIsLostOrMixedBetweenFilesAndGroupsDeleteTheirOwn) {
   struct Kind {

@@ -1,4 +1,4 @@
-// The host's menu building from plug-in texts (Part 1.1: "/" between levels, "&" access keys,
+// The host's menu building from plug-in texts ("/" between levels, "&" access keys,
 // "status\ntooltip" prompts).
 #include <gtest/gtest.h>
 

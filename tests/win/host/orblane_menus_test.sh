@@ -1,6 +1,6 @@
 #!/bin/bash
 # End to end, in a Wine prefix of its own: register OrblaneHost.dll and Sentrel.dll
-# (Sentrel's DllRegisterServer calls RegisterPlugIn, Part 1.1), then orblane.exe must build
+# (Sentrel's DllRegisterServer calls RegisterPlugIn), then orblane.exe must build
 # the plug-in's menus from its IHostPlugIn texts. Needs a display (ctest runs under Xvfb).
 # Usage: orblane_menus_test.sh <wine-run> <OrblaneHost.dll> <Sentrel.dll> <orblane.exe> <site.xml> <prefix>
 set -uo pipefail

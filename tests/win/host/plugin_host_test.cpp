@@ -1,4 +1,4 @@
-// The host's side of Part 1.1: a plug-in registered under the PlugIns key is created,
+// The host's side of a plug-in's life: a plug-in registered under the PlugIns key is created,
 // its texts are read through IHostPlugIn although every getter returns E_NOTIMPL, and an
 // opened submap reaches "OpenedSubmapID" through IDispatch. The plug-in here is a fake,
 // registered as a class object of this process, with its texts in this program's resources.
@@ -22,7 +22,7 @@ long g_openedSubmap = 0;
 int g_openedCalls = 0;
 int g_executeCalls = 0;
 
-// Behaves as Part 1.1 says a plug-in does: store the value, return E_NOTIMPL.
+// Behaves as a plug-in does: store the value, return E_NOTIMPL.
 class FakePlugIn final : public IHostPlugIn {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {

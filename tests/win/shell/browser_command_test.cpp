@@ -1,4 +1,4 @@
-// Part 1.4: the browser lookup, and the RADIUS command run end to end through the real
+// The browser lookup, and the RADIUS command run end to end through the real
 // Sentrel.dll with a stand-in browser that records its command line.
 #include <windows.h>
 

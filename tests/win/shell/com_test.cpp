@@ -1,4 +1,4 @@
-// Part 1.1: the real Sentrel.dll driven through its exports and COM interfaces.
+// The real Sentrel.dll driven through its exports and COM interfaces.
 #include <windows.h>
 #include <oleauto.h>
 #include <prsht.h>
@@ -283,7 +283,7 @@ TEST_F(ComObjects, AggregatedObjectDelegatesToItsOuterObject) {
 // Watches the test thread's windows from a second thread, as a person looks at the screen:
 // once the wizard's property sheet shows, records its title and the active page's caption and
 // cancels it; message boxes on the way (page 0 reads the host's tree, and without a site the
-// host reports an error, Part 1.2) are closed with OK.
+// host reports an error) are closed with OK.
 struct WizardWatch {
     std::string sheetCaption, pageCaption;
     bool helpVisible = true;

@@ -1,4 +1,4 @@
-// Part 1.2: the host inventory read from the stand-in host (real COM objects, real MSXML,
+// The host inventory read from the stand-in host (real COM objects, real MSXML,
 // real registry) into a real tree-view control and a device list.
 #include <windows.h>
 #include <commctrl.h>
@@ -16,7 +16,7 @@ using namespace sentrel_test;
 
 namespace {
 
-// The device list as the panel would hold it: a plain record of what Part 1.2 did to it.
+// The device list as the panel would hold it: a plain record of what the fill did to it.
 class RecordingRows : public shell::DeviceRowList {
 public:
     struct Row {

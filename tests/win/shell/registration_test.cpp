@@ -1,4 +1,4 @@
-// Part 1.1: registration and unregistration of the real Sentrel.dll with Wine's regsvr32,
+// Registration and unregistration of the real Sentrel.dll with Wine's regsvr32,
 // read back from the registry.
 #include <windows.h>
 #include <oleauto.h>
