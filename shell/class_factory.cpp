@@ -15,11 +15,18 @@ STDMETHODIMP ClassFactory::QueryInterface(REFIID riid, void** ppv) {
     return E_NOINTERFACE;
 }
 
-STDMETHODIMP_(ULONG) ClassFactory::AddRef() { return InterlockedIncrement(&m_cRef); }
+STDMETHODIMP_(ULONG) ClassFactory::AddRef() {
+    LONG n = InterlockedIncrement(&m_cRef);
+    if (n > 1) Module().Lock();
+    return n;
+}
 
 STDMETHODIMP_(ULONG) ClassFactory::Release() {
     LONG n = InterlockedDecrement(&m_cRef);
-    if (n == 0) delete this;
+    if (n > 0)
+        Module().Unlock();
+    else
+        delete this;
     return n;
 }
 

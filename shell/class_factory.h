@@ -1,5 +1,7 @@
 // One class factory for every class of the table. Its count and LockServer use
-// interlocked operations; LockServer holds the module lock count.
+// interlocked operations; LockServer holds the module lock count. The class table keeps the
+// first reference; every further one is a client's and holds one lock of the module, so a
+// client that caches the factory keeps the DLL loaded until it lets go.
 #pragma once
 #include <windows.h>
 #include <unknwn.h>

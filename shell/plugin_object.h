@@ -25,21 +25,18 @@ template <class Derived, class OwnItf, const IID* pOwnIid>
 class PlugInObject : public DispatchImpl<OwnItf, &LIBID_SENTRELLib, pOwnIid>,
                      public DispatchImpl<IHostPlugIn, &LIBID_OrblaneHostLib, &IID_IHostPlugIn> {
 public:
-    // Creation for the class table: plain, or aggregated when pOuter is given (any interface
-    // may then be requested). A failed QueryInterface destroys the new object.
+    // Creation for the class table: plain, or aggregated when pOuter is given. An outer
+    // object must ask for the inner IUnknown, the only pointer through which it can ever
+    // release us: any other interface is refused before anything is created. A failed
+    // QueryInterface destroys the new object.
     static HRESULT CreateInstance(IUnknown* pOuter, REFIID riid, void** ppv) {
         if (!ppv) return E_POINTER;
         *ppv = nullptr;
+        if (pOuter && !IsEqualIID(riid, IID_IUnknown)) return CLASS_E_NOAGGREGATION;
         auto* p = new (std::nothrow) Derived(pOuter);
         if (!p) return E_OUTOFMEMORY;
         p->m_inner.AddRef();
         HRESULT hr = p->m_inner.QueryInterface(riid, ppv);
-        if (pOuter && SUCCEEDED(hr) && !IsEqualIID(riid, IID_IUnknown)) {
-            // The outer object was handed one of our delegating interfaces rather than the
-            // inner IUnknown, so it can never release us: keep the creation reference and
-            // live as long as the process rather than leave it a dangling pointer.
-            return hr;
-        }
         p->m_inner.Release();  // destroys the object when the QueryInterface failed
         return hr;
     }

@@ -1,5 +1,6 @@
-// The real Sentrel.dll driven through its exports and COM interfaces.
+// The real Sentrel.dll driven through its exports and COM interfaces, as a host drives it.
 #include <windows.h>
+#include <commctrl.h>
 #include <oleauto.h>
 #include <prsht.h>
 
@@ -9,7 +10,9 @@
 
 #include "Sentrel.h"
 #include "orblane.h"
+#include "res/resource.h"
 #include "tests/win/shell/shell_test_env.h"
+#include "tests/win/support/message_box_catcher.h"
 
 using namespace sentrel_test;
 
@@ -29,12 +32,16 @@ public:
     ~SentrelModule() { FreeLibrary(m_module); }
     HMODULE Handle() const { return m_module; }
 
+    IClassFactory* Factory(REFCLSID clsid) {
+        IClassFactory* factory = nullptr;
+        getClassObject(clsid, IID_IClassFactory, reinterpret_cast<void**>(&factory));
+        return factory;
+    }
     template <class Itf>
     HRESULT Create(REFCLSID clsid, REFIID iid, Itf** pp, IUnknown* outer = nullptr) {
-        IClassFactory* factory = nullptr;
-        HRESULT hr = getClassObject(clsid, IID_IClassFactory, reinterpret_cast<void**>(&factory));
-        if (FAILED(hr)) return hr;
-        hr = factory->CreateInstance(outer, iid, reinterpret_cast<void**>(pp));
+        IClassFactory* factory = Factory(clsid);
+        if (!factory) return E_FAIL;
+        HRESULT hr = factory->CreateInstance(outer, iid, reinterpret_cast<void**>(pp));
         factory->Release();
         return hr;
     }
@@ -63,188 +70,6 @@ protected:
     SentrelModule dll;
 };
 
-TEST_F(ComObjects, ExportsAllFour) {
-    for (const char* name : {"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer", "DllUnregisterServer"})
-        EXPECT_NE(nullptr, GetProcAddress(dll.Handle(), name)) << name;
-}
-
-TEST_F(ComObjects, CanUnloadOnlyWhenNoObjectOrLockRemains) {
-    EXPECT_EQ(S_OK, dll.canUnloadNow());
-    for (const CLSID* clsid : {&CLSID_CSentrel, &CLSID_CSentrelCfg}) {
-        IHostPlugIn* plugIn = nullptr;
-        ASSERT_EQ(S_OK, dll.Create(*clsid, IID_IHostPlugIn, &plugIn));
-        EXPECT_EQ(S_FALSE, dll.canUnloadNow());
-        plugIn->Release();
-        EXPECT_EQ(S_OK, dll.canUnloadNow());
-    }
-    IClassFactory* factory = nullptr;
-    ASSERT_EQ(S_OK, dll.getClassObject(CLSID_CSentrel, IID_IClassFactory, reinterpret_cast<void**>(&factory)));
-    ASSERT_EQ(S_OK, factory->LockServer(TRUE));
-    EXPECT_EQ(S_FALSE, dll.canUnloadNow());
-    ASSERT_EQ(S_OK, factory->LockServer(FALSE));
-    EXPECT_EQ(S_OK, dll.canUnloadNow());
-    factory->Release();
-}
-
-TEST_F(ComObjects, ClassFactoryIsCreatedOnceAndCached) {
-    IClassFactory* a = nullptr;
-    IClassFactory* b = nullptr;
-    ASSERT_EQ(S_OK, dll.getClassObject(CLSID_CSentrelCfg, IID_IClassFactory, reinterpret_cast<void**>(&a)));
-    ASSERT_EQ(S_OK, dll.getClassObject(CLSID_CSentrelCfg, IID_IClassFactory, reinterpret_cast<void**>(&b)));
-    EXPECT_EQ(a, b);
-    a->Release();
-    b->Release();
-}
-
-TEST_F(ComObjects, Tve4060ProdureHasNoClassObject) {
-    void* p = reinterpret_cast<void*>(1);
-    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, dll.getClassObject(CLSID_TVE4060Produre, IID_IClassFactory, &p));
-    EXPECT_EQ(nullptr, p);
-}
-
-TEST_F(ComObjects, QueryInterfaceAnswersOwnDispatchHostPlugInAndUnknownOnly) {
-    ICSentrelCfg* cfg = nullptr;
-    ASSERT_EQ(S_OK, dll.Create(CLSID_CSentrelCfg, IID_ICSentrelCfg, &cfg));
-    IDispatch* dispatch = nullptr;
-    ASSERT_EQ(S_OK, cfg->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&dispatch)));
-    EXPECT_EQ(static_cast<void*>(cfg), static_cast<void*>(dispatch)) << "IDispatch is the class's own interface";
-    IHostPlugIn* plugIn = nullptr;
-    ASSERT_EQ(S_OK, cfg->QueryInterface(IID_IHostPlugIn, reinterpret_cast<void**>(&plugIn)));
-    EXPECT_NE(static_cast<void*>(cfg), static_cast<void*>(plugIn));
-    IUnknown* unknown1 = nullptr;
-    IUnknown* unknown2 = nullptr;
-    ASSERT_EQ(S_OK, cfg->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&unknown1)));
-    ASSERT_EQ(S_OK, plugIn->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&unknown2)));
-    EXPECT_EQ(unknown1, unknown2) << "one identity";
-    void* other = reinterpret_cast<void*>(1);
-    EXPECT_EQ(E_NOINTERFACE, cfg->QueryInterface(IID_ICSentrel, &other));
-    EXPECT_EQ(nullptr, other);
-    EXPECT_EQ(E_NOINTERFACE, cfg->QueryInterface(IID_IClassFactory, &other));
-    for (IUnknown* p : {static_cast<IUnknown*>(dispatch), static_cast<IUnknown*>(plugIn), unknown1, unknown2})
-        p->Release();
-    cfg->Release();
-    EXPECT_EQ(S_OK, dll.canUnloadNow());
-}
-
-struct ExpectedTexts {
-    const CLSID* clsid;
-    const char* menuPath;
-    const char* menuItem;
-    const char* prompt;
-};
-
-TEST_F(ComObjects, GettersStoreTheStringIdsAndAnswerNotImplemented) {
-    const ExpectedTexts cases[] = {
-        {&CLSID_CSentrel, "&UserMgr", "&Raduis Server...",
-         "Configure Sentrel that can receive the trap event  from the device\nSentrel"},
-        {&CLSID_CSentrelCfg, "&Plug-In/&Halvo Console Plug-In", "&ACL Manager...",
-         "Customization device Sentrel function\nSentrel Customization"},
-    };
-    for (const ExpectedTexts& c : cases) {
-        IHostPlugIn* plugIn = nullptr;
-        ASSERT_EQ(S_OK, dll.Create(*c.clsid, IID_IHostPlugIn, &plugIn));
-        HOST_HANDLE resource = 0;
-        EXPECT_EQ(E_NOTIMPL, plugIn->GetResourceInstance(&resource));
-        EXPECT_EQ(reinterpret_cast<HOST_HANDLE>(dll.Handle()), resource) << "resources live in the plug-in itself";
-        HMODULE res = reinterpret_cast<HMODULE>(resource);
-        long id = -1;
-        EXPECT_EQ(E_NOTIMPL, plugIn->GetMenuPathID(&id));
-        EXPECT_EQ(c.menuPath, LoadText(res, id));
-        EXPECT_EQ(E_NOTIMPL, plugIn->GetMenuItemID(&id));
-        EXPECT_EQ(c.menuItem, LoadText(res, id));
-        EXPECT_EQ(E_NOTIMPL, plugIn->GetPromptID(&id));
-        EXPECT_EQ(c.prompt, LoadText(res, id));
-        EXPECT_EQ(E_NOTIMPL, plugIn->GetToolbarMenuID(&id));
-        EXPECT_EQ("&DevManage Toolbar", LoadText(res, id));
-        EXPECT_EQ(E_NOTIMPL, plugIn->GetToolbarTitleID(&id));
-        EXPECT_EQ("DevManage Toolbar", LoadText(res, id));
-        EXPECT_EQ(E_NOTIMPL, plugIn->Reserved1(1, 2));
-        EXPECT_EQ(E_NOTIMPL, plugIn->Reserved2(1, 2, 3));
-
-        EXPECT_EQ(E_POINTER, plugIn->GetResourceInstance(nullptr));
-        EXPECT_EQ(E_POINTER, plugIn->GetMenuPathID(nullptr));
-        EXPECT_EQ(E_POINTER, plugIn->GetMenuItemID(nullptr));
-        EXPECT_EQ(E_POINTER, plugIn->GetPromptID(nullptr));
-        EXPECT_EQ(E_POINTER, plugIn->GetToolbarMenuID(nullptr));
-        EXPECT_EQ(E_POINTER, plugIn->GetToolbarTitleID(nullptr));
-        plugIn->Release();
-    }
-}
-
-TEST_F(ComObjects, OpenedSubmapIdAnswersNotImplementedDirectlyAndThroughIDispatch) {
-    ICSentrelCfg* cfg = nullptr;
-    ASSERT_EQ(S_OK, dll.Create(CLSID_CSentrelCfg, IID_ICSentrelCfg, &cfg));
-    EXPECT_EQ(E_NOTIMPL, cfg->OpenedSubmapID(-1));
-    EXPECT_EQ(E_NOTIMPL, cfg->OpenedSubmapID(42));
-
-    UINT count = 0;
-    EXPECT_EQ(S_OK, cfg->GetTypeInfoCount(&count));
-    EXPECT_EQ(1u, count);
-    EXPECT_EQ(E_POINTER, cfg->GetTypeInfo(0, 0, nullptr));
-    DISPID id = 0;
-    LPOLESTR name = const_cast<LPOLESTR>(L"OpenedSubmapID");
-    ASSERT_EQ(S_OK, cfg->GetIDsOfNames(IID_NULL, &name, 1, 0, &id));
-    EXPECT_EQ(1, id);
-    VARIANT arg;
-    VariantInit(&arg);
-    arg.vt = VT_I4;
-    arg.lVal = 7;
-    DISPPARAMS params{&arg, nullptr, 1, 0};
-    EXCEPINFO excep{};
-    HRESULT hr = cfg->Invoke(1, IID_NULL, 0, DISPATCH_METHOD, &params, nullptr, &excep, nullptr);
-    // The method's E_NOTIMPL comes back as the call's exception code.
-    EXPECT_TRUE(hr == E_NOTIMPL || (hr == DISP_E_EXCEPTION && excep.scode == E_NOTIMPL)) << std::hex << hr;
-    SysFreeString(excep.bstrSource);
-    SysFreeString(excep.bstrDescription);
-    SysFreeString(excep.bstrHelpFile);
-    cfg->Release();
-}
-
-TEST_F(ComObjects, HostPlugInDispatchIsServedFromTheHostTypeLibrary) {
-    IHostPlugIn* plugIn = nullptr;
-    ASSERT_EQ(S_OK, dll.Create(CLSID_CSentrel, IID_IHostPlugIn, &plugIn));
-    UINT count = 0;
-    EXPECT_EQ(S_OK, plugIn->GetTypeInfoCount(&count));
-    EXPECT_EQ(1u, count);
-    EXPECT_EQ(E_POINTER, plugIn->GetTypeInfo(0, 0, nullptr));
-    ITypeInfo* info = nullptr;
-    ASSERT_EQ(S_OK, plugIn->GetTypeInfo(0, 0, &info));
-    TYPEATTR* attr = nullptr;
-    ASSERT_EQ(S_OK, info->GetTypeAttr(&attr));
-    EXPECT_TRUE(IsEqualGUID(attr->guid, IID_IHostPlugIn));
-    info->ReleaseTypeAttr(attr);
-    info->Release();
-    DISPID id = 0;
-    LPOLESTR name = const_cast<LPOLESTR>(L"GetMenuItemID");
-    ASSERT_EQ(S_OK, plugIn->GetIDsOfNames(IID_NULL, &name, 1, 0, &id));
-    EXPECT_EQ(3, id);
-    plugIn->Release();
-}
-
-TEST_F(ComObjects, HostPlugInDispatchReportsTheLoadingErrorWithoutTheHostTypeLibrary) {
-    ASSERT_EQ(S_OK, CallDllExport(OrblaneHostDll(), "DllUnregisterServer"));
-    IHostPlugIn* plugIn = nullptr;
-    HRESULT created = dll.Create(CLSID_CSentrelCfg, IID_IHostPlugIn, &plugIn);
-    HRESULT nameHr = E_UNEXPECTED, infoHr = E_UNEXPECTED;
-    long id = -1;
-    HRESULT direct = E_UNEXPECTED;
-    if (SUCCEEDED(created)) {
-        DISPID dispId = 0;
-        LPOLESTR name = const_cast<LPOLESTR>(L"Execute");
-        nameHr = plugIn->GetIDsOfNames(IID_NULL, &name, 1, 0, &dispId);
-        ITypeInfo* info = nullptr;
-        infoHr = plugIn->GetTypeInfo(0, 0, &info);
-        direct = plugIn->GetMenuItemID(&id);
-        plugIn->Release();
-    }
-    ASSERT_EQ(S_OK, CallDllExport(OrblaneHostDll(), "DllRegisterServer"));
-    ASSERT_EQ(S_OK, created);
-    EXPECT_TRUE(FAILED(nameHr));
-    EXPECT_TRUE(FAILED(infoHr));
-    EXPECT_EQ(E_NOTIMPL, direct) << "calls through the table of methods are unaffected";
-    EXPECT_NE(-1, id);
-}
-
 // A minimal outer object for aggregation: counts the references it is given.
 class Outer : public IUnknown {
 public:
@@ -262,7 +87,37 @@ public:
     ULONG refs = 1;
 };
 
-TEST_F(ComObjects, AggregatedObjectDelegatesToItsOuterObject) {
+TEST_F(ComObjects, CanUnloadOnlyWhenNoObjectLockOrHeldFactoryRemains) {
+    EXPECT_EQ(S_OK, dll.canUnloadNow());
+    for (const CLSID* clsid : {&CLSID_CSentrel, &CLSID_CSentrelCfg}) {
+        IHostPlugIn* plugIn = nullptr;
+        ASSERT_EQ(S_OK, dll.Create(*clsid, IID_IHostPlugIn, &plugIn));
+        EXPECT_EQ(S_FALSE, dll.canUnloadNow()) << "a live object";
+        plugIn->Release();
+        EXPECT_EQ(S_OK, dll.canUnloadNow());
+    }
+    // A host may cache a class factory: while it holds one, the DLL must stay.
+    IClassFactory* factory = dll.Factory(CLSID_CSentrel);
+    ASSERT_NE(nullptr, factory);
+    IClassFactory* again = dll.Factory(CLSID_CSentrel);
+    EXPECT_EQ(factory, again) << "one factory per class, created once";
+    again->Release();
+    EXPECT_EQ(S_FALSE, dll.canUnloadNow()) << "a held factory";
+    ASSERT_EQ(S_OK, factory->LockServer(TRUE));
+    factory->Release();
+    EXPECT_EQ(S_FALSE, dll.canUnloadNow()) << "a server lock outlives the factory's reference";
+    factory = dll.Factory(CLSID_CSentrel);
+    ASSERT_EQ(S_OK, factory->LockServer(FALSE));
+    factory->Release();
+    EXPECT_EQ(S_OK, dll.canUnloadNow());
+
+    void* none = reinterpret_cast<void*>(1);
+    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, dll.getClassObject(CLSID_TVE4060Produre, IID_IClassFactory, &none))
+        << "TVE4060Produre is in the type library only";
+    EXPECT_EQ(nullptr, none);
+}
+
+TEST_F(ComObjects, AggregatedObjectDelegatesToItsOuterObjectAndAsksOnlyForIUnknown) {
     Outer outer;
     ASSERT_EQ(S_OK, dll.Create(CLSID_CSentrelCfg, IID_IUnknown, &outer.inner, &outer));
     ASSERT_NE(nullptr, outer.inner);
@@ -278,14 +133,119 @@ TEST_F(ComObjects, AggregatedObjectDelegatesToItsOuterObject) {
     EXPECT_EQ(S_FALSE, dll.canUnloadNow());
     outer.inner->Release();  // the outer object lets go of its inner object
     EXPECT_EQ(S_OK, dll.canUnloadNow());
+
+    // An outer object that asks for anything but IUnknown could never release the inner
+    // object: nothing is created, nothing stays behind.
+    for (const IID* iid : {&IID_IHostPlugIn, &IID_ICSentrelCfg, &IID_IDispatch}) {
+        Outer refused;
+        void* p = reinterpret_cast<void*>(1);
+        EXPECT_EQ(CLASS_E_NOAGGREGATION, dll.Create(CLSID_CSentrelCfg, *iid, &p, &refused));
+        EXPECT_EQ(nullptr, p);
+        EXPECT_EQ(1u, refused.refs);
+        EXPECT_EQ(S_OK, dll.canUnloadNow()) << "no object left alive";
+    }
 }
 
-// Watches the test thread's windows from a second thread, as a person looks at the screen:
-// once the wizard's property sheet shows, records its title and the active page's caption and
-// cancels it; message boxes on the way (page 0 reads the host's tree, and without a site the
-// host reports an error) are closed with OK.
-struct WizardWatch {
-    std::string sheetCaption, pageCaption;
+TEST_F(ComObjects, QueryInterfaceAnswersOwnDispatchHostPlugInAndUnknownOnly) {
+    ICSentrelCfg* cfg = nullptr;
+    ASSERT_EQ(S_OK, dll.Create(CLSID_CSentrelCfg, IID_ICSentrelCfg, &cfg));
+    IDispatch* dispatch = nullptr;
+    ASSERT_EQ(S_OK, cfg->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&dispatch)));
+    EXPECT_EQ(static_cast<void*>(cfg), static_cast<void*>(dispatch)) << "IDispatch is the class's own interface";
+    IHostPlugIn* plugIn = nullptr;
+    ASSERT_EQ(S_OK, cfg->QueryInterface(IID_IHostPlugIn, reinterpret_cast<void**>(&plugIn)));
+    EXPECT_NE(static_cast<void*>(cfg), static_cast<void*>(plugIn));
+    IUnknown* unknown1 = nullptr;
+    IUnknown* unknown2 = nullptr;
+    ASSERT_EQ(S_OK, cfg->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&unknown1)));
+    ASSERT_EQ(S_OK, plugIn->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&unknown2)));
+    EXPECT_EQ(unknown1, unknown2) << "one identity";
+    for (const IID* iid : {&IID_ICSentrel, &IID_IClassFactory}) {
+        void* other = reinterpret_cast<void*>(1);
+        EXPECT_EQ(E_NOINTERFACE, cfg->QueryInterface(*iid, &other));
+        EXPECT_EQ(nullptr, other);
+    }
+    for (IUnknown* p : {static_cast<IUnknown*>(dispatch), static_cast<IUnknown*>(plugIn), unknown1, unknown2})
+        p->Release();
+    cfg->Release();
+    EXPECT_EQ(S_OK, dll.canUnloadNow());
+}
+
+TEST_F(ComObjects, GettersStoreTheStringIdsAndAnswerNotImplemented) {
+    const struct {
+        const CLSID* clsid;
+        const char* menuPath;
+        const char* menuItem;
+        const char* prompt;
+    } cases[] = {
+        {&CLSID_CSentrel, "&UserMgr", "&Raduis Server...",
+         "Configure Sentrel that can receive the trap event  from the device\nSentrel"},
+        {&CLSID_CSentrelCfg, "&Plug-In/&Halvo Console Plug-In", "&ACL Manager...",
+         "Customization device Sentrel function\nSentrel Customization"},
+    };
+    using Getter = HRESULT (STDMETHODCALLTYPE IHostPlugIn::*)(long*);
+    for (const auto& c : cases) {
+        IHostPlugIn* plugIn = nullptr;
+        ASSERT_EQ(S_OK, dll.Create(*c.clsid, IID_IHostPlugIn, &plugIn));
+        HOST_HANDLE resource = 0;
+        EXPECT_EQ(E_NOTIMPL, plugIn->GetResourceInstance(&resource));
+        EXPECT_EQ(reinterpret_cast<HOST_HANDLE>(dll.Handle()), resource) << "resources live in the plug-in itself";
+        EXPECT_EQ(E_POINTER, plugIn->GetResourceInstance(nullptr));
+        const std::pair<Getter, const char*> getters[] = {
+            {&IHostPlugIn::GetMenuPathID, c.menuPath},
+            {&IHostPlugIn::GetMenuItemID, c.menuItem},
+            {&IHostPlugIn::GetPromptID, c.prompt},
+            {&IHostPlugIn::GetToolbarMenuID, "&DevManage Toolbar"},
+            {&IHostPlugIn::GetToolbarTitleID, "DevManage Toolbar"},
+        };
+        for (const auto& [getter, text] : getters) {
+            long id = -1;
+            EXPECT_EQ(E_NOTIMPL, (plugIn->*getter)(&id));
+            EXPECT_EQ(text, LoadText(dll.Handle(), id));
+            EXPECT_EQ(E_POINTER, (plugIn->*getter)(nullptr));
+        }
+        EXPECT_EQ(E_NOTIMPL, plugIn->Reserved1(1, 2));
+        EXPECT_EQ(E_NOTIMPL, plugIn->Reserved2(1, 2, 3));
+        plugIn->Release();
+    }
+}
+
+TEST_F(ComObjects, HostPlugInDispatchComesFromTheHostTypeLibraryAndFailsWithoutIt) {
+    // Without the host's type library, IDispatch reports the loading error while calls
+    // through the table of methods go on working.
+    ASSERT_EQ(S_OK, CallDllExport(OrblaneHostDll(), "DllUnregisterServer"));
+    IHostPlugIn* plugIn = nullptr;
+    HRESULT created = dll.Create(CLSID_CSentrelCfg, IID_IHostPlugIn, &plugIn);
+    HRESULT nameHr = E_UNEXPECTED, direct = E_UNEXPECTED;
+    DISPID id = 0;
+    LPOLESTR name = const_cast<LPOLESTR>(L"GetMenuItemID");
+    long menuItem = -1;
+    if (SUCCEEDED(created)) {
+        nameHr = plugIn->GetIDsOfNames(IID_NULL, &name, 1, 0, &id);
+        direct = plugIn->GetMenuItemID(&menuItem);
+        plugIn->Release();
+    }
+    ASSERT_EQ(S_OK, CallDllExport(OrblaneHostDll(), "DllRegisterServer"));
+    ASSERT_EQ(S_OK, created);
+    EXPECT_TRUE(FAILED(nameHr));
+    EXPECT_EQ(E_NOTIMPL, direct);
+    EXPECT_EQ("&ACL Manager...", LoadText(dll.Handle(), menuItem));
+
+    ASSERT_EQ(S_OK, dll.Create(CLSID_CSentrel, IID_IHostPlugIn, &plugIn));
+    UINT count = 0;
+    EXPECT_EQ(S_OK, plugIn->GetTypeInfoCount(&count));
+    EXPECT_EQ(1u, count);
+    EXPECT_EQ(E_POINTER, plugIn->GetTypeInfo(0, 0, nullptr));
+    ASSERT_EQ(S_OK, plugIn->GetIDsOfNames(IID_NULL, &name, 1, 0, &id));
+    EXPECT_EQ(3, id);
+    plugIn->Release();
+}
+
+// What page 0 shows of the host's inventory, read from a second thread as a person reads the
+// screen, after which the wizard is cancelled.
+struct FirstPage {
+    std::string sheetCaption, pageCaption, selectedNode = "<none>";
+    int rows = -1;
     bool helpVisible = true;
     bool seen = false;
 
@@ -295,45 +255,104 @@ struct WizardWatch {
         return text;
     }
     // A CALLBACK function, not a lambda: the i686 build needs the stdcall convention.
-    static BOOL CALLBACK WatchWindow(HWND hwnd, LPARAM lParam) {
-        auto* self = reinterpret_cast<WizardWatch*>(lParam);
-        if (!IsWindowVisible(hwnd)) return TRUE;
-        if (GetDlgItem(hwnd, 0xFFFF)) {  // a message box
-            PostMessageA(hwnd, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
-            return TRUE;
-        }
+    static BOOL CALLBACK Look(HWND hwnd, LPARAM lParam) {
+        auto* self = reinterpret_cast<FirstPage*>(lParam);
         HWND page = reinterpret_cast<HWND>(SendMessageA(hwnd, PSM_GETCURRENTPAGEHWND, 0, 0));
-        if (!page) return TRUE;
+        if (!IsWindowVisible(hwnd) || !page) return TRUE;
         self->sheetCaption = Text(hwnd);
         self->pageCaption = Text(page);
         HWND help = GetDlgItem(hwnd, IDHELP);
         self->helpVisible = help && IsWindowVisible(help);
+        HWND tree = GetDlgItem(page, IDC_STEP0_TREE);
+        if (HTREEITEM sel = TreeView_GetSelection(tree)) {
+            char text[256] = {};
+            TVITEMA item{};
+            item.mask = TVIF_TEXT;
+            item.hItem = sel;
+            item.pszText = text;
+            item.cchTextMax = sizeof text;
+            SendMessageA(tree, TVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item));
+            self->selectedNode = text;
+        }
+        self->rows = ListView_GetItemCount(GetDlgItem(page, IDC_STEP0_LIST));
         self->seen = true;
         PostMessageA(hwnd, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
         return FALSE;
     }
     void Watch(DWORD uiThread) {
         for (int i = 0; i < 400 && !seen; ++i) {  // at most 20 s
-            EnumThreadWindows(uiThread, &WatchWindow, reinterpret_cast<LPARAM>(this));
+            EnumThreadWindows(uiThread, &Look, reinterpret_cast<LPARAM>(this));
             Sleep(50);
         }
     }
 };
 
-TEST_F(ComObjects, ExecuteOfCSentrelCfgShowsTheAclWizardModally) {
-    IHostPlugIn* plugIn = nullptr;
-    ASSERT_EQ(S_OK, dll.Create(CLSID_CSentrelCfg, IID_IHostPlugIn, &plugIn));
-    WizardWatch watch;
-    std::thread watcher([&watch, ui = GetCurrentThreadId()] { watch.Watch(ui); });
-    HRESULT hr = plugIn->Execute(0);  // returns only once the wizard has closed
-    watcher.join();
-    EXPECT_EQ(E_NOTIMPL, hr);
-    ASSERT_TRUE(watch.seen);
-    EXPECT_EQ("ACL: Device List", watch.sheetCaption) << "a wizard shows its page's caption";
-    EXPECT_EQ("ACL: Device List", watch.pageCaption) << "the first page is active";
-    EXPECT_FALSE(watch.helpVisible);
-    plugIn->Release();
+// The host reports the opened submap by name through IDispatch, then picks "&ACL Manager...":
+// page 0 of the wizard, shown modally, has that submap selected and lists its devices; with
+// none open (-1) it lists nothing. The root's ID is 0, the value before any report, so a
+// method that stored nothing would show the root's device.
+TEST_F(ComObjects, OpenedSubmapReachesTheWizardThatExecuteShowsModally) {
+    const std::string folder = MakeTempFolder("sentrel_com_");
+    const std::string site = folder + "\\site.xml";
+    ASSERT_TRUE(WriteTextFile(site,
+        "<OrblaneSite><DomainTree><Operation><DDS><Root ID=\"0\">"
+        "<Domain ID=\"10\" Name=\"D\" Type=\"0\"><Submap ID=\"11\" Name=\"Core\" Type=\"0\"/></Domain>"
+        "</Root></DDS></Operation></DomainTree>"
+        "<DeviceList Node=\"0\"><DEVICELIST>" + DeviceXml("1", "root-sw", "TVR4820", "127.0.0.9") + "</DEVICELIST></DeviceList>"
+        "<DeviceList Node=\"11\"><DEVICELIST>" + DeviceXml("2", "a", "TVR4820", "127.0.0.2") +
+            DeviceXml("3", "b", "TVR4820", "127.0.0.3") + "</DEVICELIST></DeviceList></OrblaneSite>"));
+    SetEnvironmentVariableA("ORBLANE_SITE", site.c_str());
+    char oldDirectory[MAX_PATH] = {};
+    GetCurrentDirectoryA(MAX_PATH, oldDirectory);
+    SetCurrentDirectoryA(folder.c_str());  // the device list file is written here
+
+    const struct {
+        long submap;
+        const char* selected;  // nullptr: the focused tree selects its first item by itself
+        int rows;
+    } cases[] = {{-1, nullptr, 0}, {11, "Core", 2}};
+    for (const auto& c : cases) {
+        ICSentrelCfg* cfg = nullptr;
+        ASSERT_EQ(S_OK, dll.Create(CLSID_CSentrelCfg, IID_ICSentrelCfg, &cfg));
+        DISPID id = 0;
+        LPOLESTR name = const_cast<LPOLESTR>(L"OpenedSubmapID");
+        ASSERT_EQ(S_OK, cfg->GetIDsOfNames(IID_NULL, &name, 1, 0, &id));
+        VARIANT arg;
+        VariantInit(&arg);
+        arg.vt = VT_I4;
+        arg.lVal = c.submap;
+        DISPPARAMS params{&arg, nullptr, 1, 0};
+        EXCEPINFO excep{};
+        HRESULT hr = cfg->Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &params, nullptr, &excep, nullptr);
+        // The method's E_NOTIMPL comes back as the call's result or as its exception code.
+        EXPECT_TRUE(hr == E_NOTIMPL || (hr == DISP_E_EXCEPTION && excep.scode == E_NOTIMPL)) << std::hex << hr;
+        SysFreeString(excep.bstrSource);
+        SysFreeString(excep.bstrDescription);
+        SysFreeString(excep.bstrHelpFile);
+
+        IHostPlugIn* plugIn = nullptr;
+        ASSERT_EQ(S_OK, cfg->QueryInterface(IID_IHostPlugIn, reinterpret_cast<void**>(&plugIn)));
+        FirstPage page;
+        MessageBoxCatcher boxes;
+        std::thread watcher([&page, ui = GetCurrentThreadId()] { page.Watch(ui); });
+        hr = plugIn->Execute(0);  // returns only once the wizard has closed
+        watcher.join();
+        EXPECT_EQ(E_NOTIMPL, hr);
+        ASSERT_TRUE(page.seen) << c.submap;
+        EXPECT_EQ("ACL: Device List", page.sheetCaption) << "a wizard shows its page's caption";
+        EXPECT_EQ("ACL: Device List", page.pageCaption) << "the first page is active";
+        EXPECT_FALSE(page.helpVisible);
+        if (c.selected) {
+            EXPECT_EQ(c.selected, page.selectedNode);
+        }
+        EXPECT_EQ(c.rows, page.rows) << c.submap;
+        EXPECT_TRUE(boxes.Caught().empty());
+        plugIn->Release();
+        cfg->Release();
+    }
     EXPECT_EQ(S_OK, dll.canUnloadNow());
+    SetCurrentDirectoryA(oldDirectory);
+    SetEnvironmentVariableA("ORBLANE_SITE", nullptr);
 }
 
 TEST_F(ComObjects, CreatedThroughComByProgId) {

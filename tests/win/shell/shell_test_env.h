@@ -11,11 +11,17 @@ namespace sentrel_test {
 inline std::string SentrelDll() { return WinPath(SENTREL_DLL_PATH); }
 inline std::string OrblaneHostDll() { return WinPath(ORBLANE_HOST_DLL_PATH); }
 inline std::string FakeBrowser() { return WinPath(FAKE_BROWSER_PATH); }
-inline std::string TestData(const std::string& name) { return WinPath(std::string(TEST_DATA_DIR) + "/" + name); }
 
 inline constexpr char kSettingsKey[] = "Software\\Kestrix\\OrblaneNMS\\Settings";
-inline constexpr char kDeviceTypesKey[] = "Software\\Kestrix\\Function\\DeviceType";
 inline constexpr char kBrowserCommandKey[] = "http\\shell\\open\\command";
+
+// One "DEVICEINFO" element of a host device list document.
+inline std::string DeviceXml(const std::string& id, const std::string& name, const std::string& type,
+                             const std::string& ip, const std::string& get = "public",
+                             const std::string& set = "private") {
+    return "<DEVICEINFO><ID>" + id + "</ID><NAME>" + name + "</NAME><TYPE>" + type + "</TYPE><IP>" + ip +
+           "</IP><GETCOMM>" + get + "</GETCOMM><SETCOMM>" + set + "</SETCOMM></DEVICEINFO>";
+}
 
 // Runs a program to its end; returns its exit code (or -1 when it cannot start).
 inline int RunProgram(const std::string& commandLine, DWORD timeoutMs = 60000) {
