@@ -3,8 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
+#include <optional>
 
 #include "acl/acl_device.h"
 #include "acl/acl_staging.h"
@@ -52,60 +51,40 @@ class StagingTest : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(StagingTest, FileNamesAreTheCurrentDirectoryFollowedByTheName) {
+TEST_F(StagingTest, CountThenOneSectionAndKeyPerRecordInTheCurrentDirectory) {
   char cwd[MAX_PATH];
   GetCurrentDirectoryA(MAX_PATH, cwd);
   EXPECT_EQ(StagingPath(kStagingEthernet), std::string(cwd) + "\\ACLEthernet.ini");
-  ASSERT_TRUE(WriteStagingFile(kStagingCpuIpv4Rule, {{"1", "2"}}, 17));
-  std::ifstream f(std::string(cwd) + "\\ACLCPUIpv4rule.ini");
-  EXPECT_TRUE(f.good());
-}
-
-TEST_F(StagingTest, LayoutSection1Item1ThenOneSectionAndKeyPerRecord) {
-  AclRecordList two{{"1", "1", "1", "", "", "2", "2", "4", "1", ""}, {"2", "2", "4", "FFFFFFFFFFFF", "0000000000FF",
-                                                                      "1", "1", "4", "1", ""}};
-  ASSERT_TRUE(WriteStagingFile(kStagingEthernet, two, 10));
-  EXPECT_EQ(Sections(kStagingEthernet), "Section1|0|1|");
-  EXPECT_EQ(Raw("Section1", "Item1", kStagingEthernet), "2");
-  EXPECT_EQ(Raw("0", "0", kStagingEthernet), "1?1?1???2?2?4?1??");
-  EXPECT_EQ(Raw("1", "1", kStagingEthernet), "2?2?4?FFFFFFFFFFFF?0000000000FF?1?1?4?1??");
-  EXPECT_EQ(ReadStagingFile(kStagingEthernet, 10, 80), two);
-}
-
-TEST_F(StagingTest, ZeroRecordsWriteOnlyTheCount) {
-  ASSERT_TRUE(WriteStagingFile(kStagingIpv6, {}, 9));
-  EXPECT_EQ(Sections(kStagingIpv6), "Section1|");
-  EXPECT_EQ(Raw("Section1", "Item1", kStagingIpv6), "0");
-  EXPECT_TRUE(ReadStagingFile(kStagingIpv6, 9, 80).empty());
-}
-
-TEST_F(StagingTest, EmptyCellIsTwoSeparatorsAndReadsBackEmpty) {
-  ASSERT_TRUE(WriteStagingFile(kStagingIpv4Rule, {{"3", "", "x"}}, 3));
-  EXPECT_EQ(Raw("0", "0", kStagingIpv4Rule), "3??x?");
-  AclRecordList back = ReadStagingFile(kStagingIpv4Rule, 3, 160);
-  ASSERT_EQ(back.size(), 1u);
-  EXPECT_EQ(back[0], (AclRecord{"3", "", "x"}));
-}
-
-TEST_F(StagingTest, ShorterListOverLongerLeavesNoStaleRecords) {
-  AclRecordList three{{"1", "a"}, {"2", "b"}, {"3", "c"}};
-  ASSERT_TRUE(WriteStagingFile(kStagingEthRule, three, 2));
-  ASSERT_TRUE(WriteStagingFile(kStagingEthRule, {{"9", "z"}}, 2));
-  EXPECT_EQ(Sections(kStagingEthRule), "Section1|0|");
-  EXPECT_EQ(Raw("1", "1", kStagingEthRule), "<absent>");
-  EXPECT_EQ(ReadStagingFile(kStagingEthRule, 2, 80), (AclRecordList{{"9", "z"}}));
-}
-
-TEST_F(StagingTest, MirrorReadsAsMirorInTheConfirmationList) {
+  const struct {
+    const char* file;
+    std::vector<AclRecordList> writes;  // written one after the other; the last one counts
+    size_t cells;
+    const char* sections;
+    const char* firstRecord;
+  } cases[] = {
+      {kStagingEthernet,
+       {{{"1", "1", "1", "", "", "2", "2", "4", "1", ""}, {"2", "2", "4", "FFFFFFFFFFFF", "0000000000FF", "1", "1", "4", "1", ""}}},
+       10, "Section1|0|1|", "1?1?1???2?2?4?1??"},
+      {kStagingIpv6, {{}}, 9, "Section1|", "<absent>"},           // no records: only the count
+      {kStagingIpv4Rule, {{{"3", "", "x"}}}, 3, "Section1|0|", "3??x?"},  // an empty cell: two separators
+      {kStagingEthRule, {{{"1", "a"}, {"2", "b"}, {"3", "c"}}, {{"9", "z"}}}, 2, "Section1|0|", "9?z?"},  // no stale records
+  };
+  for (const auto& c : cases) {
+    for (const AclRecordList& list : c.writes) ASSERT_TRUE(WriteStagingFile(c.file, list, c.cells));
+    const AclRecordList& last = c.writes.back();
+    EXPECT_EQ(Sections(c.file), c.sections);
+    EXPECT_EQ(Raw("Section1", "Item1", c.file), std::to_string(last.size()));
+    EXPECT_EQ(Raw("0", "0", c.file), c.firstRecord);
+    EXPECT_EQ(ReadStagingFile(c.file, c.cells, 80), last) << c.file;
+  }
+  // A mirror rule reads back with the Confirmation Page's own word.
   RuleFields f;
   f.profileId = "1";
   f.accessId = "2";
   f.ports = "1";
   f.action = "3";
   ASSERT_TRUE(WriteStagingFile(kStagingEthRule, {BuildRule(AclType::kEthernet, AclOwner::kAcl, M("TVG5690"), f)}, 15));
-  AclRecordList back = ReadStagingFile(kStagingEthRule, 15, 80);
-  ASSERT_EQ(back.size(), 1u);
-  EXPECT_EQ(ActionStagingWord(back[0][10]), "miror");
+  EXPECT_EQ(ActionStagingWord(ReadStagingFile(kStagingEthRule, 15, 80).at(0)[10]), "miror");
 }
 
 TEST_F(StagingTest, LongValuesComeBackWholeBeyondTheReadBuffers) {
@@ -134,22 +113,18 @@ TEST_F(StagingTest, LongValuesComeBackWholeBeyondTheReadBuffers) {
   EXPECT_EQ(ReadStagingFile(kStagingPacket, 3, 180), (AclRecordList{huge}));
 }
 
-TEST_F(StagingTest, AbsentFileAndFewerSeparatorsThanCells) {
-  EXPECT_TRUE(ReadStagingFile(kStagingIpv4, 22, 120).empty());
-  WritePrivateProfileStringA("Section1", "Item1", "1", StagingPath(kStagingIpv4).c_str());
-  WritePrivateProfileStringA("0", "0", "7?1?", StagingPath(kStagingIpv4).c_str());
-  AclRecordList back = ReadStagingFile(kStagingIpv4, 22, 120);
-  ASSERT_EQ(back.size(), 1u);
-  ASSERT_EQ(back[0].size(), 22u);
-  EXPECT_EQ(back[0][0], "7");
-  EXPECT_EQ(back[0][1], "1");
-  EXPECT_EQ(back[0][21], "");
-  // A damaged count does not run away.
-  WritePrivateProfileStringA("Section1", "Item1", "99999999999", StagingPath(kStagingIpv4).c_str());
-  EXPECT_EQ(ReadStagingFile(kStagingIpv4, 22, 120).size(), 65536u);
-}
-
-TEST_F(StagingTest, QuestionMarkCellIsRefusedAndTheFileKept) {
+TEST_F(StagingTest, DamagedOrRefusedContentNeitherRunsAwayNorLosesTheFile) {
+  EXPECT_TRUE(ReadStagingFile(kStagingIpv4, 22, 120).empty()) << "no file";
+  const std::string path = StagingPath(kStagingIpv4);
+  WritePrivateProfileStringA("Section1", "Item1", "1", path.c_str());
+  WritePrivateProfileStringA("0", "0", "7?1?", path.c_str());
+  AclRecord padded(22);
+  padded[0] = "7";
+  padded[1] = "1";
+  EXPECT_EQ(ReadStagingFile(kStagingIpv4, 22, 120), AclRecordList{padded}) << "fewer separators than cells";
+  WritePrivateProfileStringA("Section1", "Item1", "99999999999", path.c_str());
+  EXPECT_EQ(ReadStagingFile(kStagingIpv4, 22, 120).size(), 65536u) << "a damaged count is bounded";
+  // A cell holding the separator is refused and the file kept.
   ASSERT_TRUE(WriteStagingFile(kStagingEthernet, {{"1", "ok"}}, 2));
   EXPECT_FALSE(WriteStagingFile(kStagingEthernet, {{"2", "a?b"}}, 2));
   EXPECT_EQ(ReadStagingFile(kStagingEthernet, 2, 80), (AclRecordList{{"1", "ok"}}));
@@ -158,28 +133,16 @@ TEST_F(StagingTest, QuestionMarkCellIsRefusedAndTheFileKept) {
 // Every staging file at once with its own records: nothing is lost or mixed between files,
 // and each group's deletion removes exactly its files.
 TEST_F(StagingTest, NothingIsLostOrMixedBetweenFilesAndGroupsDeleteTheirOwn) {
-  struct Kind {
-    const char* model;
-    AclOwner owner;
-    AclKind kind;
-    AclType type;
-  } kinds[] = {
-      {"TVG5240-10", AclOwner::kAcl, AclKind::kProfiles, AclType::kEthernet},
-      {"TVG5240-10", AclOwner::kAcl, AclKind::kProfiles, AclType::kIPv4},
-      {"TVG5240-10", AclOwner::kAcl, AclKind::kProfiles, AclType::kIPv6},
-      {"TVG5240-10", AclOwner::kAcl, AclKind::kProfiles, AclType::kPacketContent},
-      {"TVG5240-10", AclOwner::kAcl, AclKind::kRules, AclType::kEthernet},
-      {"TVG5240-10", AclOwner::kCpu, AclKind::kRules, AclType::kEthernet},
-      {"TVG5240-10", AclOwner::kAcl, AclKind::kRules, AclType::kIPv4},
-      {"TVG5240-10", AclOwner::kCpu, AclKind::kRules, AclType::kIPv4},
-      {"TVG5240-10", AclOwner::kAcl, AclKind::kRules, AclType::kIPv6},
-      {"TVG5240-10", AclOwner::kCpu, AclKind::kRules, AclType::kIPv6},
-      {"TVG5240-10", AclOwner::kAcl, AclKind::kRules, AclType::kPacketContent},
-  };
+  const AclType types[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent};
+  std::vector<std::optional<StagingFile>> files;
+  for (AclType t : types) {
+    files.push_back(StagingFileFor(M("TVG5240-10"), AclOwner::kAcl, AclKind::kProfiles, t));
+    files.push_back(StagingFileFor(M("TVG5240-10"), AclOwner::kAcl, AclKind::kRules, t));
+    if (t != AclType::kPacketContent) files.push_back(StagingFileFor(M("TVG5240-10"), AclOwner::kCpu, AclKind::kRules, t));
+  }
   std::vector<std::pair<StagingFile, AclRecordList>> written;
   int n = 0;
-  for (const Kind& k : kinds) {
-    auto f = StagingFileFor(M(k.model), k.owner, k.kind, k.type);
+  for (const auto& f : files) {
     ASSERT_TRUE(f);
     AclRecordList list;
     for (int r = 0; r < 3; ++r) {

@@ -125,50 +125,34 @@ protected:
 
 }  // namespace
 
-TEST_F(PlugInHostTest, TakesTheStoredTextsWhateverTheResult) {
-    std::vector<PlugInProblem> problems;
-    {
-        std::vector<PlugIn> plugIns = LoadPlugIns(40000, problems, kTestKey);
-        ASSERT_EQ(plugIns.size(), 1u);
-        const PlugIn& p = plugIns[0];
-        EXPECT_EQ(p.clsidText, kFakeClsidText);
-        EXPECT_EQ(p.resources, GetModuleHandleW(nullptr));
-        EXPECT_EQ(p.menuPathId, 501);
-        EXPECT_EQ(p.menuPath, L"&Tools/&Fake Plug-In");
-        EXPECT_EQ(p.menuItem, L"&Fake Command...");
-        EXPECT_EQ(p.prompt, L"Runs the fake command\nFake");
-        EXPECT_EQ(p.toolbarMenu, L"&Fake Toolbar");
-        EXPECT_EQ(p.toolbarTitle, L"Fake Toolbar");
-        EXPECT_EQ(p.commandId, 40000u);
-        // Execute's E_NOTIMPL is the plug-in's "done".
-        EXPECT_EQ(p.object->Execute(0), E_NOTIMPL);
-        EXPECT_EQ(g_executeCalls, 1);
-    }
-    // The class nobody serves and the value that is no class identifier are reported.
-    ASSERT_EQ(problems.size(), 2u);
-}
-
-TEST_F(PlugInHostTest, OpenedSubmapReachesThePlugInThroughIDispatch) {
+TEST_F(PlugInHostTest, TakesTheStoredTextsWhateverTheResultAndReportsTheSubmapThroughIDispatch) {
     std::vector<PlugInProblem> problems;
     std::vector<PlugIn> plugIns = LoadPlugIns(40000, problems, kTestKey);
     ASSERT_EQ(plugIns.size(), 1u);
-    EXPECT_EQ(NotifyOpenedSubmap(plugIns, 22), 1);
-    EXPECT_EQ(g_openedSubmap, 22);
-    EXPECT_EQ(NotifyOpenedSubmap(plugIns, -1), 1);
-    EXPECT_EQ(g_openedSubmap, -1);
-    EXPECT_EQ(g_openedCalls, 2);
-}
+    const PlugIn& p = plugIns[0];
+    EXPECT_EQ(p.clsidText, kFakeClsidText);
+    EXPECT_EQ(p.resources, GetModuleHandleW(nullptr));
+    EXPECT_EQ(p.menuPathId, 501);
+    EXPECT_EQ(p.menuPath, L"&Tools/&Fake Plug-In");
+    EXPECT_EQ(p.menuItem, L"&Fake Command...");
+    EXPECT_EQ(p.prompt, L"Runs the fake command\nFake");
+    EXPECT_EQ(p.toolbarMenu, L"&Fake Toolbar");
+    EXPECT_EQ(p.toolbarTitle, L"Fake Toolbar");
+    EXPECT_EQ(p.commandId, 40000u);
+    EXPECT_EQ(p.object->Execute(0), E_NOTIMPL) << "the plug-in's \"done\"";
+    EXPECT_EQ(g_executeCalls, 1);
+    // The class nobody serves and the value that is no class identifier are reported.
+    EXPECT_EQ(problems.size(), 2u);
 
-TEST_F(PlugInHostTest, NoPlugInsKeyMeansNoPlugIns) {
-    std::vector<PlugInProblem> problems;
+    for (long submap : {22L, -1L}) {
+        EXPECT_EQ(NotifyOpenedSubmap(plugIns, submap), 1);
+        EXPECT_EQ(g_openedSubmap, submap);
+    }
+    EXPECT_EQ(g_openedCalls, 2);
+
+    problems.clear();
     EXPECT_TRUE(LoadPlugIns(40000, problems, L"Software\\Kestrix\\SentrelTests\\NoSuchKey").empty());
     EXPECT_TRUE(problems.empty());
-}
-
-TEST(LoadResourceString, MissingOrOutOfRangeIdsGiveEmptyText) {
-    HINSTANCE self = GetModuleHandleW(nullptr);
-    EXPECT_EQ(LoadResourceString(self, 505), L"Fake Toolbar");
-    EXPECT_EQ(LoadResourceString(self, 999), L"");
-    EXPECT_EQ(LoadResourceString(self, -1), L"");
+    EXPECT_EQ(LoadResourceString(GetModuleHandleW(nullptr), 999), L"") << "a missing text is empty";
     EXPECT_EQ(LoadResourceString(nullptr, 505), L"");
 }

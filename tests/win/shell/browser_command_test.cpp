@@ -14,30 +14,20 @@ using namespace sentrel_test;
 
 namespace {
 
-TEST(ExtractBrowserPath, QuotedPathWithOptionsAndPlaceholderYieldsThePathAlone) {
-    EXPECT_EQ("C:\\Program Files\\Internet Explorer\\iexplore.exe",
-              shell::ExtractBrowserPath("\"C:\\Program Files\\Internet Explorer\\iexplore.exe\" -nohome \"%1\""));
-}
-
-TEST(ExtractBrowserPath, UpperCaseExtensionIsAcceptedByTheSecondPass) {
-    EXPECT_EQ("D:\\BROWSERS\\NETSCAPE.EXE", shell::ExtractBrowserPath("D:\\BROWSERS\\NETSCAPE.EXE -url %1"));
-}
-
-TEST(ExtractBrowserPath, BareProgramNameWithoutDriveIsRefused) {
-    EXPECT_EQ("", shell::ExtractBrowserPath("iexplore.exe %1"));
-    EXPECT_EQ("", shell::ExtractBrowserPath(""));
-    EXPECT_EQ("", shell::ExtractBrowserPath(":\\x.exe")) << "no drive letter before \":\\\"";
-    EXPECT_EQ("", shell::ExtractBrowserPath("C:\\tools\\browser.com")) << "no extension";
-}
-
-TEST(ExtractBrowserPath, ExtensionLongBeforeTheDriveIsRefused) {
-    // ".exe" more than 4 characters before ":\": not a program path.
-    EXPECT_EQ("", shell::ExtractBrowserPath("run.exe /open C:\\pages\\index.htm"));
-    EXPECT_EQ("", shell::ExtractBrowserPath("b.exeC:\\a.exe")) << "first \".exe\" is 5 before \":\\\"";
-}
-
-TEST(ExtractBrowserPath, LowerCasePassWinsOverUpperCase) {
-    EXPECT_EQ("C:\\x\\y.exe", shell::ExtractBrowserPath("C:\\x\\y.exe C:\\z.EXE"));
+TEST(ExtractBrowserPath, TakesTheDrivePathThroughTheExtensionOrNothing) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"\"C:\\Program Files\\Internet Explorer\\iexplore.exe\" -nohome \"%1\"",
+         "C:\\Program Files\\Internet Explorer\\iexplore.exe"},
+        {"D:\\BROWSERS\\NETSCAPE.EXE -url %1", "D:\\BROWSERS\\NETSCAPE.EXE"},  // the second pass
+        {"C:\\x\\y.exe C:\\z.EXE", "C:\\x\\y.exe"},                      // lower case first
+        {"iexplore.exe %1", ""},                                        // no drive
+        {"", ""},
+        {":\\x.exe", ""},                                               // no drive letter
+        {"C:\\tools\\browser.com", ""},                                 // no extension
+        {"run.exe /open C:\\pages\\index.htm", ""},                     // ".exe" long before the drive
+        {"b.exeC:\\a.exe", ""},                                           // the first ".exe" 5 before it
+    };
+    for (const auto& [command, path] : cases) EXPECT_EQ(path, shell::ExtractBrowserPath(command)) << command;
 }
 
 class RadiusCommand : public ::testing::Test {
@@ -48,7 +38,7 @@ protected:
         ASSERT_EQ(S_OK, CallDllExport(SentrelDll(), "DllRegisterServer"));
     }
     static void TearDownTestSuite() {
-        DeleteRegTree(HKEY_CLASSES_ROOT, "http\\shell\\open\\command");
+        DeleteRegTree(HKEY_CLASSES_ROOT, kBrowserCommandKey);
         CoUninitialize();
     }
     void SetUp() override {
@@ -57,7 +47,7 @@ protected:
         m_log = std::string(temp) + "fake_browser_" + std::to_string(GetCurrentProcessId()) + ".txt";
         DeleteFileA(m_log.c_str());
         SetEnvironmentVariableA("SENTREL_FAKE_BROWSER_LOG", m_log.c_str());
-        DeleteRegTree(HKEY_CLASSES_ROOT, "http\\shell\\open\\command");
+        DeleteRegTree(HKEY_CLASSES_ROOT, kBrowserCommandKey);
         DeleteRegTree(HKEY_CURRENT_USER, kSettingsKey);
     }
     void TearDown() override { DeleteFileA(m_log.c_str()); }
@@ -86,71 +76,47 @@ protected:
 };
 
 TEST_F(RadiusCommand, StartsTheBrowserWithTheRadiusSiteAndDoesNotWait) {
-    ASSERT_TRUE(SetRegString(HKEY_CLASSES_ROOT, "http\\shell\\open\\command", nullptr,
-                             "\"" + FakeBrowser() + "\" -nohome \"%1\""));
-    ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, kSettingsKey, "RadiusSite", "http://127.0.0.1:8080/radius"));
-    MessageBoxCatcher boxes;
-    EXPECT_EQ(E_NOTIMPL, Execute());
-    EXPECT_EQ(FakeBrowser() + " http://127.0.0.1:8080/radius", BrowserCommandLine());
-    EXPECT_TRUE(boxes.Caught().empty());
-}
-
-TEST_F(RadiusCommand, UpperCaseProgramPathIsStarted) {
     std::string upper = FakeBrowser();
-    size_t slash = upper.find_last_of('\\');
-    for (size_t i = slash; i < upper.size(); ++i) upper[i] = static_cast<char>(toupper(upper[i]));
-    ASSERT_TRUE(SetRegString(HKEY_CLASSES_ROOT, "http\\shell\\open\\command", nullptr, upper + " %1"));
-    ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, kSettingsKey, "RadiusSite", "radius.example"));
-    EXPECT_EQ(E_NOTIMPL, Execute());
-    EXPECT_EQ(upper + " radius.example", BrowserCommandLine());
-}
-
-TEST_F(RadiusCommand, MissingSiteGivesThePathAndOneBlank) {
-    ASSERT_TRUE(SetRegString(HKEY_CLASSES_ROOT, "http\\shell\\open\\command", nullptr, "\"" + FakeBrowser() + "\""));
-    EXPECT_EQ(E_NOTIMPL, Execute());
-    EXPECT_EQ(FakeBrowser() + " ", BrowserCommandLine());
-}
-
-TEST_F(RadiusCommand, SiteOfSixtyCharactersCountsAsMissing) {
-    ASSERT_TRUE(SetRegString(HKEY_CLASSES_ROOT, "http\\shell\\open\\command", nullptr, "\"" + FakeBrowser() + "\""));
-    const std::string sixty = "http://radius.example/" + std::string(60 - 22, 'x');
-    ASSERT_EQ(60u, sixty.size());
-    ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, kSettingsKey, "RadiusSite", sixty));
-    EXPECT_EQ(E_NOTIMPL, Execute());
-    EXPECT_EQ(FakeBrowser() + " ", BrowserCommandLine());
-}
-
-TEST_F(RadiusCommand, SiteOfFiftyNineCharactersIsUsed) {
-    ASSERT_TRUE(SetRegString(HKEY_CLASSES_ROOT, "http\\shell\\open\\command", nullptr, "\"" + FakeBrowser() + "\""));
+    for (size_t i = upper.find_last_of('\\'); i < upper.size(); ++i) upper[i] = static_cast<char>(toupper(upper[i]));
     const std::string fiftyNine = "http://radius.example/" + std::string(59 - 22, 'y');
-    ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, kSettingsKey, "RadiusSite", fiftyNine));
-    EXPECT_EQ(E_NOTIMPL, Execute());
-    EXPECT_EQ(FakeBrowser() + " " + fiftyNine, BrowserCommandLine());
-}
-
-struct NoBrowserCase {
-    const char* name;
-    bool registered;
-    std::string command;
-};
-
-TEST_F(RadiusCommand, NoUsableBrowserShowsTheMessageAndStartsNothing) {
-    const NoBrowserCase cases[] = {
-        {"no key", false, ""},
-        {"bare program name", true, "fake_browser.exe %1"},
-        {"command of 200 bytes", true, "\"" + FakeBrowser() + "\" " + std::string(200, 'a')},
+    const struct {
+        std::string command, site;  // site "-": no value
+        std::string started;
+    } cases[] = {
+        {"\"" + FakeBrowser() + "\" -nohome \"%1\"", "http://127.0.0.1:8080/radius", FakeBrowser() + " http://127.0.0.1:8080/radius"},
+        {upper + " %1", "radius.example", upper + " radius.example"},
+        {"\"" + FakeBrowser() + "\"", "-", FakeBrowser() + " "},
+        {"\"" + FakeBrowser() + "\"", fiftyNine, FakeBrowser() + " " + fiftyNine},
+        {"\"" + FakeBrowser() + "\"", fiftyNine + "yy", FakeBrowser() + " "},  // 60 characters count as none
     };
-    for (const NoBrowserCase& c : cases) {
-        DeleteRegTree(HKEY_CLASSES_ROOT, "http\\shell\\open\\command");
-        if (c.registered) {
-            ASSERT_TRUE(SetRegString(HKEY_CLASSES_ROOT, "http\\shell\\open\\command", nullptr, c.command));
+    for (const auto& c : cases) {
+        DeleteFileA(m_log.c_str());
+        DeleteRegTree(HKEY_CURRENT_USER, kSettingsKey);
+        ASSERT_TRUE(SetRegString(HKEY_CLASSES_ROOT, kBrowserCommandKey, nullptr, c.command));
+        if (c.site != "-") {
+            ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, kSettingsKey, "RadiusSite", c.site));
         }
         MessageBoxCatcher boxes;
-        EXPECT_EQ(E_NOTIMPL, Execute()) << c.name;
-        ASSERT_EQ(1u, boxes.Caught().size()) << c.name;
-        EXPECT_EQ("Failed to get IE path !", boxes.Caught()[0].text) << c.name;
-        EXPECT_EQ("Sentrel", boxes.Caught()[0].caption) << c.name;
-        EXPECT_EQ("<browser not started>", BrowserCommandLine(1500)) << c.name;
+        EXPECT_EQ(E_NOTIMPL, Execute());
+        EXPECT_EQ(c.started, BrowserCommandLine());
+        EXPECT_TRUE(boxes.Caught().empty());
+    }
+}
+
+TEST_F(RadiusCommand, NoUsableBrowserShowsTheMessageAndStartsNothing) {
+    // No key, a bare program name, a command of 200 bytes (too long for the buffer).
+    for (const std::string& command : {std::string(), std::string("fake_browser.exe %1"),
+                                       "\"" + FakeBrowser() + "\" " + std::string(200, 'a')}) {
+        DeleteRegTree(HKEY_CLASSES_ROOT, kBrowserCommandKey);
+        if (!command.empty()) {
+            ASSERT_TRUE(SetRegString(HKEY_CLASSES_ROOT, kBrowserCommandKey, nullptr, command));
+        }
+        MessageBoxCatcher boxes;
+        EXPECT_EQ(E_NOTIMPL, Execute()) << command;
+        ASSERT_EQ(1u, boxes.Caught().size()) << command;
+        EXPECT_EQ("Failed to get IE path !", boxes.Caught()[0].text);
+        EXPECT_EQ("Sentrel", boxes.Caught()[0].caption);
+        EXPECT_EQ("<browser not started>", BrowserCommandLine(1000)) << command;
     }
 }
 

@@ -1,5 +1,5 @@
-// The host inventory read from the stand-in host (real COM objects, real MSXML,
-// real registry) into a real tree-view control and a device list.
+// The host inventory read from the stand-in host (real COM objects, real MSXML, real
+// registry) into a real tree-view control and a device list.
 #include <windows.h>
 #include <commctrl.h>
 
@@ -19,43 +19,34 @@ namespace {
 // The device list as the panel would hold it: a plain record of what the fill did to it.
 class RecordingRows : public shell::DeviceRowList {
 public:
-    struct Row {
-        shell::DeviceRecord record;
-        bool checked = false;
-        bool selectedAndFocused = false;
-    };
-    void DeleteAllRows() override {
-        rows.clear();
-        ++clears;
-    }
-    void AppendRow(const shell::DeviceRecord& record) override { rows.push_back({record}); }
+    void DeleteAllRows() override { rows.clear(); }
+    void AppendRow(const shell::DeviceRecord& record) override { rows.push_back(record); }
     int RowCount() const override { return static_cast<int>(rows.size()); }
     std::string RowIP(int row) const override {
         ++ipReads;
-        return rows.at(static_cast<size_t>(row)).record.strIP;
+        return rows.at(static_cast<size_t>(row)).strIP;
     }
-    void CheckSelectAndFocus(int row) override {
-        rows.at(static_cast<size_t>(row)).checked = true;
-        rows.at(static_cast<size_t>(row)).selectedAndFocused = true;
+    void CheckSelectAndFocus(int row) override { checked.push_back(row); }
+    // Every row as "name|type|ip|read|write|ID text|ID", separated by blanks.
+    std::string Text() const {
+        std::string out;
+        for (const auto& r : rows)
+            out += (out.empty() ? "" : " ") + r.strName + "|" + r.strDeviceType + "|" + r.strIP + "|" +
+                   r.strReadCommunity + "|" + r.strWriteCommunity + "|" + r.strDeviceID + "|" +
+                   std::to_string(r.nDeviceID);
+        return out;
     }
-    std::vector<Row> rows;
-    int clears = 0;
+    std::vector<shell::DeviceRecord> rows;
+    std::vector<int> checked;
     mutable int ipReads = 0;
 };
 
-struct TreeNode {
-    std::string text;
-    long id;
-    int image;
-    bool bold;
-    bool expanded;
-    std::vector<TreeNode> children;
-};
-
-std::string Device(const std::string& id, const std::string& name, const std::string& type, const std::string& ip,
-                   const std::string& get = "public", const std::string& set = "private") {
-    return "<DEVICEINFO><ID>" + id + "</ID><NAME>" + name + "</NAME><TYPE>" + type + "</TYPE><IP>" + ip +
-           "</IP><GETCOMM>" + get + "</GETCOMM><SETCOMM>" + set + "</SETCOMM></DEVICEINFO>";
+std::string Tree(const std::string& rootAttributes, const std::string& content) {
+    return "<Operation><DDS><Root " + rootAttributes + ">" + content + "</Root></DDS></Operation>";
+}
+std::string Node(const char* element, const char* id, const char* name, const char* type, const std::string& inner = "") {
+    return std::string("<") + element + " ID=\"" + id + "\" Name=\"" + name + "\" Type=\"" + type + "\">" + inner + "</" +
+           element + ">";
 }
 
 class HostInventory : public ::testing::Test {
@@ -78,8 +69,7 @@ protected:
         SetEnvironmentVariableA("ORBLANE_SITE", m_site.c_str());
         DeleteRegTree(HKEY_CURRENT_USER, kSettingsKey);
         shell::g_lOpenedSubmapID = 0;
-        m_tree = CreateWindowExA(0, WC_TREEVIEWA, "", WS_POPUP | TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT,
-                                 0, 0, 300, 400, nullptr, nullptr, nullptr, nullptr);
+        m_tree = CreateWindowExA(0, WC_TREEVIEWA, "", WS_POPUP, 0, 0, 300, 400, nullptr, nullptr, nullptr, nullptr);
         ASSERT_NE(nullptr, m_tree);
     }
     void TearDown() override {
@@ -88,48 +78,52 @@ protected:
         SetEnvironmentVariableA("ORBLANE_SITE", nullptr);
     }
 
-    void WriteSite(const std::string& attributes, const std::string& tree, const std::string& lists = "") {
-        ASSERT_TRUE(WriteTextFile(m_site, "<OrblaneSite " + attributes + "><DomainTree>" + tree + "</DomainTree>" +
-                                              lists + "</OrblaneSite>"));
+    void WriteSite(const std::string& attributes, const std::string& tree, const std::string& rest = "") {
+        ASSERT_TRUE(WriteTextFile(m_site, "<OrblaneSite " + attributes + "><DomainTree>" + tree + "</DomainTree>" + rest +
+                                              "</OrblaneSite>"));
     }
-    // A tree with the root and the given content below it.
-    static std::string Tree(const std::string& rootAttributes, const std::string& content) {
-        return "<Operation><DDS><Root " + rootAttributes + ">" + content + "</Root></DDS></Operation>";
-    }
-
-    std::vector<TreeNode> ReadTree(HTREEITEM parent = TVI_ROOT) const {
-        std::vector<TreeNode> out;
-        HTREEITEM item = parent == TVI_ROOT ? TreeView_GetRoot(m_tree) : TreeView_GetChild(m_tree, parent);
-        for (; item; item = TreeView_GetNextSibling(m_tree, item)) {
-            char text[256] = {};
-            TVITEMA tv{};
-            tv.mask = TVIF_TEXT | TVIF_PARAM | TVIF_IMAGE | TVIF_STATE;
-            tv.hItem = item;
-            tv.pszText = text;
-            tv.cchTextMax = sizeof text;
-            tv.stateMask = TVIS_BOLD | TVIS_EXPANDED;
-            SendMessageA(m_tree, TVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&tv));
-            out.push_back({text, static_cast<long>(tv.lParam), tv.iImage, (tv.state & TVIS_BOLD) != 0,
-                           (tv.state & TVIS_EXPANDED) != 0, ReadTree(item)});
-        }
-        return out;
-    }
-    std::string SelectedText() const {
-        HTREEITEM sel = TreeView_GetSelection(m_tree);
-        if (!sel) return "<none>";
-        char text[256] = {};
-        TVITEMA tv{};
-        tv.mask = TVIF_TEXT;
-        tv.hItem = sel;
-        tv.pszText = text;
-        tv.cchTextMax = sizeof text;
-        SendMessageA(m_tree, TVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&tv));
-        return text;
+    // A site whose node 11 lists `devices`, with the tree loaded.
+    void WriteDevices(const std::string& devices, const std::string& siteAttributes = "") {
+        WriteSite(siteAttributes, Tree("ID=\"1\"", Node("Domain", "10", "D", "0", Node("Submap", "11", "S", "0"))),
+                  "<DeviceList Node=\"11\"><DEVICELIST>" + devices + "</DEVICELIST></DeviceList>" +
+                      "<DeviceList Node=\"10\"><DEVICELIST>" + DeviceXml("2", "second", "TVR4820", "127.0.0.3") +
+                      "</DEVICELIST></DeviceList><DeviceList Node=\"13\" Fail=\"1\"/>");
+        ASSERT_TRUE(Load());
     }
     bool Load() {
         shell::CDomainTreeLoader loader;
         loader.SetTree(m_tree);
         return loader.Load();
+    }
+
+    TVITEMA Item(HTREEITEM item, char* text) const {
+        TVITEMA tv{};
+        tv.mask = TVIF_TEXT | TVIF_PARAM | TVIF_IMAGE | TVIF_STATE;
+        tv.hItem = item;
+        tv.pszText = text;
+        tv.cchTextMax = 256;
+        tv.stateMask = TVIS_BOLD | TVIS_EXPANDED;
+        SendMessageA(m_tree, TVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&tv));
+        return tv;
+    }
+    // The tree as "text#ID:image" per item, "*" when bold, "-" when not expanded, children in braces.
+    std::string Render(HTREEITEM first) const {
+        std::string out;
+        for (HTREEITEM item = first; item; item = TreeView_GetNextSibling(m_tree, item)) {
+            char text[256] = {};
+            TVITEMA tv = Item(item, text);
+            out += (out.empty() ? "" : ",") + std::string(text) + "#" + std::to_string(tv.lParam) + ":" +
+                   std::to_string(tv.iImage) + ((tv.state & TVIS_BOLD) ? "*" : "");
+            if (HTREEITEM child = TreeView_GetChild(m_tree, item))
+                out += std::string((tv.state & TVIS_EXPANDED) ? "" : "-") + "{" + Render(child) + "}";
+        }
+        return out;
+    }
+    std::string Rendered() const { return Render(TreeView_GetRoot(m_tree)); }
+    std::string SelectedText() const {
+        char text[256] = {};
+        HTREEITEM sel = TreeView_GetSelection(m_tree);
+        return sel ? (Item(sel, text), std::string(text)) : "<none>";
     }
     // Selects the tree item with that node ID (searching the whole tree) and fills the list.
     void FillFrom(long nodeId, RecordingRows& rows, long* current = nullptr) {
@@ -138,11 +132,8 @@ protected:
             HTREEITEM item = stack.back();
             stack.pop_back();
             if (!item) continue;
-            TVITEMA tv{};
-            tv.mask = TVIF_PARAM;
-            tv.hItem = item;
-            SendMessageA(m_tree, TVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&tv));
-            if (tv.lParam == nodeId) {
+            char text[256];
+            if (Item(item, text).lParam == nodeId) {
                 TreeView_SelectItem(m_tree, item);
                 break;
             }
@@ -152,334 +143,177 @@ protected:
         long dummy = 0;
         shell::FillDeviceListFromTree(m_tree, rows, current ? current : &dummy, nullptr);
     }
+    std::string SavedList() const { return ReadTextFile(m_folder + "\\RListDeviceFromGroup.xml"); }
 
     std::string m_folder, m_site;
     char m_oldDirectory[MAX_PATH] = {};
     HWND m_tree = nullptr;
 };
 
-// ---------------------------------------------------------------------------------------
-// Registry
-
 TEST_F(HostInventory, RegistryStringsAreReadWithinSixtyBytes) {
-    const std::string key = kSettingsKey;
-    ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, key, "RootName", std::string(59, 'r')));
-    EXPECT_EQ(std::string(59, 'r'), shell::ReadRegistryString(shell::SettingsKeyPath(), "RootName"));
-    ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, key, "RootName", std::string(60, 'r')));
-    EXPECT_EQ("", shell::ReadRegistryString(shell::SettingsKeyPath(), "RootName")) << "60 characters do not fit";
-    ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, key, "RootName", std::string(500, 'r')));
-    EXPECT_EQ("", shell::ReadRegistryString(shell::SettingsKeyPath(), "RootName"));
-    EXPECT_EQ("", shell::ReadRegistryString(shell::SettingsKeyPath(), "NoSuchValue"));
-    EXPECT_EQ("", shell::ReadRegistryString("Software\\Kestrix\\NoSuchKey", "RootName"));
+    const struct {
+        const char* key;
+        int length;  // -1: no value written
+        bool read;
+    } cases[] = {{kSettingsKey, 59, true}, {kSettingsKey, 60, false}, {kSettingsKey, 500, false},
+                 {kSettingsKey, -1, false}, {"Software\\Kestrix\\NoSuchKey", -1, false}};
+    for (const auto& c : cases) {
+        DeleteRegTree(HKEY_CURRENT_USER, kSettingsKey);
+        if (c.length >= 0) {
+            ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, c.key, "RootName", std::string(c.length, 'r')));
+        }
+        EXPECT_EQ(c.read ? std::string(c.length, 'r') : "", shell::ReadRegistryString(c.key, "RootName")) << c.length;
+    }
 }
 
-TEST_F(HostInventory, KeyPathsComeFromTheStringTable) {
-    EXPECT_EQ("Software\\Kestrix\\OrblaneNMS\\Settings", shell::SettingsKeyPath());
-    EXPECT_EQ("Software\\Kestrix\\Function\\DeviceType", shell::DeviceTypesKeyPath());
-}
-
-TEST(AsciiToLong, ConvertsLikeTheCLibrary) {
-    EXPECT_EQ(42, shell::AsciiToLong("42"));
-    EXPECT_EQ(-7, shell::AsciiToLong("  -7"));
-    EXPECT_EQ(12, shell::AsciiToLong("12abc"));
-    EXPECT_EQ(0, shell::AsciiToLong("abc"));
-    EXPECT_EQ(0, shell::AsciiToLong(""));
-    EXPECT_EQ(2147483647, shell::AsciiToLong("99999999999999999999"));
-    EXPECT_EQ(-2147483647 - 1, shell::AsciiToLong("-99999999999999999999"));
-}
-
-// ---------------------------------------------------------------------------------------
-// Tree building
-
-TEST_F(HostInventory, BuildsDomainsAndSubmapsToAnyDepthExpandedWithTheirImages) {
-    WriteSite("ContextID=\"7\"",
-              Tree("ID=\"1\"", "<Domain ID=\"10\" Name=\"Headquarters\" Type=\"0\">"
-                               "  <Submap ID=\"11\" Name=\"Core\" Type=\"0\">"
-                               "    <Submap ID=\"12\" Name=\"Lab\" Type=\"7\"/>"
-                               "  </Submap>"
-                               "</Domain>"
-                               "<Domain ID=\"20\" Name=\"Branch\" Type=\"7\"><Submap ID=\"21\" Name=\"Edge\" Type=\"3\"/></Domain>"));
-    HostLog log;
-    ASSERT_TRUE(Load());
-    auto tree = ReadTree();
-    ASSERT_EQ(1u, tree.size());
-    const TreeNode& root = tree[0];
-    EXPECT_EQ("1", root.text) << "no RootName: the root shows its ID";
-    EXPECT_EQ(1, root.id);
-    EXPECT_TRUE(root.bold);
-    EXPECT_EQ(0, root.image);
-    ASSERT_EQ(2u, root.children.size());
-    EXPECT_EQ("Headquarters", root.children[0].text);
-    EXPECT_EQ(10, root.children[0].id);
-    EXPECT_EQ(2, root.children[0].image) << "domain";
-    EXPECT_FALSE(root.children[0].bold);
-    ASSERT_EQ(1u, root.children[0].children.size());
-    EXPECT_EQ("Core", root.children[0].children[0].text);
-    EXPECT_EQ(1, root.children[0].children[0].image) << "submap";
-    ASSERT_EQ(1u, root.children[0].children[0].children.size());
-    EXPECT_EQ("Lab", root.children[0].children[0].children[0].text);
-    EXPECT_EQ(4, root.children[0].children[0].children[0].image) << "type 7";
-    EXPECT_EQ(4, root.children[1].image) << "a domain of type 7";
-    EXPECT_EQ(1, root.children[1].children[0].image);
-    EXPECT_TRUE(root.expanded);
-    EXPECT_TRUE(root.children[0].expanded);
-    EXPECT_TRUE(root.children[0].children[0].expanded);
-    EXPECT_NE(std::string::npos, log.Text().find("GetDomainTree 7\n")) << "the host's context ID is passed on: " << log.Text();
-}
-
-TEST_F(HostInventory, ContextIdIsMinusOneWhenTheHostSetsNone) {
-    WriteSite("", Tree("ID=\"1\"", ""));
-    HostLog log;
-    ASSERT_TRUE(Load());
-    EXPECT_NE(std::string::npos, log.Text().find("GetDomainTree -1\n"));
-}
-
-TEST_F(HostInventory, RootNameReplacesTheRootText) {
-    ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, kSettingsKey, "RootName", "Orblane Network"));
-    WriteSite("", Tree("ID=\"5\"", ""));
-    ASSERT_TRUE(Load());
-    auto tree = ReadTree();
-    ASSERT_EQ(1u, tree.size());
-    EXPECT_EQ("Orblane Network", tree[0].text);
-    EXPECT_EQ(5, tree[0].id);
-    EXPECT_TRUE(tree[0].bold);
-}
-
-TEST_F(HostInventory, EmptyRootNameLeavesTheIdInBold) {
-    ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, kSettingsKey, "RootName", ""));
-    WriteSite("", Tree("ID=\"5\"", ""));
-    ASSERT_TRUE(Load());
-    auto tree = ReadTree();
-    EXPECT_EQ("5", tree[0].text);
-    EXPECT_TRUE(tree[0].bold);
-}
-
-TEST_F(HostInventory, SubmapBelowRootAndDomainBelowDomainAreNotShown) {
-    WriteSite("", Tree("ID=\"1\"", "<Submap ID=\"2\" Name=\"Stray submap\" Type=\"0\"/>"
-                                   "<Domain ID=\"3\" Name=\"D\" Type=\"0\">"
-                                   "  <Domain ID=\"4\" Name=\"Inner domain\" Type=\"0\"/>"
-                                   "  <Submap ID=\"5\" Name=\"S\" Type=\"0\"/>"
-                                   "</Domain>"));
-    ASSERT_TRUE(Load());
-    auto tree = ReadTree();
-    ASSERT_EQ(1u, tree[0].children.size());
-    EXPECT_EQ("D", tree[0].children[0].text);
-    ASSERT_EQ(1u, tree[0].children[0].children.size());
-    EXPECT_EQ("S", tree[0].children[0].children[0].text);
-}
-
-TEST_F(HostInventory, OpenedSubmapIsSelected) {
-    WriteSite("", Tree("ID=\"1\"", "<Domain ID=\"10\" Name=\"D\" Type=\"0\"><Submap ID=\"11\" Name=\"S\" Type=\"0\"/></Domain>"));
-    shell::g_lOpenedSubmapID = 11;
-    ASSERT_TRUE(Load());
-    EXPECT_EQ("S", SelectedText());
-    shell::g_lOpenedSubmapID = 1;
-    ASSERT_TRUE(Load());
-    EXPECT_EQ("1", SelectedText()) << "the root itself";
-}
-
-TEST_F(HostInventory, OpenedSubmapMinusOneSelectsNothing) {
-    WriteSite("", Tree("ID=\"1\"", "<Domain ID=\"10\" Name=\"D\" Type=\"0\"/>"));
-    shell::g_lOpenedSubmapID = -1;
-    ASSERT_TRUE(Load());
-    EXPECT_EQ("<none>", SelectedText());
-}
-
-TEST_F(HostInventory, WithTwoEqualIdsTheItemCheckedLastIsSelected) {
-    // A parent is checked after all its descendants: the domain wins over its submap.
-    WriteSite("", Tree("ID=\"1\"", "<Domain ID=\"9\" Name=\"Parent\" Type=\"0\"><Submap ID=\"9\" Name=\"Child\" Type=\"0\"/></Domain>"));
-    shell::g_lOpenedSubmapID = 9;
-    ASSERT_TRUE(Load());
-    EXPECT_EQ("Parent", SelectedText());
-    // Between siblings, the later one.
-    WriteSite("", Tree("ID=\"1\"", "<Domain ID=\"9\" Name=\"First\" Type=\"0\"/><Domain ID=\"9\" Name=\"Second\" Type=\"0\"/>"));
-    ASSERT_TRUE(Load());
-    EXPECT_EQ("Second", SelectedText());
-}
-
-TEST_F(HostInventory, MissingOperationDdsOrRootLeavesTheTreeEmpty) {
-    const char* documents[] = {
-        "<Other/>",
-        "<Operation><Other/></Operation>",
-        "<Operation><DDS><NotRoot ID=\"1\"/></DDS></Operation>",
-        "",
+TEST_F(HostInventory, TreeShowsDomainsAndSubmapsExpandedAndSelectsTheOpenedSubmap) {
+    const std::string nested = Node("Domain", "10", "Headquarters", "0",
+                                    Node("Submap", "11", "Core", "0", Node("Submap", "12", "Lab", "7"))) +
+                               Node("Domain", "20", "Branch", "7", Node("Submap", "21", "Edge", "3"));
+    const std::string tooLong(60, 'n');  // 60 characters do not fit in 60 bytes with the zero
+    const struct {
+        const char* siteAttributes;
+        const char* rootName;  // nullptr: no value
+        std::string rootAttributes, content;
+        long opened;
+        const char* tree;
+        const char* selected;
+        const char* contextIdLogged;
+    } cases[] = {
+        {"ContextID=\"7\"", nullptr, "ID=\"1\"", nested, 11,
+         "1#1:0*{Headquarters#10:2{Core#11:1{Lab#12:4}},Branch#20:4{Edge#21:1}}", "Core", "GetDomainTree 7\n"},
+        {"", "Orblane Network", "ID=\"5\"", "", 5, "Orblane Network#5:0*", "Orblane Network", "GetDomainTree -1\n"},
+        {"", "", "ID=\"5\"", "", -1, "5#5:0*", "<none>", nullptr},
+        {"", tooLong.c_str(), "ID=\"5\"", "", 0, "5#5:0*", "<none>", nullptr},
+        // Only the children of the root are domains; every deeper level holds submaps.
+        {"", nullptr, "ID=\"1\"",
+         Node("Submap", "2", "Stray", "0") + Node("Domain", "3", "D", "0", Node("Domain", "4", "Inner", "0") + Node("Submap", "5", "S", "0")),
+         1, "1#1:0*{D#3:2{S#5:1}}", "1", nullptr},
+        // Of two items with the opened ID, the one checked last: a parent after its children,
+        // a later sibling after an earlier one.
+        {"", nullptr, "ID=\"1\"", Node("Domain", "9", "Parent", "0", Node("Submap", "9", "Child", "0")), 9,
+         "1#1:0*{Parent#9:2{Child#9:1}}", "Parent", nullptr},
+        {"", nullptr, "ID=\"1\"", Node("Domain", "9", "First", "0") + Node("Domain", "9", "Second", "0"), 9,
+         "1#1:0*{First#9:2,Second#9:2}", "Second", nullptr},
+        // Missing attributes and text IDs: empty texts, ID 0.
+        {"", nullptr, "", "<Domain><Submap/></Domain><Domain ID=\"abc\" Name=\"Text ID\" Type=\"seven\"/>", 0,
+         "#0:0*{#0:2{#0:1},Text ID#0:2}", "Text ID", nullptr},
     };
-    for (const char* doc : documents) {
-        WriteSite("", Tree("ID=\"1\"", "<Domain ID=\"2\" Name=\"x\" Type=\"0\"/>"));
+    for (const auto& c : cases) {
+        DeleteRegTree(HKEY_CURRENT_USER, kSettingsKey);
+        if (c.rootName) {
+            ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, kSettingsKey, "RootName", c.rootName));
+        }
+        WriteSite(c.siteAttributes, Tree(c.rootAttributes, c.content));
+        shell::g_lOpenedSubmapID = c.opened;
+        HostLog log;
+        ASSERT_TRUE(Load()) << c.tree;
+        EXPECT_EQ(c.tree, Rendered());
+        EXPECT_EQ(c.selected, SelectedText()) << c.tree;
+        if (c.contextIdLogged) {
+            EXPECT_NE(std::string::npos, log.Text().find(c.contextIdLogged)) << log.Text();
+        }
+    }
+}
+
+TEST_F(HostInventory, DocumentWithoutOperationDdsOrRootLeavesTheTreeEmptyWithoutMessage) {
+    for (const char* doc : {"<Other/>", "<Operation><Other/></Operation>",
+                            "<Operation><DDS><NotRoot ID=\"1\"/></DDS></Operation>", ""}) {
+        WriteSite("", Tree("ID=\"1\"", Node("Domain", "2", "x", "0")));
         ASSERT_TRUE(Load());
-        ASSERT_EQ(1u, ReadTree().size());
         WriteSite("", doc);
         MessageBoxCatcher boxes;
         EXPECT_FALSE(Load()) << doc;
-        EXPECT_TRUE(ReadTree().empty()) << doc;
+        EXPECT_EQ("", Rendered()) << doc;
         EXPECT_TRUE(boxes.Caught().empty()) << doc;
     }
 }
 
-TEST_F(HostInventory, ElementsWithoutAttributesOrWithTextIdsStillBuildATree) {
-    WriteSite("", Tree("", "<Domain><Submap/></Domain><Domain ID=\"abc\" Name=\"Text ID\" Type=\"seven\"/>"));
-    shell::g_lOpenedSubmapID = 0;
+TEST_F(HostInventory, HostErrorShowsTheHostsTextAndKeepsTheTreeWhileResultOneIsSuccess) {
+    WriteSite("", Tree("ID=\"1\"", Node("Domain", "2", "kept", "0")));
     ASSERT_TRUE(Load());
-    auto tree = ReadTree();
-    ASSERT_EQ(1u, tree.size());
-    EXPECT_EQ("", tree[0].text) << "a root without ID shows an empty ID";
-    EXPECT_EQ(0, tree[0].id);
-    ASSERT_EQ(2u, tree[0].children.size());
-    EXPECT_EQ("", tree[0].children[0].text);
-    EXPECT_EQ(0, tree[0].children[0].id);
-    EXPECT_EQ(2, tree[0].children[0].image);
-    EXPECT_EQ(1u, tree[0].children[0].children.size());
-    EXPECT_EQ(0, tree[0].children[1].id) << "text IDs convert to 0";
-    EXPECT_EQ(2, tree[0].children[1].image);
-    // Every ID here is 0, as is the opened submap: the item checked last is the second domain.
-    EXPECT_EQ("Text ID", SelectedText());
-}
-
-TEST_F(HostInventory, HostErrorResultShowsTheHostsTextAndKeepsTheTree) {
-    WriteSite("", Tree("ID=\"1\"", "<Domain ID=\"2\" Name=\"kept\" Type=\"0\"/>"));
-    ASSERT_TRUE(Load());
-    ASSERT_TRUE(WriteTextFile(m_site, "<OrblaneSite TreeResult=\"1234\"><ErrorText Code=\"1234\">Domain tree "
-                                      "unavailable: database offline</ErrorText><DomainTree>" +
-                                          Tree("ID=\"1\"", "") + "</DomainTree></OrblaneSite>"));
+    WriteSite("TreeResult=\"1234\"", Tree("ID=\"1\"", ""),
+              "<ErrorText Code=\"1234\">Domain tree unavailable: database offline</ErrorText>");
     MessageBoxCatcher boxes;
     EXPECT_FALSE(Load());
     ASSERT_EQ(1u, boxes.Caught().size());
     EXPECT_EQ("Domain tree unavailable: database offline", boxes.Caught()[0].text);
     EXPECT_EQ("Sentrel", boxes.Caught()[0].caption);
-    auto tree = ReadTree();
-    ASSERT_EQ(1u, tree.size()) << "the tree is left as it was";
-    EXPECT_EQ("kept", tree[0].children.at(0).text);
-}
+    EXPECT_EQ("1#1:0*{kept#2:2}", Rendered()) << "the tree is left as it was";
 
-TEST_F(HostInventory, ResultOneCountsAsSuccess) {
-    WriteSite("TreeResult=\"1\"", Tree("ID=\"1\"", ""));
-    MessageBoxCatcher boxes;
+    boxes.Clear();
+    WriteSite("TreeResult=\"1\"", Tree("ID=\"3\"", ""));
     EXPECT_TRUE(Load());
+    EXPECT_EQ("3#3:0*", Rendered());
     EXPECT_TRUE(boxes.Caught().empty());
-}
 
-TEST_F(HostInventory, WithoutTheHostNoTreeAndNoMessage) {
-    WriteSite("", Tree("ID=\"1\"", ""));
+    // Without the host: no tree, no message.
     ASSERT_EQ(S_OK, CallDllExport(OrblaneHostDll(), "DllUnregisterServer"));
-    MessageBoxCatcher boxes;
     bool loaded = Load();
     ASSERT_EQ(S_OK, CallDllExport(OrblaneHostDll(), "DllRegisterServer"));
     EXPECT_FALSE(loaded);
     EXPECT_TRUE(boxes.Caught().empty());
 }
 
-// ---------------------------------------------------------------------------------------
-// Device list
-
-class DeviceList : public HostInventory {
-protected:
-    void WriteDevices(const std::string& nodeContent, const std::string& extraLists = "") {
-        WriteSite("", Tree("ID=\"1\"", "<Domain ID=\"10\" Name=\"D\" Type=\"0\"><Submap ID=\"11\" Name=\"S\" Type=\"0\"/></Domain>"),
-                  "<DeviceList Node=\"11\"><DEVICELIST>" + nodeContent + "</DEVICELIST></DeviceList>" + extraLists);
-        ASSERT_TRUE(Load());
-    }
-};
-
-TEST_F(DeviceList, RowsCarryTheSixFieldsInOrderAndTheFileIsSaved) {
-    WriteDevices(Device("101", "core-sw1", "TVR4820", "127.0.0.2", "pub1", "priv1") +
-                 Device("102", "edge-sw2", "TVG5470", "127.0.0.3"));
-    RecordingRows rows;
-    long current = 0;
-    MessageBoxCatcher boxes;
-    FillFrom(11, rows, &current);
-    EXPECT_EQ(11, current) << "the node ID is kept as the current node";
-    ASSERT_EQ(2, rows.RowCount());
-    const auto& r = rows.rows[0].record;
-    EXPECT_EQ("core-sw1", r.strName);
-    EXPECT_EQ("TVR4820", r.strDeviceType);
-    EXPECT_EQ("127.0.0.2", r.strIP);
-    EXPECT_EQ("pub1", r.strReadCommunity);
-    EXPECT_EQ("priv1", r.strWriteCommunity);
-    EXPECT_EQ("101", r.strDeviceID);
-    EXPECT_EQ(101, r.nDeviceID);
-    EXPECT_FALSE(rows.rows[0].checked);
-    EXPECT_EQ("edge-sw2", rows.rows[1].record.strName);
-    EXPECT_TRUE(boxes.Caught().empty());
-    bool found = false;
-    std::string saved = ReadTextFile(m_folder + "\\RListDeviceFromGroup.xml", &found);
-    EXPECT_TRUE(found) << "saved in the current directory";
-    EXPECT_NE(std::string::npos, saved.find("core-sw1"));
-}
-
-TEST_F(DeviceList, FileIsRewrittenOnEveryFill) {
-    WriteDevices(Device("1", "first", "TVR4820", "127.0.0.2"),
-                 "<DeviceList Node=\"10\"><DEVICELIST>" + Device("2", "second", "TVR4820", "127.0.0.3") +
-                     "</DEVICELIST></DeviceList>");
-    RecordingRows rows;
-    FillFrom(11, rows);
-    EXPECT_NE(std::string::npos, ReadTextFile(m_folder + "\\RListDeviceFromGroup.xml").find("first"));
-    FillFrom(10, rows);
-    std::string saved = ReadTextFile(m_folder + "\\RListDeviceFromGroup.xml");
-    EXPECT_NE(std::string::npos, saved.find("second"));
-    EXPECT_EQ(std::string::npos, saved.find("first"));
-}
-
-TEST_F(DeviceList, OnlyNonSnmpDevicesGiveAnEmptyListWithoutMessage) {
-    WriteDevices(Device("1", "printer", "NonSNMPDevice", "127.0.0.9") + Device("2", "camera", "NonSNMPDevice", "127.0.0.8"));
-    RecordingRows rows;
-    MessageBoxCatcher boxes;
-    FillFrom(11, rows);
-    EXPECT_EQ(0, rows.RowCount());
-    EXPECT_TRUE(boxes.Caught().empty());
-}
-
-TEST_F(DeviceList, NonSnmpMatchIsExactAndCaseSensitive) {
-    WriteDevices(Device("1", "a", "nonsnmpdevice", "127.0.0.2") + Device("2", "b", "NonSNMPDevices", "127.0.0.3"));
-    RecordingRows rows;
-    FillFrom(11, rows);
-    EXPECT_EQ(2, rows.RowCount());
-}
-
-TEST_F(DeviceList, ElementsMissingAChildAreLeftOutAndLaterOnesListed) {
-    const char* fields[] = {"ID", "NAME", "TYPE", "IP", "GETCOMM", "SETCOMM"};
-    std::string content;
-    for (const char* missing : fields) {
-        std::string d = Device("7", "lacks", "TVR4820", "127.0.0.2");
-        std::string open = std::string("<") + missing + ">";
-        std::string close = std::string("</") + missing + ">";
+TEST_F(HostInventory, DeviceListRowsAreTheUsableElementsInOrder) {
+    std::string missingChildren;
+    for (const char* missing : {"ID", "NAME", "TYPE", "IP", "GETCOMM", "SETCOMM"}) {
+        std::string d = DeviceXml("7", "lacks", "TVR4820", "127.0.0.2");
+        const std::string open = std::string("<") + missing + ">", close = std::string("</") + missing + ">";
         d.erase(d.find(open), d.find(close) + close.size() - d.find(open));
-        content += d;
+        missingChildren += d;
     }
-    content += "<DEVICEINFO ID=\"5\" NAME=\"attr\" TYPE=\"TVR4820\" IP=\"1.1.1.1\" GETCOMM=\"a\" SETCOMM=\"b\"/>";
-    content += Device("8", "complete", "TVR4820", "127.0.0.4");
-    WriteDevices(content);
-    RecordingRows rows;
-    MessageBoxCatcher boxes;
-    FillFrom(11, rows);
-    ASSERT_EQ(1, rows.RowCount()) << "attributes named like the fields are not read";
-    EXPECT_EQ("complete", rows.rows[0].record.strName);
-    EXPECT_TRUE(boxes.Caught().empty());
+    const struct {
+        std::string devices;
+        const char* rows;
+    } cases[] = {
+        {DeviceXml("101", "core-sw1", "TVR4820", "127.0.0.2", "pub1", "priv1") + DeviceXml("102", "edge-sw2", "TVG5470", "127.0.0.3"),
+         "core-sw1|TVR4820|127.0.0.2|pub1|priv1|101|101 edge-sw2|TVG5470|127.0.0.3|public|private|102|102"},
+        {DeviceXml("1", "printer", "NonSNMPDevice", "127.0.0.9") + DeviceXml("2", "cam", "NonSNMPDevice", "127.0.0.8"), ""},
+        {DeviceXml("1", "a", "nonsnmpdevice", "127.0.0.2") + DeviceXml("2", "b", "NonSNMPDevices", "127.0.0.3"),
+         "a|nonsnmpdevice|127.0.0.2|public|private|1|1 b|NonSNMPDevices|127.0.0.3|public|private|2|2"},
+        // An element without one of the six children is left out, as are attributes named like them.
+        {missingChildren + "<DEVICEINFO ID=\"5\" NAME=\"attr\" TYPE=\"TVR4820\" IP=\"1.1.1.1\" GETCOMM=\"a\" SETCOMM=\"b\"/>" +
+             DeviceXml("8", "complete", "TVR4820", "127.0.0.4"),
+         "complete|TVR4820|127.0.0.4|public|private|8|8"},
+        {"<DEVICEINFO><ID>n/a</ID><NAME/><TYPE>TVR4820</TYPE><IP></IP><GETCOMM/><SETCOMM/></DEVICEINFO>",
+         "|TVR4820||||n/a|0"},
+        {"<DEVICEINFO><ID>3</ID><NAME>core <b>sw</b>1</NAME><NAME>ignored</NAME><TYPE>T</TYPE><IP>i</IP>"
+         "<GETCOMM>g</GETCOMM><SETCOMM>s</SETCOMM></DEVICEINFO>",
+         "core sw1|T|i|g|s|3|3"},
+    };
+    for (const auto& c : cases) {
+        WriteDevices(c.devices);
+        RecordingRows rows;
+        long current = 0;
+        MessageBoxCatcher boxes;
+        FillFrom(11, rows, &current);
+        EXPECT_EQ(c.rows, rows.Text());
+        EXPECT_EQ(11, current) << "the node ID is kept as the current node";
+        EXPECT_TRUE(boxes.Caught().empty());
+        EXPECT_NE(std::string::npos, SavedList().find(c.devices.substr(0, 30))) << "saved in the current directory";
+    }
 }
 
-TEST_F(DeviceList, EmptyChildrenAreAcceptedAndTextIdsConvertToZero) {
-    WriteDevices("<DEVICEINFO><ID>n/a</ID><NAME/><TYPE>TVR4820</TYPE><IP></IP><GETCOMM/><SETCOMM/></DEVICEINFO>");
+TEST_F(HostInventory, DeviceListFileIsRewrittenOnEveryFillAndLargeListsAreReadWhole) {
+    std::string devices;
+    for (int i = 0; i < 5000; ++i)
+        devices += DeviceXml(std::to_string(i), "sw" + std::to_string(i), i % 7 ? "TVR4820" : "NonSNMPDevice",
+                             "10.0." + std::to_string(i / 250) + "." + std::to_string(i % 250));
+    WriteDevices(devices);
     RecordingRows rows;
     FillFrom(11, rows);
-    ASSERT_EQ(1, rows.RowCount());
-    EXPECT_EQ("", rows.rows[0].record.strName);
-    EXPECT_EQ("n/a", rows.rows[0].record.strDeviceID);
-    EXPECT_EQ(0, rows.rows[0].record.nDeviceID);
+    EXPECT_EQ(5000 - 715, rows.RowCount());
+    EXPECT_EQ("sw4999", rows.rows.back().strName);
+    EXPECT_NE(std::string::npos, SavedList().find("sw4999"));
+    FillFrom(10, rows);
+    EXPECT_EQ("second|TVR4820|127.0.0.3|public|private|2|2", rows.Text());
+    EXPECT_EQ(std::string::npos, SavedList().find("sw4999"));
 }
 
-TEST_F(DeviceList, FirstChildOfEachNameCountsWithItsWholeText) {
-    WriteDevices("<DEVICEINFO><ID>3</ID><NAME>core <b>sw</b>1</NAME><NAME>ignored</NAME><TYPE>TVR4820</TYPE>"
-                 "<IP>127.0.0.2</IP><GETCOMM>public</GETCOMM><SETCOMM>private</SETCOMM></DEVICEINFO>");
-    RecordingRows rows;
-    FillFrom(11, rows);
-    ASSERT_EQ(1, rows.RowCount());
-    EXPECT_EQ("core sw1", rows.rows[0].record.strName);
-}
-
-TEST_F(DeviceList, HostFailureLeavesTheListEmptyWithoutMessage) {
-    WriteDevices(Device("1", "x", "TVR4820", "127.0.0.2"), "");
-    ASSERT_TRUE(WriteTextFile(m_site, "<OrblaneSite><DomainTree>" +
-                                          Tree("ID=\"1\"", "<Domain ID=\"13\" Name=\"F\" Type=\"0\"/>") +
-                                          "</DomainTree><DeviceList Node=\"13\" Fail=\"1\"/></OrblaneSite>"));
+TEST_F(HostInventory, DeviceListFailuresLeaveItEmptyAndOnlyAnUnsavableFileIsReported) {
+    // The host fails for the node: empty, no message.
+    WriteSite("", Tree("ID=\"1\"", Node("Domain", "13", "F", "0")), "<DeviceList Node=\"13\" Fail=\"1\"/>");
     ASSERT_TRUE(Load());
     RecordingRows rows;
     rows.AppendRow({});
@@ -487,14 +321,19 @@ TEST_F(DeviceList, HostFailureLeavesTheListEmptyWithoutMessage) {
     FillFrom(13, rows);
     EXPECT_EQ(0, rows.RowCount());
     EXPECT_TRUE(boxes.Caught().empty());
-}
 
-TEST_F(DeviceList, UnsavableFileStopsTheFillWithTheMessage) {
-    // A folder in the file's place: the save fails as it would in a read-only directory.
+    // No tree item selected: empty, the current node kept.
+    rows.AppendRow({});
+    TreeView_SelectItem(m_tree, nullptr);
+    long current = -5;
+    shell::FillDeviceListFromTree(m_tree, rows, &current, nullptr);
+    EXPECT_EQ(0, rows.RowCount());
+    EXPECT_EQ(-5, current);
+    EXPECT_TRUE(boxes.Caught().empty());
+
+    // A folder in the file's place: the save fails as in a read-only directory.
     ASSERT_TRUE(CreateDirectoryA((m_folder + "\\RListDeviceFromGroup.xml").c_str(), nullptr));
-    WriteDevices(Device("1", "x", "TVR4820", "127.0.0.2"));
-    RecordingRows rows;
-    MessageBoxCatcher boxes;
+    WriteDevices(DeviceXml("1", "x", "TVR4820", "127.0.0.2"));
     FillFrom(11, rows);
     ASSERT_EQ(1u, boxes.Caught().size());
     EXPECT_EQ("Failed to get device list !", boxes.Caught()[0].text);
@@ -502,63 +341,23 @@ TEST_F(DeviceList, UnsavableFileStopsTheFillWithTheMessage) {
     EXPECT_EQ(0, rows.RowCount());
 }
 
-TEST_F(DeviceList, NoSelectedTreeItemLeavesTheListEmpty) {
-    WriteDevices(Device("1", "x", "TVR4820", "127.0.0.2"));
-    TreeView_SelectItem(m_tree, nullptr);
-    RecordingRows rows;
-    rows.AppendRow({});
-    long current = -5;
-    shell::FillDeviceListFromTree(m_tree, rows, &current, nullptr);
-    EXPECT_EQ(0, rows.RowCount());
-    EXPECT_EQ(-5, current);
-}
-
-TEST_F(DeviceList, VeryLargeListIsReadWhole) {
-    std::string content;
-    const int count = 5000;
-    for (int i = 0; i < count; ++i)
-        content += Device(std::to_string(i), "sw" + std::to_string(i), i % 7 ? "TVR4820" : "NonSNMPDevice",
-                          "10.0." + std::to_string(i / 250) + "." + std::to_string(i % 250));
-    WriteDevices(content);
-    RecordingRows rows;
-    FillFrom(11, rows);
-    EXPECT_EQ(count - (count + 6) / 7, rows.RowCount());
-    EXPECT_EQ("sw4999", rows.rows.back().record.strName);
-}
-
-// ---------------------------------------------------------------------------------------
-// The host's current device
-
-TEST_F(DeviceList, HostsCurrentDeviceIsCheckedAtItsFirstRowOnly) {
-    WriteDevices(Device("1", "a", "TVR4820", "127.0.0.2") + Device("2", "b", "TVR4820", "127.0.0.3") +
-                 Device("3", "c", "TVR4820", "127.0.0.3") + Device("4", "d", "TVR4820", "127.0.0.4"));
-    RecordingRows rows;
-    FillFrom(11, rows);
-    ASSERT_TRUE(WriteTextFile(m_site, ReadTextFile(m_site).replace(12, 0, " SelectedDeviceIP=\"127.0.0.3\"")));
-    rows.ipReads = 0;
-    shell::SelectHostCurrentDevice(rows);
-    EXPECT_FALSE(rows.rows[0].checked);
-    EXPECT_TRUE(rows.rows[1].checked);
-    EXPECT_TRUE(rows.rows[1].selectedAndFocused);
-    EXPECT_FALSE(rows.rows[2].checked);
-    EXPECT_EQ(2, rows.ipReads) << "rows after the match are not looked at";
-}
-
-TEST_F(DeviceList, NoCurrentDeviceOrNoMatchChecksNothing) {
-    WriteDevices(Device("1", "a", "TVR4820", "127.0.0.2"));
-    RecordingRows rows;
-    FillFrom(11, rows);
-    shell::SelectHostCurrentDevice(rows);
-    EXPECT_FALSE(rows.rows[0].checked);
-    ASSERT_TRUE(WriteTextFile(m_site, ReadTextFile(m_site).replace(12, 0, " SelectedDeviceIP=\"127.0.0.20\"")));
-    shell::SelectHostCurrentDevice(rows);
-    EXPECT_FALSE(rows.rows[0].checked) << "compared exactly, not as a prefix";
-    EXPECT_EQ("127.0.0.20", shell::HostSelectedDeviceIP());
-}
-
-TEST_F(HostInventory, HostErrorTextComesFromTheHost) {
-    WriteSite("", Tree("ID=\"1\"", ""), "<ErrorText Code=\"5\">Access denied by the host</ErrorText>");
-    EXPECT_EQ("Access denied by the host", shell::HostErrorText(5));
+TEST_F(HostInventory, HostsCurrentDeviceIsCheckedAtItsFirstEqualRowOnly) {
+    const std::string devices = DeviceXml("1", "a", "T", "127.0.0.2") + DeviceXml("2", "b", "T", "127.0.0.3") +
+                                DeviceXml("3", "c", "T", "127.0.0.3") + DeviceXml("4", "d", "T", "127.0.0.4");
+    const struct {
+        const char* selectedIp;
+        std::vector<int> checked;
+        int ipReads;  // rows after the match are not looked at
+    } cases[] = {{"127.0.0.3", {1}, 2}, {"", {}, 0}, {"127.0.0.30", {}, 4}};
+    for (const auto& c : cases) {
+        WriteDevices(devices, std::string("SelectedDeviceIP=\"") + c.selectedIp + "\"");
+        RecordingRows rows;
+        FillFrom(11, rows);
+        shell::SelectHostCurrentDevice(rows);
+        EXPECT_EQ(c.checked, rows.checked) << c.selectedIp;
+        EXPECT_EQ(c.ipReads, rows.ipReads) << c.selectedIp;
+        EXPECT_EQ(c.selectedIp, shell::HostSelectedDeviceIP());
+    }
 }
 
 }  // namespace
