@@ -22,33 +22,29 @@ long g_openedSubmap = 0;
 int g_openedCalls = 0;
 int g_executeCalls = 0;
 
-// Behaves as a plug-in does: store the value, return E_NOTIMPL.
-class FakePlugIn final : public IHostPlugIn {
+// Behaves as a plug-in does: store the value, return E_NOTIMPL. One static object, which is
+// also its own class factory.
+class FakePlugIn final : public IHostPlugIn, public IClassFactory {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
-        if (!ppv) return E_POINTER;
-        if (riid == IID_IUnknown || riid == IID_IDispatch || riid == IID_IHostPlugIn) {
+        if (riid == IID_IUnknown || riid == IID_IDispatch || riid == IID_IHostPlugIn)
             *ppv = static_cast<IHostPlugIn*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *ppv = nullptr;
-        return E_NOINTERFACE;
+        else if (riid == IID_IClassFactory)
+            *ppv = static_cast<IClassFactory*>(this);
+        else
+            return *ppv = nullptr, E_NOINTERFACE;
+        return S_OK;
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_refs; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        ULONG refs = --m_refs;
-        if (!refs) delete this;
-        return refs;
-    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID riid, void** ppv) override { return QueryInterface(riid, ppv); }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override { *count = 0; return S_OK; }
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
-        if (count == 1 && wcscmp(names[0], L"OpenedSubmapID") == 0) {
-            ids[0] = 1;
-            return S_OK;
-        }
-        return DISP_E_UNKNOWNNAME;
+        if (count != 1 || wcscmp(names[0], L"OpenedSubmapID") != 0) return DISP_E_UNKNOWNNAME;
+        ids[0] = 1;
+        return S_OK;
     }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* params, VARIANT*, EXCEPINFO*,
                                      UINT*) override {
@@ -69,38 +65,14 @@ public:
     HRESULT STDMETHODCALLTYPE Execute(long) override { ++g_executeCalls; return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetToolbarMenuID(long* id) override { *id = 504; return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetToolbarTitleID(long* id) override { *id = 505; return E_NOTIMPL; }
-
-private:
-    ULONG m_refs = 1;
-};
-
-class FakeFactory final : public IClassFactory {
-public:
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
-        if (riid == IID_IUnknown || riid == IID_IClassFactory) {
-            *ppv = this;
-            return S_OK;
-        }
-        *ppv = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID riid, void** ppv) override {
-        if (outer) return CLASS_E_NOAGGREGATION;
-        auto* p = new FakePlugIn;
-        HRESULT hr = p->QueryInterface(riid, ppv);
-        p->Release();
-        return hr;
-    }
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
 };
 
 class PlugInHostTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
-        ASSERT_EQ(CoRegisterClassObject(kFakeClsid, &m_factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &m_cookie),
+        ASSERT_EQ(CoRegisterClassObject(kFakeClsid, static_cast<IClassFactory*>(&m_plugIn), CLSCTX_INPROC_SERVER,
+                                        REGCLS_MULTIPLEUSE, &m_cookie),
                   S_OK);
         RegDeleteTreeW(HKEY_CURRENT_USER, kTestKey);
         HKEY key = nullptr;
@@ -119,7 +91,7 @@ protected:
         CoRevokeClassObject(m_cookie);
         CoUninitialize();
     }
-    FakeFactory m_factory;
+    FakePlugIn m_plugIn;
     DWORD m_cookie = 0;
 };
 

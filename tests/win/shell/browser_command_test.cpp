@@ -45,10 +45,7 @@ protected:
         char temp[MAX_PATH] = {};
         GetTempPathA(MAX_PATH, temp);
         m_log = std::string(temp) + "fake_browser_" + std::to_string(GetCurrentProcessId()) + ".txt";
-        DeleteFileA(m_log.c_str());
         SetEnvironmentVariableA("SENTREL_FAKE_BROWSER_LOG", m_log.c_str());
-        DeleteRegTree(HKEY_CLASSES_ROOT, kBrowserCommandKey);
-        DeleteRegTree(HKEY_CURRENT_USER, kSettingsKey);
     }
     void TearDown() override { DeleteFileA(m_log.c_str()); }
 
@@ -75,48 +72,46 @@ protected:
     std::string m_log;
 };
 
-TEST_F(RadiusCommand, StartsTheBrowserWithTheRadiusSiteAndDoesNotWait) {
+// The browser starts with the site as its argument and the command does not wait for it;
+// without a usable browser path the user is told and nothing starts.
+TEST_F(RadiusCommand, StartsTheBrowserWithTheRadiusSiteOrTellsThereIsNone) {
     std::string upper = FakeBrowser();
     for (size_t i = upper.find_last_of('\\'); i < upper.size(); ++i) upper[i] = static_cast<char>(toupper(upper[i]));
-    const std::string fiftyNine = "http://radius.example/" + std::string(59 - 22, 'y');
+    const std::string quoted = "\"" + FakeBrowser() + "\"", fiftyNine = "http://radius.example/" + std::string(37, 'y');
     const struct {
-        std::string command, site;  // site "-": no value
-        std::string started;
+        std::string command, site;  // command "": no key; site "-": no value
+        std::string started;        // "": the message, no browser
     } cases[] = {
-        {"\"" + FakeBrowser() + "\" -nohome \"%1\"", "http://127.0.0.1:8080/radius", FakeBrowser() + " http://127.0.0.1:8080/radius"},
+        {quoted + " -nohome \"%1\"", "http://127.0.0.1:8080/radius", FakeBrowser() + " http://127.0.0.1:8080/radius"},
         {upper + " %1", "radius.example", upper + " radius.example"},
-        {"\"" + FakeBrowser() + "\"", "-", FakeBrowser() + " "},
-        {"\"" + FakeBrowser() + "\"", fiftyNine, FakeBrowser() + " " + fiftyNine},
-        {"\"" + FakeBrowser() + "\"", fiftyNine + "yy", FakeBrowser() + " "},  // 60 characters count as none
+        {quoted, "-", FakeBrowser() + " "},
+        {quoted, fiftyNine, FakeBrowser() + " " + fiftyNine},
+        {quoted, fiftyNine + "y", FakeBrowser() + " "},  // 60 characters count as none
+        {"", "x", ""},
+        {"fake_browser.exe %1", "x", ""},                 // no drive
+        {quoted + " " + std::string(200, 'a'), "x", ""},  // too long for the lookup's buffer
     };
     for (const auto& c : cases) {
         DeleteFileA(m_log.c_str());
         DeleteRegTree(HKEY_CURRENT_USER, kSettingsKey);
-        ASSERT_TRUE(SetRegString(HKEY_CLASSES_ROOT, kBrowserCommandKey, nullptr, c.command));
+        DeleteRegTree(HKEY_CLASSES_ROOT, kBrowserCommandKey);
+        if (!c.command.empty()) {
+            ASSERT_TRUE(SetRegString(HKEY_CLASSES_ROOT, kBrowserCommandKey, nullptr, c.command));
+        }
         if (c.site != "-") {
             ASSERT_TRUE(SetRegString(HKEY_CURRENT_USER, kSettingsKey, "RadiusSite", c.site));
         }
         MessageBoxCatcher boxes;
         EXPECT_EQ(E_NOTIMPL, Execute());
-        EXPECT_EQ(c.started, BrowserCommandLine());
-        EXPECT_TRUE(boxes.Caught().empty());
-    }
-}
-
-TEST_F(RadiusCommand, NoUsableBrowserShowsTheMessageAndStartsNothing) {
-    // No key, a bare program name, a command of 200 bytes (too long for the buffer).
-    for (const std::string& command : {std::string(), std::string("fake_browser.exe %1"),
-                                       "\"" + FakeBrowser() + "\" " + std::string(200, 'a')}) {
-        DeleteRegTree(HKEY_CLASSES_ROOT, kBrowserCommandKey);
-        if (!command.empty()) {
-            ASSERT_TRUE(SetRegString(HKEY_CLASSES_ROOT, kBrowserCommandKey, nullptr, command));
+        if (c.started.empty()) {
+            ASSERT_EQ(1u, boxes.Caught().size()) << c.command;
+            EXPECT_EQ("Failed to get IE path !", boxes.Caught()[0].text);
+            EXPECT_EQ("Sentrel", boxes.Caught()[0].caption);
+            EXPECT_EQ("<browser not started>", BrowserCommandLine(1000)) << c.command;
+        } else {
+            EXPECT_EQ(c.started, BrowserCommandLine());
+            EXPECT_TRUE(boxes.Caught().empty());
         }
-        MessageBoxCatcher boxes;
-        EXPECT_EQ(E_NOTIMPL, Execute()) << command;
-        ASSERT_EQ(1u, boxes.Caught().size()) << command;
-        EXPECT_EQ("Failed to get IE path !", boxes.Caught()[0].text);
-        EXPECT_EQ("Sentrel", boxes.Caught()[0].caption);
-        EXPECT_EQ("<browser not started>", BrowserCommandLine(1000)) << command;
     }
 }
 

@@ -355,15 +355,4 @@ TEST_F(ComObjects, OpenedSubmapReachesTheWizardThatExecuteShowsModally) {
     SetEnvironmentVariableA("ORBLANE_SITE", nullptr);
 }
 
-TEST_F(ComObjects, CreatedThroughComByProgId) {
-    CLSID clsid{};
-    ASSERT_EQ(S_OK, CLSIDFromProgID(L"OrblaneLib.CSentrel.1", &clsid));
-    IHostPlugIn* plugIn = nullptr;
-    ASSERT_EQ(S_OK, CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IHostPlugIn,
-                                     reinterpret_cast<void**>(&plugIn)));
-    long id = 0;
-    EXPECT_EQ(E_NOTIMPL, plugIn->GetMenuPathID(&id));
-    plugIn->Release();
-}
-
 }  // namespace
