@@ -6,18 +6,21 @@
 namespace acl::wizard {
 
 CACLWizard::CACLWizard() : WizardSheet(ui::LoadResString(IDS_ACL)) {
-    ui::WizardPage* const pages[acl::pages::kPageCount] = {
+    CACLPage* const pages[acl::pages::kPageCount] = {
         &m_step0,   &m_step1,         &m_select,     &m_step2,      &m_step3,       &m_step4,
         &m_step5,   &m_stepEth,       &m_stepIPv6,   &m_stepPacket, &m_apply,       &m_addRule,
         &m_modifyProfile, &m_modifyRule, &m_addIPv4Rule, &m_addIPv6Rule, &m_ruleApply, &m_addPacketRule};
-    for (ui::WizardPage* page : pages) AddPage(page);
+    for (CACLPage* page : pages) {
+        page->Share(*this);
+        AddPage(page);
+    }
     SetStartPage(acl::pages::kPageDeviceList);
 }
 
 CACLWizard::~CACLWizard() = default;
 
 void CACLWizard::OnInitSheet() {
-    // The wizard's icon as the big window icon; no Help button (Part 5.1).
+    // The wizard's icon as the big window icon; the wizard has no help to offer.
     HICON icon = LoadIconA(ui::ResourceInstance(), MAKEINTRESOURCEA(IDI_ACL_WIZARD));
     if (icon) SendMessageA(GetSafeHwnd(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon));
     if (HWND help = ::GetDlgItem(GetSafeHwnd(), IDHELP)) ShowWindow(help, SW_HIDE);

@@ -1,68 +1,39 @@
-// Part 5.1: the ACL wizard `CACLWizard`: caption "ACL", eighteen pages in index order (members
-// constructed with the sheet, so every page keeps its contents for the wizard's whole life),
-// and the state its pages share.
+// The ACL wizard `CACLWizard`: caption "ACL", eighteen pages in index order. The pages are
+// members constructed with the sheet, so every page keeps its contents for the wizard's whole
+// life; the sheet is the only place that knows them all.
 #pragma once
 #include <windows.h>
 
-#include <array>
-#include <string>
-
-#include "acl/page_logic.h"
-#include "acl/wizard/acl_add_ipv4_rule.h"
-#include "acl/wizard/acl_add_ipv6_rule.h"
-#include "acl/wizard/acl_add_packet_rule.h"
-#include "acl/wizard/acl_addrule.h"
-#include "acl/wizard/acl_apply.h"
-#include "acl/wizard/acl_modify_profile.h"
-#include "acl/wizard/acl_modify_rule.h"
-#include "acl/wizard/acl_rule_apply.h"
-#include "acl/wizard/acl_select.h"
-#include "acl/wizard/acl_step0.h"
-#include "acl/wizard/acl_step1.h"
-#include "acl/wizard/acl_step2.h"
-#include "acl/wizard/acl_step3.h"
-#include "acl/wizard/acl_step4.h"
-#include "acl/wizard/acl_step5.h"
-#include "acl/wizard/acl_step_eth.h"
-#include "acl/wizard/acl_step_ipv6.h"
-#include "acl/wizard/acl_step_packet.h"
+// The pages in index order.
+#include "acl/wizard/device_list_page.h"
+#include "acl/wizard/acl_kind_page.h"
+#include "acl/wizard/action_choice_page.h"
+#include "acl/wizard/add_profile_page.h"
+#include "acl/wizard/profile_passing_page.h"
+#include "acl/wizard/rule_profile_select_page.h"
+#include "acl/wizard/ipv4_profile_page.h"
+#include "acl/wizard/ethernet_profile_page.h"
+#include "acl/wizard/ipv6_profile_page.h"
+#include "acl/wizard/packet_profile_page.h"
+#include "acl/wizard/profile_apply_page.h"
+#include "acl/wizard/ethernet_rule_page.h"
+#include "acl/wizard/modify_profile_page.h"
+#include "acl/wizard/modify_rule_page.h"
+#include "acl/wizard/ipv4_rule_page.h"
+#include "acl/wizard/ipv6_rule_page.h"
+#include "acl/wizard/rule_apply_page.h"
+#include "acl/wizard/packet_rule_page.h"
+#include "acl/wizard/wizard_state.h"
 #include "ui/wizard.h"
 
 namespace acl::wizard {
 
-// One selected switch (Part 5.1), four strings in this order.
-struct ACLTarget {
-    std::string strIP;
-    std::string strReadCommunity;
-    std::string strWriteCommunity;
-    std::string strDeviceType;
-};
-
-class CACLWizard : public ui::WizardSheet {
+class CACLWizard : public ui::WizardSheet, public WizardState {
 public:
-    static constexpr int kMaxTargets = acl::pages::kMaxTargets;
-
     CACLWizard();
     ~CACLWizard() override;
 
-    // Shared state (Part 5.1, Data model).
-    std::array<ACLTarget, kMaxTargets> m_aTargets{};
-    long m_nTargetCount = 0;
-    long m_nACLKind = 1;
-    long m_nProfileType = 0;
-    long m_nRuleType = 0;
-    long m_nFrameOption = 0;
-    std::string m_strProfileID;
-    std::string m_strProfileName;
-    std::array<long, 200> m_anUsedProfileIDs{};
-    std::array<std::string, 5> m_astrEthProfile{};
-    std::array<std::string, 11> m_astrIPv4Profile{};
-    std::array<std::string, 4> m_astrIPv6Profile{};
-    std::string m_strPacketProfileID;
-    BYTE m_bProfilesApplied = 0;
-    BYTE m_bRulesApplied = 0;
-
-    // Page 3, for the tests that watch its reader (Part 5.2).
+    // "Add profile", for the tests that watch its reader.
     CACLStep2& AddProfilePage() { return m_step2; }
 
 protected:
@@ -90,7 +61,7 @@ private:
     CACLAddPacketRule m_addPacketRule;
 };
 
-// The ACL Manager command: builds the wizard, shows it modally, destroys it (Part 1.1).
+// The ACL Manager command: builds the wizard, shows it modally, destroys it.
 void RunAclWizard(HWND hwndParent);
 
 }  // namespace acl::wizard

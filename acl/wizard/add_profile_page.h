@@ -1,0 +1,80 @@
+// Part 5.1, page 3 `CACLStep2` ("Add profile", Part 5.2): the profile ID and type to create,
+// and the profiles already on the chosen device, read by the ACL core's reader (Part 4.3) on a
+// worker thread. The worker never touches a window: it posts each row to the page, which
+// inserts it on the user-interface thread. Leaving the page asks the reader to stop; the
+// page's destruction stops it and waits at most 3000 ms.
+#pragma once
+#include <array>
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "acl/acl_device.h"
+#include "acl/wizard/page_base.h"
+#include "controls/xlist_ctrl.h"
+
+namespace acl::wizard {
+
+class CACLStep2 : public CACLPage {
+public:
+    CACLStep2();
+    ~CACLStep2() override;
+
+    // Whether the reader of an ACL kind (1 ordinary, 2 CPU) still runs (tests, Part 5.2).
+    bool IsReaderRunning(int nACLKind) const;
+    // The rows read so far for the current device, by type (Part 5.2's hidden tables).
+    const std::array<AclRecordList, 4>& HiddenTables() const { return m_aTables; }
+
+protected:
+    acl::pages::NavInput MakeNavInput() const override;
+    BOOL OnInitDialog() override;
+    BOOL OnSetActive() override;
+    BOOL OnKillActive() override;
+    LRESULT OnWizardNext() override;
+    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
+    BOOL OnNotify(const NMHDR* hdr, LRESULT* pResult) override;
+    BOOL OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
+    void OnDestroy() override;
+
+public:
+    // What a reader shares with the page; kept alive by both, so a reader that outlives the
+    // page's wait touches nothing of the page.
+    struct ReaderJob {
+        AclTarget target;
+        AclOwner owner = AclOwner::kAcl;
+        HWND hwndPage = nullptr;
+        unsigned nSerial = 0;
+        std::atomic<bool> stop{false};
+    };
+
+private:
+    void ApplyModelTable();
+    void ShowTypeLists();
+    void SelectDevice(int index);
+    void StartReader();
+    void StopReaders(DWORD waitMs);
+    void OnReaderRow(WPARAM wParam, LPARAM lParam);
+    void OnReaderDone(unsigned nSerial);
+    void RemoveUsedProfileIds();
+    void ShowDetails(int row);
+
+    int m_nProfileChoice = 1;  // Part 5.2: "Ethernet ACL" (1) is checked at start
+    long m_nACLKind = 1;
+    AclTarget m_device;        // the current device
+    int m_nProfileIds = 0;     // N of the model table
+    std::string m_strSelProfileID, m_strSelTypeName;
+    controls::CXListCtrl m_profileList;
+    controls::CXListCtrl m_details;  // "ACL Profile Details" of the clicked profile
+    acl::pages::SortToggle m_sort;
+    std::array<AclRecordList, 4> m_aTables{};  // the hidden tables, by AclType
+    // One reader per ACL kind (index kind - 1): its thread handle and shared job.
+    std::array<HANDLE, 2> m_hReader{};
+    std::array<std::shared_ptr<ReaderJob>, 2> m_readerJob{};
+    unsigned m_nSerial = 0;    // of the last reader started
+    std::array<unsigned, 2> m_nShownSerial{};  // per kind: the reader whose rows the lists show
+    std::array<bool, 2> m_bRestartReader{};    // per kind: start afresh when the running one ends
+    bool m_bActive = false;
+};
+
+}  // namespace acl::wizard
