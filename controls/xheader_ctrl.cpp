@@ -10,7 +10,7 @@
 namespace controls {
 namespace {
 constexpr UINT_PTR kSubclassId = 0x58484452;  // 'XHDR'
-constexpr int kImageTextGap = 6;              // Part 6.1: image and text 6 pixels apart
+constexpr int kImageTextGap = 6;              // image and text 6 pixels apart
 constexpr int kPadding = 6;
 }  // namespace
 

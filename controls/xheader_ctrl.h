@@ -1,4 +1,4 @@
-// Part 6.1: `CXHeaderCtrl`, the header of `CXListCtrl`. Each item shows its image from the
+// `CXHeaderCtrl`, the header of `CXListCtrl`. Each item shows its image from the
 // header image list (when it has one) followed by its text, 6 pixels apart, in the system's
 // button colours. Wine's header has no per-item custom draw (DESIGN.md section 7), so the
 // control paints the whole header itself: into an off-screen bitmap, copied to the screen in
@@ -28,7 +28,7 @@ public:
     bool SetItemImage(int item, int image);
     int GetItemCount() const;
 
-    // Re-reads the button colours (Part 6.1: on every system colour change).
+    // Re-reads the button colours (on every system colour change).
     void ReadSystemColors();
 
 private:

@@ -11,8 +11,8 @@
 namespace controls {
 namespace {
 constexpr UINT_PTR kListSubclassId = 0x584C5354;  // 'XLST'
-constexpr int kBoxSize = 13;
-constexpr char kControlProperty[] = "Sentrel.CXListCtrl";  // the window's CXListCtrl, for FromHandle                      // check box edge, pixels (left to the implementer)
+constexpr int kBoxSize = 13;  // check box edge, pixels
+constexpr char kControlProperty[] = "Sentrel.CXListCtrl";  // the window's CXListCtrl, for FromHandle
 
 std::string ListItemText(HWND list, int row, int column) {
     std::string text(260, '\0');
@@ -402,7 +402,7 @@ bool CXListCtrl::OnParentNotify(const NMHDR* hdr, LRESULT* result) {
         *result = OnCustomDraw(reinterpret_cast<NMLVCUSTOMDRAW*>(const_cast<NMHDR*>(hdr)));
         return true;
     case LVN_DELETEITEM: {
-        // Part 6.1: a row's record is freed with its row (one row, all rows, or the control).
+        // a row's record is freed with its row (one row, all rows, or the control).
         const auto* nm = reinterpret_cast<const NMLISTVIEW*>(hdr);
         m_records.erase(reinterpret_cast<RowRecord*>(nm->lParam));
         return false;  // the parent may want to hear it too
@@ -459,7 +459,7 @@ LRESULT CXListCtrl::OnListMessage(UINT msg, WPARAM wParam, LPARAM lParam) {
 }
 
 // ---------------------------------------------------------------------------------------
-// Drawing: the control draws every cell itself (Part 6.1).
+// Drawing: the control draws every cell itself.
 
 LRESULT CXListCtrl::OnCustomDraw(NMLVCUSTOMDRAW* cd) {
     switch (cd->nmcd.dwDrawStage) {

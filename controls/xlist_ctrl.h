@@ -1,4 +1,4 @@
-// Part 6.1: `CXListCtrl`, the report list of every dialog: a record per row with per-cell
+// `CXListCtrl`, the report list of every dialog: a record per row with per-cell
 // colours and an optional check box in any cell, drawn by the control itself; a click toggles
 // a check box and tells the parent through the registered message
 // "WM_XLISTCTRL_CHECKBOX_CLICKED"; a header check box follows, and can set, its column.
@@ -29,7 +29,7 @@ public:
         DWORD_PTR dwRowData = 0;
     };
 
-    // Header check states: the header item's image index (Part 6.1).
+    // Header check states: the header item's image index.
     static constexpr int kHeaderNoCheck = 0;
     static constexpr int kHeaderUnchecked = 1;
     static constexpr int kHeaderChecked = 2;

@@ -1,8 +1,8 @@
 #!/bin/bash
-# Makes the device panel's bitmaps (Part 1.3) with ImageMagick; the results are committed.
+# Makes the device panel's bitmaps with ImageMagick; the results are committed.
 # tree_images.bmp: 7 images of 16x16 in one 112x16 24-bit strip, white (0xFFFFFF) transparent:
 #   0 root (globe), 1 submap (folder), 2 domain (network), 3 unused, 4 node of host type 7
-#   (lab flask), 5 and 6 unused. The pictures are ours (left to the implementer).
+#   (lab flask), 5 and 6 unused. The pictures are ours.
 # header_checks.bmp: 4 images of 16x16 in one 64x16 8-bit strip, magenta (0xFF00FF)
 #   transparent: 0 empty, 1 unchecked box, 2 checked box, 3 greyed box.
 set -euo pipefail
@@ -24,7 +24,7 @@ convert -size 64x16 xc:magenta +antialias \
   -stroke black -strokewidth 2 -fill none -draw 'polyline 36,7 38,10 43,4' \
   -strokewidth 1 -stroke '#808080' -fill '#c0c0c0' -draw 'rectangle 49,1 61,13' \
   -depth 8 RGB:- | python3 -c '
-# ImageMagick writes a palette of 16 colours as 4-bit; Part 1.3 asks for an 8-bit bitmap.
+# ImageMagick writes a palette of 16 colours as 4-bit; the header's image list is made from an 8-bit bitmap.
 import struct, sys
 w, h = 64, 16
 px = sys.stdin.buffer.read()

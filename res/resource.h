@@ -1,12 +1,12 @@
 // Resource identifiers of Sentrel.dll. The host loads the menu, prompt and toolbar texts by
-// these numbers through the resource handle (Part 1.1), so they stay fixed once released.
+// these numbers through the resource handle, so they stay fixed once released.
 #pragma once
 
 #ifndef IDC_STATIC
 #define IDC_STATIC (-1)
 #endif
 
-// Part 1.1: texts handed to the host.
+// Texts handed to the host.
 #define IDS_PROJNAME                100   // "Sentrel": the COM description and message-box title
 #define IDS_RADIUS_MENU_PATH        101
 #define IDS_RADIUS_MENU_ITEM        102
@@ -17,16 +17,16 @@
 #define IDS_TOOLBAR_MENU            107
 #define IDS_TOOLBAR_TITLE           108
 
-// Part 1.2: registry key paths and device-list failure.
+// Registry key paths and device-list failure.
 #define IDS_KEY_SETTINGS            110
 #define IDS_KEY_DEVICE_TYPES        111
 #define IDS_FAILED_DEVICE_LIST      112
 #define IDS_SENTREL_CONFIG          113
 
-// Part 1.4
+// The RADIUS browser command
 #define IDS_FAILED_IE_PATH          120
 
-// Part 5.1: the wizard's page templates, in page-index order.
+// The wizard's page templates, in page-index order.
 #define IDD_ACL_STEP0                200   // page 0, CACLStep0
 #define IDD_ACL_STEP1                201   // page 1, CACLStep1
 #define IDD_ACL_SELECT               202   // page 2, CACLselect
@@ -47,7 +47,7 @@
 #define IDD_ACL_ADD_PACKET_RULE      217   // page 17, CACLAddPacketRule
 #define IDI_ACL_WIZARD               300
 
-// Part 1.3: device list column texts (trailing blanks kept) and the panel's bitmaps.
+// Device list column texts (trailing blanks kept) and the panel's bitmaps.
 #define IDS_COL_DEVICE_NAME          130
 #define IDS_COL_DEVICE_TYPE          131
 #define IDS_COL_DEVICE_IP            132
@@ -57,12 +57,12 @@
 #define IDB_TREE_IMAGES              310   // 112 x 16, 24-bit, white transparent: 7 tree images
 #define IDB_HEADER_CHECKS            311   // 64 x 16, 8-bit, magenta transparent: 4 header images
 
-// Part 5.1: the wizard's texts.
+// The wizard's texts.
 #define IDS_ACL                      140   // the sheet's caption and page 1's group title
 #define IDS_MSG_SELECT_DEVICE        141
 #define IDS_MSG_NO_ACL_FUNCTION      142
 #define IDS_MSG_SAME_TYPE            143
-#define IDS_MSG_TOO_MANY_DEVICES     144   // ours: Part 5.1 leaves more than 10 targets open
+#define IDS_MSG_TOO_MANY_DEVICES     144   // more than 10 targets are refused as a whole
 #define IDS_MSG_NO_PROFILE           145
 #define IDS_ACCESS_PROFILE_LIST      146
 #define IDS_CPU_ACCESS_PROFILE_LIST  147
@@ -78,10 +78,10 @@
 #define IDS_MODIFY_CPU_RULE          157
 #define IDS_GROUP_FONT               158   // "Arial": the bold group-title font
 
-// Part 6.1
+// The check-box list
 #define IDS_XLISTCTRL_CHECKBOX_CLICKED 160
 
-// Part 5.2: "Add profile" (CACLStep2).
+// "Add profile" (CACLStep2).
 #define IDS_STEP2_ADD_ACL_PROFILE    300
 #define IDS_STEP2_ADD_CPU_PROFILE_GROUP 301
 #define IDS_STEP2_PROFILE_LIST       302
@@ -93,9 +93,9 @@
 #define IDS_STEP2_COL_PROFILE_ID     308
 #define IDS_STEP2_COL_PROFILE_TYPE   309
 #define IDS_STEP2_COL_OWNER          310
-#define IDS_MSG_INVALID_MAC          311   // Part 5.2, Ethernet page
+#define IDS_MSG_INVALID_MAC          311   // Ethernet page
 
-// Part 5.2: pending-list column headers of the definition pages ("ProfileID" is
+// pending-list column headers of the definition pages ("ProfileID" is
 // IDS_STEP2_COL_PROFILE_ID), also the Ethernet hidden-table names of "Add profile" and the
 // field names of the Confirmation Page's details (acl/wizard/pending_columns.cpp).
 #define IDS_PCOL_USE_VLAN            320
@@ -143,43 +143,43 @@
 #define IDS_PCOL_OFFSET48            362
 #define IDS_PCOL_OFFSET64            363
 
-// Part 5.2: IPv6 and packet-content pages. Left to the implementer: the spec gives no check for
+// IPv6 and packet-content pages: the switch checks nothing of
 // these inputs; a checked field that does not fit is refused with one of these (no row added).
 #define IDS_MSG_INVALID_IPV6_MASK    400   // IPv6 address mask not 32 hexadecimal digits
 #define IDS_MSG_INVALID_CHUNK_OFFSET 401   // chunk offset not 0 to 31
 #define IDS_MSG_INVALID_CHUNK_MASK   402   // chunk mask not 8 hexadecimal digits
 #define IDS_MSG_INVALID_OFFSET_MASK  403   // offset-range mask field not 8 hexadecimal digits
 
-// Part 5.2, IPv4 page: the protocol group titles, also column 22 of its pending rows.
+// IPv4 page: the protocol group titles, also column 22 of its pending rows.
 #define IDS_IPV4_GROUP_ICMP          370   // "ICMP"        (m_nFrameOption 3)
 #define IDS_IPV4_GROUP_IGMP          371   // "IGMP"        (4)
 #define IDS_IPV4_GROUP_TCP           372   // "TCP"         (5)
 #define IDS_IPV4_GROUP_UDP           373   // "UDP"         (6)
 #define IDS_IPV4_GROUP_PROTOCOL_ID   374   // "Protocol ID" (7)
 
-// Part 5.2: "Add profile" details list: its header and the row labels, in the order of
+// "Add profile" details list: its header and the row labels, in the order of
 // acl::DetailLabel (acl/profile_details.h): IDS_DETAIL_FIRST + label.
 #define IDS_DETAIL_FIRST             430   // 430-467: "Profile ID" ... "ContMaskOffset64to79"
 #define IDS_DETAIL_HEADER            468   // "ACL Profile Details"
 
-// Part 5.4: Confirmation Page column headers (trailing and leading blanks kept).
+// Confirmation Page column headers (trailing and leading blanks kept).
 #define IDS_APPLY_COL_DEVICE_IP      470
 #define IDS_APPLY_COL_DEVICE_NAME    471
 #define IDS_APPLY_COL_STATUS         472
-#define IDS_COL_PROFILE_DETAILS      473   // also the "Add profile" details list (Part 5.2)
+#define IDS_COL_PROFILE_DETAILS      473   // also the "Add profile" details list
 #define IDS_COL_BLANK                474
 
-// Part 5.2: "Add profile"'s initial combo data: the frame list, then the protocol list.
+// "Add profile"'s initial combo data: the frame list, then the protocol list.
 #define IDS_STEP2_FRAME_FIRST        476   // 476-477: "Tagged", "UnTagged"
 #define IDS_STEP2_PROTOCOL_FIRST     478   // 478-482: "ICMP", "IGMP", "TCP", "UDP", "ProtocolID"
 
-// Ranges kept for the pages of Part 5.2 and 5.4: strings 370-399 IPv4 page, 400-429 IPv6 and
+// Ranges kept for the pages: strings 370-399 IPv4 page, 400-429 IPv6 and
 // packet pages, 430-469 "Add profile" details, 475-489 Confirmation Page; controls 1100-1159
 // IPv4 page, 1160-1219 IPv6 and packet pages, 1220-1239 "Add profile".
 
-// Controls of the wizard's pages (Part 5.1).
-#define IDC_STEP0_TREE               1001  // page 0: the device tree (Part 1.3)
-#define IDC_STEP0_LIST               1002  // page 0: the device list (Parts 1.3, 6.1)
+// Controls of the wizard's pages.
+#define IDC_STEP0_TREE               1001  // page 0: the device tree
+#define IDC_STEP0_LIST               1002  // page 0: the device list
 #define IDC_STEP0_TYPES              1003  // page 0: hidden combo of the supported types
 #define IDC_STEP1_GROUP              1011
 #define IDC_STEP1_ACL                1012  // "Access Profile List", choice 1
@@ -190,7 +190,7 @@
 #define IDC_SELECT_CHOICE2           1024
 #define IDC_SELECT_CHOICE3           1025
 #define IDC_SELECT_CHOICE4           1026
-#define IDC_STEP2_ETHERNET           1031  // page 3: "Ethernet ACL" (type 1), Part 5.2
+#define IDC_STEP2_ETHERNET           1031  // page 3: "Ethernet ACL" (type 1)
 #define IDC_STEP2_IPV4               1032  // "IPv4 ACL" (2)
 #define IDC_STEP2_IPV6               1033  // "IPv6 ACL" (3)
 #define IDC_STEP2_PACKET             1034  // "Packet Content ACL" (4)
@@ -206,7 +206,7 @@
 #define IDC_STEP2_ID_LABEL           1044
 #define IDC_STEP2_DEVICE_LABEL       1045
 #define IDC_STEP2_DETAILS            1220  // details of the clicked profile (hidden until a click)
-#define IDC_ETH_GROUP                1051  // page 7 (Part 5.2): "Filtering Mask"
+#define IDC_ETH_GROUP                1051  // page 7: "Filtering Mask"
 #define IDC_ETH_SRC_MAC_CHECK        1052  // "Source MAC Mask"
 #define IDC_ETH_SRC_MAC              1053
 #define IDC_ETH_DST_MAC_CHECK        1054  // "Destination MAC Mask"
@@ -217,7 +217,7 @@
 #define IDC_ETH_ADD                  1059  // "Add"
 #define IDC_ETH_DELETE               1060  // "Delete"
 #define IDC_ETH_LIST                 1061  // the pending list
-#define IDC_APPLY_GROUP_SWITCH       1071  // page 10 (Part 5.4): "All Selected Switch"
+#define IDC_APPLY_GROUP_SWITCH       1071  // page 10: "All Selected Switch"
 #define IDC_APPLY_SWITCH_LIST        1072
 #define IDC_APPLY_GROUP_PROFILE      1073  // "Profile List"
 #define IDC_APPLY_PROFILE_LIST       1074
@@ -230,7 +230,7 @@
 #define IDC_APPLY_IPV4_RULE          1081  // "Add IPv4 rule"
 #define IDC_APPLY_IPV6_RULE          1082  // "Add IPv6 rule"
 
-// Page 6 `CACLStep5` (Part 5.2): "Filtering Mask", Add, Delete, the pending list, and one
+// Page 6 `CACLStep5`: "Filtering Mask", Add, Delete, the pending list, and one
 // group per protocol in the same place (only the group of m_nFrameOption is shown).
 #define IDC_IPV4_GROUP               1100  // "Filtering Mask"
 #define IDC_IPV4_VLAN                1101  // "VLAN"
@@ -278,7 +278,7 @@
 #define IDC_IPV4_USER_MASK3          1151
 #define IDC_IPV4_USER_MASK4          1152
 #define IDC_IPV4_USER_MASK5          1153
-#define IDC_IPV6_GROUP               1160  // page 8 (Part 5.2): "Filtering Mask"
+#define IDC_IPV6_GROUP               1160  // page 8: "Filtering Mask"
 #define IDC_IPV6_CLASS               1161  // "IPv6 Class"
 #define IDC_IPV6_FLOW_LABEL          1162  // "IPv6 Flow Label"
 #define IDC_IPV6_SRC_CHECK           1163  // "IPv6 Source Address"
@@ -288,7 +288,7 @@
 #define IDC_IPV6_ADD                 1167  // "Add"
 #define IDC_IPV6_DELETE              1168  // "Delete"
 #define IDC_IPV6_LIST                1169  // the pending list
-#define IDC_PACKET_GROUP             1170  // page 9 (Part 5.2): "Filtering Mask"
+#define IDC_PACKET_GROUP             1170  // page 9: "Filtering Mask"
 #define IDC_PACKET_ADD               1171  // "Add"
 #define IDC_PACKET_DELETE            1172  // "Delete"
 #define IDC_PACKET_LIST              1173  // the pending list

@@ -15,7 +15,7 @@ struct ColumnSpec {
     UINT nText;  // 0: empty header
     int nWidth;
 };
-// Part 1.3: the seven columns, left-aligned, with their widths.
+// The seven columns, left-aligned, with their widths.
 constexpr ColumnSpec kColumns[acl::pages::kDeviceColumnCount] = {
     {0, 20},
     {IDS_COL_DEVICE_NAME, 140},
@@ -45,8 +45,8 @@ void DevicePanel::Setup(HWND hwndOwner, HWND hwndTree, controls::CXListCtrl& lis
     // 2. Column texts from the string table, extended styles, the seven columns.
     list.SetExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_FLATSB);
     for (int column = 0; column < acl::pages::kDeviceColumnCount; ++column) {
-        const ColumnSpec& spec = kColumns[column];
-        list.InsertColumn(column, spec.nText ? ui::LoadResString(spec.nText) : std::string(), spec.nWidth);
+        const ColumnSpec& c = kColumns[column];
+        list.InsertColumn(column, c.nText ? ui::LoadResString(c.nText) : std::string(), c.nWidth);
     }
 
     // 3. The header's image list: 4 images of 16x16 from an 8-bit bitmap, magenta
@@ -55,7 +55,7 @@ void DevicePanel::Setup(HWND hwndOwner, HWND hwndTree, controls::CXListCtrl& lis
     if (m_headerImages) {
         list.GetHeaderCtrl().SetImageList(m_headerImages.get());
         // Left to the implementer: column 0's header carries a check box that checks or
-        // clears every row at once (Part 6.1); page 0 still applies its type rules on Next.
+        // clears every row at once; page 0 still applies its type rules on Next.
         list.SetHeaderCheckState(acl::pages::kColCheck, controls::CXListCtrl::kHeaderUnchecked);
     }
 

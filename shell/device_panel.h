@@ -1,6 +1,6 @@
-// Part 1.3: the device panel: the tree of the host's domains and submaps and the check-box
-// list of the devices of the clicked node. The owning dialog (page 0 of the ACL wizard,
-// Part 5.1) owns the controls and calls Setup, PreTranslateMessage and OnTreeClick.
+// The device panel: the tree of the host's domains and submaps and the check-box
+// list of the devices of the clicked node. The owning dialog (page 0 of the ACL wizard)
+// owns the controls and calls Setup, PreTranslateMessage and OnTreeClick.
 #pragma once
 #include <windows.h>
 #include <commctrl.h>
@@ -20,20 +20,20 @@ public:
     DevicePanel(const DevicePanel&) = delete;
     DevicePanel& operator=(const DevicePanel&) = delete;
 
-    // Panel set-up, steps 1 to 4 of Part 1.3: tree images, columns, header images, tree.
+    // Panel set-up, steps 1 to 4: tree images, columns, header images, tree.
     void Setup(HWND hwndOwner, HWND hwndTree, controls::CXListCtrl& list);
     // Tree mouse pre-translation: a left or right button going down over a tree item selects
     // that item at once; the message then goes on to the tree. Returns false (never eats it).
     bool PreTranslateMessage(const MSG& msg);
     // The tree's NM_CLICK: empties the list and refills it from the selected item.
     LRESULT OnTreeClick();
-    // Fills the list from the tree's selected item (Part 1.2); used also at initialisation.
+    // Fills the list from the tree's selected item; used also at initialisation.
     void FillFromSelectedNode();
 
     long CurrentNode() const { return m_nCurrentNode; }
     HWND Tree() const { return m_hwndTree; }
 
-    // DeviceRowList: Part 1.2's fill writes rows through these.
+    // DeviceRowList: the host inventory's fill writes rows through these.
     void DeleteAllRows() override;
     void AppendRow(const DeviceRecord& record) override;
     int RowCount() const override;

@@ -1,5 +1,5 @@
 // Thin control wrappers of the framework layer (DESIGN.md section 7, 7-Zip's Control/*.h):
-// one-line methods over the Win32 messages, so that the pages read like the spec.
+// one-line methods over the Win32 messages, so that the pages read as what they do.
 #pragma once
 #include <windows.h>
 #include <commctrl.h>
@@ -59,10 +59,10 @@ private:
 };
 
 // An image list cut from one bitmap resource of the plug-in: images `cx` by 16 pixels, the
-// colour `mask` transparent (Part 1.3). Null when it cannot be made.
+// colour `mask` transparent. Null when it cannot be made.
 HIMAGELIST LoadImageStrip(UINT nBitmap, int cx, UINT colourFlags, COLORREF mask, int grow);
 
-// The bold group-title font of the wizard's pages (Part 5.1): Arial, height 16, weight 700.
+// The bold group-title font of the wizard's pages: Arial, height 16, weight 700.
 HFONT CreateGroupTitleFont(const std::string& face);
 
 }  // namespace ui

@@ -1,6 +1,6 @@
 // Our stand-in for the framework's modal dialog (DESIGN.md section 2): the static dialog
 // procedure takes `this` from the creation parameter and maps messages to virtuals; OK and
-// Cancel end the dialog. The rule and modify dialogs of Parts 5.3 and 5.5 derive from it.
+// Cancel end the dialog. The rule and modify dialogs derive from it.
 // No exception leaves the window procedure.
 #pragma once
 #include <windows.h>

@@ -1,5 +1,5 @@
-// Text helpers of the framework layer: the spec's strings are 8-bit in the ANSI code page;
-// the host's COM strings are 16-bit and are converted on entry (Overview, Conventions).
+// Text helpers of the framework layer: the plug-in's strings are 8-bit in the ANSI code page;
+// the host's COM strings are 16-bit and are converted on entry.
 #pragma once
 #include <windows.h>
 #include <string>
@@ -13,7 +13,7 @@ std::wstring ToWide(const std::string& text);
 // A string-table text of the plug-in's resource module; "" when the entry is missing.
 std::string LoadResString(UINT id);
 
-// The module whose resources the framework loads (the plug-in's own file, Part 1.1).
+// The module whose resources the framework loads (the plug-in's own file).
 HINSTANCE ResourceInstance();
 void SetResourceInstance(HINSTANCE instance);
 

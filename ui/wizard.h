@@ -77,7 +77,7 @@ public:
     // Makes the page at `index` the active one (its activation runs).
     BOOL SetActivePage(int index);
     int GetActiveIndex() const;
-    // Posted, so the change takes effect after the activation handler returns (Part 5.1).
+    // Posted, so the change takes effect after the activation handler returns.
     void SetWizardButtons(DWORD dwFlags);
     void PressButton(int nButton);
 

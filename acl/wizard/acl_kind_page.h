@@ -1,4 +1,4 @@
-// Part 5.1, page 1 `CACLStep1` ("Access Control List"): the ACL kind, ordinary (1) or CPU (2).
+// Page 1 `CACLStep1` ("Access Control List"): the ACL kind, ordinary (1) or CPU (2).
 #pragma once
 #include "acl/wizard/page_base.h"
 

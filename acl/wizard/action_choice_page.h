@@ -1,4 +1,4 @@
-// Part 5.1, page 2 `CACLselect` ("Please change the title"): the action, which chooses the
+// Page 2 `CACLselect` ("Please change the title"): the action, which chooses the
 // flow: 1 create profile, 2 create rule, 3 modify profile, 4 modify rule.
 #pragma once
 #include "acl/wizard/page_base.h"

@@ -11,12 +11,12 @@ namespace {
 static_assert(IDS_DETAIL_FIRST + static_cast<int>(acl::DetailLabel::kCount) == IDS_DETAIL_HEADER,
               "one string per details label, in acl::DetailLabel's order");
 
-// Part 5.2: the details list's colours.
+// The details list's colours.
 constexpr COLORREF kDetailLabelRed = RGB(255, 0, 0);
 constexpr COLORREF kDetailTitleCyan = RGB(0, 255, 255);
 constexpr COLORREF kDetailValueBlack = RGB(0, 0, 0);
 
-// Part 5.2: the dialog's initial combo data, in the string table in this order.
+// The dialog's initial combo data, in the string table in this order.
 constexpr int kFrameItems = 2;
 constexpr int kProtocolItems = 5;
 
@@ -33,7 +33,7 @@ struct ReaderRow {
 
 using Job = CACLStep2::ReaderJob;
 
-// Part 4.3 on a worker thread: the ACL core's reader, every row posted to the page.
+// On a worker thread: the ACL core's reader, every row posted to the page.
 DWORD WINAPI ReaderThread(LPVOID param) {
     std::shared_ptr<Job> job = *static_cast<std::shared_ptr<Job>*>(param);
     delete static_cast<std::shared_ptr<Job>*>(param);
@@ -128,8 +128,8 @@ BOOL CACLStep2::OnSetActive() {
     return TRUE;
 }
 
-// Part 5.2's model table. Left to the implementer: a model string not in the table (such as
-// "TVG-5140", or "TVG-5240" with the CPU ACL) has no ACL function (Part 2.2), so instead of
+// The model's row of the "Add profile" table. A model string not in the table (such as
+// "TVG-5140", or "TVG-5240" with the CPU ACL) has no ACL function, so instead of
 // keeping the controls of an earlier device the page offers nothing: no profile ID, every type
 // disabled (Next then says "Please select profile ID!!"), and no reader starts.
 void CACLStep2::ApplyModelTable() {
@@ -163,10 +163,10 @@ void CACLStep2::ShowTypeLists() {
 void CACLStep2::StartReader() {
     for (AclRecordList& table : m_aTables) table.clear();
     m_profileList.DeleteAllItems();
-    if (LookupSupportedModel(m_device.typeText) == nullptr) return;  // Part 5.2: no reader
+    if (LookupSupportedModel(m_device.typeText) == nullptr) return;  // a model without ACL tables has nothing to read
     const size_t k = m_nACLKind == 1 ? 0 : 1;
     if (IsReaderRunning(static_cast<int>(k + 1))) {
-        // Part 5.2 starts no second reader of a kind. Left to the implementer: the running one
+        // Never two readers of a kind at once. The running one
         // was asked to stop (the page was left) or reads another device, so rather than let it
         // half fill the emptied lists, its rows are dropped and a fresh reader of the current
         // device starts when it ends (still one reader per kind at a time).
@@ -214,7 +214,7 @@ bool CACLStep2::IsReaderRunning(int nACLKind) const {
 
 // Asks both readers to stop; with a wait, waits at most `waitMs` for each and closes them.
 // A reader that outlives the wait shares nothing with the page but its job and ends at its
-// next answer or time-out (Part 2.1: at most 3000 ms).
+// next answer or time-out (at most 3000 ms).
 void CACLStep2::StopReaders(DWORD waitMs) {
     for (size_t k = 0; k < 2; ++k) {
         if (m_readerJob[k]) m_readerJob[k]->stop = true;
@@ -377,7 +377,7 @@ LRESULT CACLStep2::OnWizardNext() {
     }
     if (m_device.typeText == "TVR4512" && m_nACLKind == 1) wizard.m_strProfileName = name;
     wizard.m_strProfileID = id;
-    return CACLPage::OnWizardNext();  // by the chosen type (Part 5.1)
+    return CACLPage::OnWizardNext();  // by the chosen type
 }
 
 acl::pages::NavInput CACLStep2::MakeNavInput() const {

@@ -1,5 +1,5 @@
-// Part 5.1, page 3 `CACLStep2` ("Add profile", Part 5.2): the profile ID and type to create,
-// and the profiles already on the chosen device, read by the ACL core's reader (Part 4.3) on a
+// Page 3 `CACLStep2` ("Add profile"): the profile ID and type to create,
+// and the profiles already on the chosen device, read by the ACL core's reader on a
 // worker thread. The worker never touches a window: it posts each row to the page, which
 // inserts it on the user-interface thread. Leaving the page asks the reader to stop; the
 // page's destruction stops it and waits at most 3000 ms.
@@ -21,9 +21,9 @@ public:
     CACLStep2();
     ~CACLStep2() override;
 
-    // Whether the reader of an ACL kind (1 ordinary, 2 CPU) still runs (tests, Part 5.2).
+    // Whether the reader of an ACL kind (1 ordinary, 2 CPU) still runs (tests).
     bool IsReaderRunning(int nACLKind) const;
-    // The rows read so far for the current device, by type (Part 5.2's hidden tables).
+    // The rows read so far for the current device, by type.
     const std::array<AclRecordList, 4>& HiddenTables() const { return m_aTables; }
 
 protected:
@@ -59,7 +59,7 @@ private:
     void RemoveUsedProfileIds();
     void ShowDetails(int row);
 
-    int m_nProfileChoice = 1;  // Part 5.2: "Ethernet ACL" (1) is checked at start
+    int m_nProfileChoice = 1;  // "Ethernet ACL" (1) is checked at start
     long m_nACLKind = 1;
     AclTarget m_device;        // the current device
     int m_nProfileIds = 0;     // N of the model table

@@ -16,7 +16,7 @@ BOOL CACLStep0::OnInitDialog() {
     FillSupportedTypes();
     m_list.Attach(GetDlgItem(IDC_STEP0_LIST));
     m_panel.Setup(GetSafeHwnd(), GetDlgItem(IDC_STEP0_TREE), m_list);
-    // Part 5.1: with a submap open, its devices at once, and the host's current device checked.
+    // With a submap open, its devices at once, and the host's current device checked.
     if (shell::g_lOpenedSubmapID != -1) {
         m_panel.FillFromSelectedNode();
         shell::SelectHostCurrentDevice(m_panel);
@@ -24,7 +24,7 @@ BOOL CACLStep0::OnInitDialog() {
     return TRUE;
 }
 
-// Part 5.1: the device types whose registry subkey carries a non-empty "ACLExe" value.
+// The device types whose registry subkey carries a non-empty "ACLExe" value.
 void CACLStep0::FillSupportedTypes() {
     ui::ComboBox types(GetDlgItem(IDC_STEP0_TYPES));
     types.ResetContent();
@@ -75,7 +75,7 @@ LRESULT CACLStep0::OnWizardNext() {
     case TargetVerdict::kNoDevice: message = IDS_MSG_SELECT_DEVICE; break;
     case TargetVerdict::kNotSupported: message = IDS_MSG_NO_ACL_FUNCTION; break;
     case TargetVerdict::kDifferentType: message = IDS_MSG_SAME_TYPE; break;
-    // Left to the implementer: more than 10 switches are refused as a whole with a message,
+    // More than 10 switches are refused as a whole with a message,
     // so no part of a selection is ever dropped without the user knowing.
     case TargetVerdict::kTooManyDevices: message = IDS_MSG_TOO_MANY_DEVICES; break;
     }
@@ -95,7 +95,7 @@ BOOL CACLStep0::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
             return TRUE;
         }
         if (hdr->code == NM_RCLICK) {
-            // Part 5.1: a right click on a row toggles the row's check box.
+            // a right click on a row toggles the row's check box.
             const auto* item = reinterpret_cast<const NMITEMACTIVATE*>(hdr);
             LVHITTESTINFO hit{};
             hit.pt = item->ptAction;

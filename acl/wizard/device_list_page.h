@@ -1,4 +1,4 @@
-// Part 5.1, page 0 `CACLStep0` ("ACL: Device List"): the device panel of Part 1.3, the hidden
+// Page 0 `CACLStep0` ("ACL: Device List"): the device panel, the hidden
 // list of device types that have the ACL function, column sorting, and the target validation
 // that fills the sheet's `m_aTargets` on Next.
 #pragma once

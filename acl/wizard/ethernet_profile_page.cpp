@@ -23,7 +23,7 @@ BOOL CACLSTEP_ETH::OnInitDialog() {
 }
 
 void CACLSTEP_ETH::OnActivate() {
-    // Part 5.2: 1 (untagged) disables "VLAN" and "802.1P", 2 (tagged) enables them; the
+    // 1 (untagged) disables "VLAN" and "802.1P", 2 (tagged) enables them; the
     // protocol options (3 to 7) leave them as they are.
     const long frameOption = State().m_nFrameOption;
     if (frameOption == 1 || frameOption == 2) {

@@ -1,4 +1,4 @@
-// Part 5.1, page 7 `CACLSTEP_ETH` ("Ethernet ACL Settings", Part 5.2): the Ethernet filtering
+// Page 7 `CACLSTEP_ETH` ("Ethernet ACL Settings"): the Ethernet filtering
 // masks; the pending list, Add, Delete and Next ("\ACLEthernet.ini") are the definition pages'
 // (profile_definition_page.h). Clicking a pending row loads it back into the masks.
 #pragma once

@@ -11,7 +11,7 @@
 namespace acl::wizard {
 namespace {
 
-// Part 5.2: one group per protocol, in the same place; m_nFrameOption picks the one shown.
+// One group per protocol, in the same place; m_nFrameOption picks the one shown.
 struct ProtocolGroup {
     long frameOption;
     int box;
@@ -41,7 +41,7 @@ constexpr int kCheckBoxes[] = {
     IDC_IPV4_TCP_ACK, IDC_IPV4_TCP_PSH, IDC_IPV4_TCP_RST, IDC_IPV4_TCP_SYN, IDC_IPV4_TCP_FIN, IDC_IPV4_UDP,
     IDC_IPV4_UDP_SRC_PORT_CHECK, IDC_IPV4_UDP_DST_PORT_CHECK, IDC_IPV4_PROTO_ID_CHECK, IDC_IPV4_USER_DEFINE};
 
-// Part 5.2: port-mask edits hold 4 characters, the user-defined fields 8 each.
+// port-mask edits hold 4 characters, the user-defined fields 8 each.
 constexpr int kPortEdits[] = {IDC_IPV4_TCP_SRC_PORT, IDC_IPV4_TCP_DST_PORT, IDC_IPV4_UDP_SRC_PORT,
                               IDC_IPV4_UDP_DST_PORT};
 constexpr int kUserEdits[] = {IDC_IPV4_USER_MASK1, IDC_IPV4_USER_MASK2, IDC_IPV4_USER_MASK3, IDC_IPV4_USER_MASK4,
@@ -80,13 +80,13 @@ BOOL CACLStep5::OnInitDialog() {
 
 bool CACLStep5::Checked(int id) const { return ui::Button(GetDlgItem(id)).IsChecked(); }
 
-// Part 5.2: five user-defined fields on TVR4510 and TVR4820, one elsewhere.
+// Five user-defined fields on TVR4510 and TVR4820, one elsewhere.
 int CACLStep5::UserFieldCount() const { return Model() == "TVR4510" || Model() == "TVR4820" ? 5 : 1; }
 
-// Part 5.2: on every activation the page shows only the protocol group of m_nFrameOption, titled
-// with the protocol's name, which new rows keep in column 22. Left to the implementer: with 1 or
+// On every activation the page shows only the protocol group of m_nFrameOption, titled
+// with the protocol's name, which new rows keep in column 22. With 1 or
 // 2 (IPv4 chosen while the protocol list showed nothing) no group is shown and the rows carry no
-// protocol (UseProtoType "1"). Like the Ethernet page, the masks start cleared each time.
+// protocol (UseProtoType "1").
 void CACLStep5::OnActivate() {
     ShowProtocolGroup();
     ClearFields();
@@ -120,11 +120,11 @@ void CACLStep5::ClearFields() {
     m_bFiltering = false;
     SendMessageA(GetDlgItem(IDC_IPV4_SRC_IP), IPM_CLEARADDRESS, 0, 0);
     SendMessageA(GetDlgItem(IDC_IPV4_DST_IP), IPM_CLEARADDRESS, 0, 0);
-    m_nFlagValue = 0;  // Part 5.2: the flag value starts at 0
+    m_nFlagValue = 0;  // no flag checked
     UpdateEnabling();
 }
 
-// Part 5.2: each mask check box enables its field; "ICMP" enables "ICMP Type" and "ICMP Code";
+// Each mask check box enables its field; "ICMP" enables "ICMP Type" and "ICMP Code";
 // "IGMP" enables "IGMP Type"; "TCP Flag Bits" enables "Check All" and the six flags; "User
 // Define(0-FFFFFFFF)" enables the user-defined fields.
 void CACLStep5::UpdateEnabling() {
@@ -145,22 +145,21 @@ void CACLStep5::UpdateEnabling() {
     for (int id : kUserEdits) enable(id, Checked(IDC_IPV4_USER_DEFINE));
 }
 
-// Part 5.2: checking a flag adds its weight, unchecking subtracts it. "Check All" shows whether
+// Checking a flag adds its weight, unchecking subtracts it. "Check All" shows whether
 // all six are set, so that its next click unchecks them.
 void CACLStep5::OnFlagClicked(int id) {
     m_nFlagValue += Checked(id) ? FlagWeight(id) : -FlagWeight(id);
     ui::Button(GetDlgItem(IDC_IPV4_TCP_CHECK_ALL)).SetCheck(m_nFlagValue == kAllFlags);
 }
 
-// Part 5.2: "Check All" checks all six and sets 63, or unchecks all and sets 0.
+// "Check All" checks all six and sets 63, or unchecks all and sets 0.
 void CACLStep5::OnCheckAll() {
     const bool all = Checked(IDC_IPV4_TCP_CHECK_ALL);
     for (int id : kFlags) ui::Button(GetDlgItem(id)).SetCheck(all);
     m_nFlagValue = all ? kAllFlags : 0;
 }
 
-// Left to the implementer (Part 5.2 has no message, and Part 4.2 would send a non-hex digit as
-// 0): the mask edits keep only hexadecimal digits, upper-cased, and the protocol ID only
+// A non-hex digit would reach the switch as 0 without a word, so the mask edits keep only hexadecimal digits, upper-cased, and the protocol ID only
 // digits up to 255; whatever else is typed or pasted is taken out again, with a beep.
 void CACLStep5::FilterEdit(int id) {
     if (m_bFiltering) return;
@@ -198,7 +197,7 @@ BOOL CACLStep5::OnFieldCommand(int id, int code) {
 
 namespace {
 
-// Part 4.1: an IPv4 address or mask as "%d.%d.%d.%d" from the four bytes of an IP-address field.
+// An IPv4 address or mask as "%d.%d.%d.%d" from the four bytes of an IP-address field.
 std::string AddressText(HWND ip) {
     DWORD address = 0;
     SendMessageA(ip, IPM_GETADDRESS, 0, reinterpret_cast<LPARAM>(&address));
@@ -212,8 +211,8 @@ std::string AddressText(HWND ip) {
 }  // namespace
 
 // The fields as BuildProfile (acl/acl_record.h) takes them: the shown group's options, port
-// masks empty unless checked, the user mask as one text (Part 5.2: the five fields joined on
-// TVR4510 and TVR4820).
+// masks empty unless checked, the user mask as one text (the five fields joined
+// on TVR4510 and TVR4820).
 ProfileFields CACLStep5::ReadFields() const {
     ProfileFields f;
     f.vlan = Checked(IDC_IPV4_VLAN);
@@ -224,7 +223,7 @@ ProfileFields CACLStep5::ReadFields() const {
     f.dstIp = AddressText(GetDlgItem(IDC_IPV4_DST_IP));
     f.protocolGroup = m_nGroup;
     auto mask = [this](int check, int edit) {
-        // Left to the implementer: a mask is a number, padded to its width (acl_record.h);
+        // A mask is a number, padded to its width (acl_record.h);
         // a checked empty mask counts as 0.
         return Checked(check) ? PadHex(ui::GetWindowTextString(GetDlgItem(edit)), 4) : std::string();
     };
@@ -238,7 +237,7 @@ ProfileFields CACLStep5::ReadFields() const {
         f.protocolChecked = Checked(IDC_IPV4_IGMP);
         f.typeChecked = Checked(IDC_IPV4_IGMP_TYPE);
         break;
-    case 5:  // Part 5.2: the port masks and flag bits go to their cells whether "TCP" is checked
+    case 5:  // the port masks and flag bits go to their cells whether "TCP" is checked
         f.protocolChecked = Checked(IDC_IPV4_TCP);
         f.srcPortMask = mask(IDC_IPV4_TCP_SRC_PORT_CHECK, IDC_IPV4_TCP_SRC_PORT);
         f.dstPortMask = mask(IDC_IPV4_TCP_DST_PORT_CHECK, IDC_IPV4_TCP_DST_PORT);
@@ -252,10 +251,10 @@ ProfileFields CACLStep5::ReadFields() const {
         break;
     case 7: {
         f.protocolChecked = Checked(IDC_IPV4_PROTO_ID_CHECK);
-        // Left to the implementer: an empty protocol ID counts as 0, like an empty mask.
+        // An empty protocol ID counts as 0, like an empty mask.
         const std::string id = ui::GetWindowTextString(GetDlgItem(IDC_IPV4_PROTO_ID));
         f.protocolId = id.empty() ? std::string(1, '0') : id;
-        // Part 5.2: "User Define(0-FFFFFFFF)" checked gives "ProtolIDMask" on its own.
+        // "User Define(0-FFFFFFFF)" checked gives "ProtolIDMask" on its own.
         f.userMaskChecked = Checked(IDC_IPV4_USER_DEFINE);
         if (f.userMaskChecked)
             for (int i = 0; i < UserFieldCount(); ++i)
@@ -267,7 +266,7 @@ ProfileFields CACLStep5::ReadFields() const {
     return f;
 }
 
-// Part 5.2: column 22 of a new row holds the protocol group name.
+// Column 22 of a new row holds the protocol group name.
 void CACLStep5::OnRowAdded(int row, const AclRecord& /*record*/) {
     PendingList().SetItemText(row, 22, m_strGroupName);
 }

@@ -1,4 +1,4 @@
-// Part 5.1, page 6 `CACLStep5` ("IPV4 ACL Settings", Part 5.2): the IPv4 filtering masks and
+// Page 6 `CACLStep5` ("IPV4 ACL Settings"): the IPv4 filtering masks and
 // the one protocol group that "Add profile" chose (`m_nFrameOption`); the pending list, Add,
 // Delete and Next ("\ACLIpv4.ini") are the definition pages' (profile_definition_page.h).
 #pragma once

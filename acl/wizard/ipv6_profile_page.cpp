@@ -6,7 +6,7 @@
 namespace acl::wizard {
 namespace {
 
-// Part 4.1: an IPv6 mask is 32 hexadecimal digits (16 bytes on the wire, Part 4.2).
+// An IPv6 mask is 32 hexadecimal digits (16 bytes on the wire).
 constexpr size_t kIpv6MaskDigits = 32;
 
 }  // namespace
@@ -16,14 +16,14 @@ CACLStep_IPV6::CACLStep_IPV6()
                              {IDC_IPV6_LIST, IDC_IPV6_ADD, IDC_IPV6_DELETE}) {}
 
 BOOL CACLStep_IPV6::OnInitDialog() {
-    // Part 5.2: each address edit is limited to 32 characters (ES_UPPERCASE in the template).
+    // Each address edit is limited to 32 characters (ES_UPPERCASE in the template).
     SendMessageA(GetDlgItem(IDC_IPV6_SRC), EM_LIMITTEXT, kIpv6MaskDigits, 0);
     SendMessageA(GetDlgItem(IDC_IPV6_DST), EM_LIMITTEXT, kIpv6MaskDigits, 0);
     return CProfileDefinitionPage::OnInitDialog();
 }
 
-// Part 5.2 asks nothing more of this page on activation; its masks keep what the user typed
-// (pages keep their contents for the wizard's life, Part 5.1), only the enabling is renewed.
+// On activation only the enabling is renewed; the masks keep what the user typed
+// (pages keep their contents for the wizard's life).
 void CACLStep_IPV6::OnActivate() { EnableAddressEdits(); }
 
 // Each address check box enables its edit.
@@ -44,7 +44,7 @@ ProfileFields CACLStep_IPV6::ReadFields() const {
 }
 
 UINT CACLStep_IPV6::CheckFields(const ProfileFields& f) const {
-    // Left to the implementer: a checked mask must be exactly 32 hexadecimal digits
+    // A checked mask must be exactly 32 hexadecimal digits
     // (ValidateHexWidth says why).
     if ((f.srcIpv6Checked && !ValidateHexWidth(f.srcIpv6Mask, kIpv6MaskDigits)) ||
         (f.dstIpv6Checked && !ValidateHexWidth(f.dstIpv6Mask, kIpv6MaskDigits)))

@@ -1,4 +1,4 @@
-// Part 5.1, page 8 `CACLStep_IPV6` ("IPv6 ACL Settings", Part 5.2): the IPv6 filtering masks;
+// Page 8 `CACLStep_IPV6` ("IPv6 ACL Settings"): the IPv6 filtering masks;
 // the pending list, Add, Delete and Next ("\ACLIpv6.ini", `m_nProfileType` 3) are the
 // definition pages' (profile_definition_page.h).
 #pragma once

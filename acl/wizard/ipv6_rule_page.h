@@ -1,5 +1,5 @@
-// Part 5.1, page 15 `CACLAddIPv6Rule` ("Add Rule: Rule Detail" (IPv6), Part 5.3): Back and Next on activation.
-// Its rule fields and pending list come with Part 5.3, and with them the writing of the
+// Page 15 `CACLAddIPv6Rule` ("Add Rule: Rule Detail" (IPv6)): Back and Next on activation.
+// Its rule fields and pending list come with the rule dialogs, and with them the writing of the
 // rule staging file on Next; the frame sets `m_nRuleType` and goes on to page 16.
 #pragma once
 #include "acl/wizard/page_base.h"

@@ -1,5 +1,5 @@
-// Part 5.1, page 12 `CACLModifyProfile` ("Modify Profile", Part 5.5): Back and Finish on activation.
-// Its lists and readers come with Part 5.5; the frame gives it its buttons and navigation.
+// Page 12 `CACLModifyProfile` ("Modify Profile"): Back and Finish on activation.
+// Its lists and readers are still to come; the frame gives it its buttons and navigation.
 #pragma once
 #include "acl/wizard/page_base.h"
 

@@ -20,7 +20,7 @@ constexpr int kRangeCheck[kRanges] = {IDC_PACKET_OFFSET0, IDC_PACKET_OFFSET16, I
                                       IDC_PACKET_OFFSET48, IDC_PACKET_OFFSET64};
 constexpr int RangeField(int range, int field) { return IDC_PACKET_RANGE_MASK_FIRST + range * kRangeFields + field; }
 
-// Left to the implementer (the spec checks none of these): a checked chunk's or range's mask
+// The switch takes any bytes, so a mistyped mask would filter on the wrong bits: a checked chunk's or range's mask
 // fields must be exactly 8 hexadecimal digits and a chunk offset 0 to 31 (acl_record.h).
 bool IsMaskField(const std::string& text) { return ValidateHexWidth(text, kMaskDigits); }
 
@@ -47,10 +47,10 @@ std::span<const PendingColumn> CACLStep_Packet::Columns() const {
     return m_layout == Layout::kChunk ? ChunkPendingColumns() : OffsetPendingColumns();
 }
 
-// Part 5.2 "Packet page further: choose the layout by model": the chunk layout where the
+// The layout by model: the chunk layout where the
 // model's packet-content profiles have the Chunks4 shape for this ACL kind (TVG5690, TVR4512,
-// TVG5240-10 with the ordinary ACL), the offset layout everywhere else. Left to the
-// implementer (Part 5.2): on the chunk models with the CPU ACL, Add and the staging writer use
+// TVG5240-10 with the ordinary ACL), the offset layout everywhere else. On the chunk
+// models with the CPU ACL, Add and the staging writer use
 // the offset (Block16) form, so the page shows the offset controls there: what the user types
 // is what gets sent. A change of layout empties the pending list, whose rows are of the other
 // form, and sets up its columns again.

@@ -1,6 +1,6 @@
-// Part 5.1, page 9 `CACLStep_Packet` ("Packet content ACL", Part 5.2): the packet-content
+// Page 9 `CACLStep_Packet` ("Packet content ACL"): the packet-content
 // filtering masks in one of two layouts, chosen on activation by the model's record shape for
-// the ACL kind (Part 2.2): the chunk layout (`Chunks4`: four chunks, an offset and a mask
+// the ACL kind: the chunk layout (`Chunks4`: four chunks, an offset and a mask
 // each) or the offset layout (`Block16`: five 16-byte ranges, four 8-digit masks each). The
 // pending list, Add, Delete and Next ("\ACPacket.ini", `m_nProfileType` 5) are the definition
 // pages' (profile_definition_page.h); the list's columns follow the layout.

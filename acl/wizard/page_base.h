@@ -28,10 +28,10 @@ public:
 
 protected:
     WizardState& State() const { return *m_pState; }
-    // Part 5.1: the bold font of the group titles ("Arial"), made on first use, kept for the
+    // The bold font of the group titles ("Arial"), made on first use, kept for the
     // process.
     static HFONT GroupFont();
-    // Parts 5.2, 5.4: a click on a profile list's header sorts by that column (column 0 as
+    // a click on a profile list's header sorts by that column (column 0 as
     // numbers, the others as strings), the direction toggling.
     static void SortProfileList(controls::CXListCtrl& list, acl::pages::SortToggle& sort, int column);
     // What the navigation table needs: the sheet's state plus this page's own choices.

@@ -25,7 +25,7 @@ const PendingColumn kIpv6[] = {
     {IDS_PCOL_ADDR_MASK_STATE, 80}, {IDS_PCOL_SRC_IPV6_MASK, 120}, {IDS_PCOL_DST_IPV6_MASK, 120},
     {0, 5}, {0, 5}, {0, 5}};
 
-// Left to the implementer: Part 5.2 gives no widths for the chunk layout; these fit the texts.
+// The chunk layout's widths fit its texts.
 const PendingColumn kChunks[] = {
     {IDS_PCOL_ID, 30},     {IDS_PCOL_CHUNK1, 50}, {IDS_PCOL_VALUE, 40},       {IDS_PCOL_MASK, 70},
     {IDS_PCOL_CHUNK2, 50}, {IDS_PCOL_VALUE, 40},  {IDS_PCOL_MASK, 70},        {IDS_PCOL_CHUNK3, 50},

@@ -1,6 +1,6 @@
-// Part 5.2: the pending-list columns of the four profile definition pages (header from the
+// The pending-list columns of the four profile definition pages (header from the
 // string table, 0 for an empty header, and width). One table per list, read by the definition
-// pages and by the Confirmation Page (Part 5.4), which names a profile's fields by them.
+// pages and by the Confirmation Page, which names a profile's fields by them.
 #pragma once
 #include <windows.h>
 

@@ -17,8 +17,8 @@ constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6
 
 AclOwner OwnerOf(long nACLKind) { return nACLKind == 1 ? AclOwner::kAcl : AclOwner::kCpu; }
 
-// Left to the implementer (Part 5.4 says only "that profile's fields"): the details show each
-// cell under the header of its pending-list column (Part 5.2); cells under empty headers (row
+// The details show each
+// cell under the header of its pending-list column; cells under empty headers (row
 // status, profile name, spare) are left out. Packet content: 15 cells is the chunk form.
 std::span<const PendingColumn> FieldColumns(AclType type, size_t cellCount) {
     return PendingColumnsFor(type, cellCount == RecordCellCount({AclOwner::kAcl, AclKind::kProfiles, type, PacketShape::kChunks4})
@@ -69,8 +69,8 @@ BOOL CACLApply::OnSetActive() {
         const int row = m_switchList.InsertItem(static_cast<int>(i), t.strIP);
         m_switchList.SetItemText(row, 1, t.strDeviceType);
     }
-    // Step 4: all four profile staging files (Part 4.5), whatever the model offers: a type it
-    // does not offer is listed but not sent (Part 5.4's table). A missing file gives an empty
+    // Step 4: all four profile staging files, whatever the model offers: a type it
+    // does not offer is listed but not sent. A missing file gives an empty
     // list.
     const ModelEntry* model = wizard.m_nTargetCount > 0 ? LookupModel(wizard.m_aTargets[0].strDeviceType) : nullptr;
     for (AclType type : kTypes) {
@@ -85,14 +85,14 @@ BOOL CACLApply::OnSetActive() {
             // Which record the row shows, kept through sorting: type in the high bits.
             m_profileList.SetRowData(row, (static_cast<DWORD_PTR>(type) << 16) | i);
             m_profileList.SetItemText(row, 1, TypeWord(type));
-            // Part 5.4: owner "CPU ACL" for the CPU ACL; the ordinary ACL's rows leave it empty.
+            // Owner "CPU ACL" for the CPU ACL; the ordinary ACL's rows leave it empty.
             m_profileList.SetItemText(row, 2, owner == AclOwner::kCpu ? OwnerWord(owner) : "");
         }
     }
     return TRUE;
 }
 
-// Part 5.4, Apply to Switch: every target in order through the ACL core's apply, which sends
+// Apply to Switch: every target in order through the ACL core's apply, which sends
 // the records, moves the progress bar, judges the closing request and deletes the staging
 // files at the end; the page shows the words and sets the applied flag.
 void CACLApply::ApplyToSwitches() {

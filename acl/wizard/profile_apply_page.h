@@ -1,9 +1,9 @@
-// Part 5.1, page 10 `CACLApply` ("Confirmation Page", Part 5.4): the selected switches, the
-// pending profiles read back from the staging files (Part 4.5), and "Apply to Switch", which
-// runs the ACL core's apply (Part 4.4, ApplyProfiles) on the user-interface thread with the
+// Page 10 `CACLApply` ("Confirmation Page"): the selected switches, the
+// pending profiles read back from the staging files, and "Apply to Switch", which
+// runs the ACL core's apply (ApplyProfiles) on the user-interface thread with the
 // wait cursor and the progress bar, writing each switch's result word. "Configure Next
 // Device" goes to page 0, "Create Rules" to page 5. Finish and Cancel delete the four profile
-// staging files (Part 5.1).
+// staging files.
 #pragma once
 #include <array>
 

@@ -102,7 +102,7 @@ BOOL CProfileDefinitionPage::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
     return FALSE;
 }
 
-// Next: the pending list to the type's staging file (Part 4.5; the packet-content form follows
+// Next: the pending list to the type's staging file (the packet-content form follows
 // the model's layout and the ACL kind), `m_nProfileType` (Ethernet 1, IPv4 2, IPv6 3, Packet
 // Content 5), then the confirmation page.
 LRESULT CProfileDefinitionPage::OnWizardNext() {

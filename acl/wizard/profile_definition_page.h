@@ -1,8 +1,8 @@
-// Part 5.2: what the four profile definition pages (`CACLSTEP_ETH`, `CACLStep5`,
+// What the four profile definition pages (`CACLSTEP_ETH`, `CACLStep5`,
 // `CACLStep_IPV6`, `CACLStep_Packet`) share: the pending list (one row per profile ID, living
 // as long as the wizard, emptied on the next activation after an apply), Add (a profile ID
 // already pending is skipped without a word; the ACL core validates and builds the record),
-// Delete, and Next (the type's staging file of Part 4.5, `m_nProfileType`, then the
+// Delete, and Next (the type's staging file, `m_nProfileType`, then the
 // confirmation page). A page supplies its columns, reads its fields and sets up its controls.
 #pragma once
 #include <span>
@@ -41,8 +41,8 @@ protected:
     virtual void OnPendingRowClicked(int /*row*/) {}
     // A row was appended for this record (a page may fill list cells past the record's).
     virtual void OnRowAdded(int /*row*/, const AclRecord& /*record*/) {}
-    // A page's own checks of its fields on Add, after the MAC rule (the spec leaves the IPv6
-    // and packet-content inputs unchecked; Part 5.2): the string ID of the message to show (no
+    // A page's own checks of its fields on Add, after the MAC rule (the IPv6
+    // and packet-content masks): the string ID of the message to show (no
     // row, the input stays), or 0.
     virtual UINT CheckFields(const ProfileFields& /*fields*/) const { return 0; }
     // Sets up the pending list's columns from Columns() (OnInitDialog, and when a page switches

@@ -1,6 +1,6 @@
-// Part 5.1, page 5 `CACLStep4` ("Add Rules:Select Profile", Part 5.3): Back and Next on activation.
-// Its profile list (read from the device) comes with Part 5.3; with no profile selected
-// Next refuses with Part 5.1's message and the page stays.
+// Page 5 `CACLStep4` ("Add Rules:Select Profile"): Back and Next on activation.
+// Its profile list (read from the device) comes with the rule pages; with no profile selected
+// Next refuses with a message and the page stays.
 #pragma once
 #include <string>
 

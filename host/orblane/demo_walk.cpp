@@ -77,7 +77,7 @@ public:
     }
 
 private:
-    // Page 0: the host's device is checked already (Part 1.3); the walk checks a second
+    // Page 0: the host's device is checked already; the walk checks a second
     // switch of its model (or, with no host device, the first two of one model).
     bool DeviceList() {
         if (!OnPage(pages::kPageDeviceList)) return false;
@@ -211,7 +211,7 @@ private:
         return NextTo(pages::kPageApply);
     }
 
-    // After an apply, Back twice: the definition page (its pending list emptied, Part 5.4),
+    // After an apply, Back twice: the definition page (its pending list emptied),
     // then "Add profile", whose reader reads the switch again.
     bool BackToAddProfile() {
         d.Back();
@@ -236,7 +236,7 @@ private:
         return true;
     }
 
-    // Apply to Switch: wait for every switch's result word (Part 5.4).
+    // Apply to Switch: wait for every switch's result word.
     bool ApplyToSwitch() {
         HWND switches = d.Control(IDC_APPLY_SWITCH_LIST);
         d.ClickButton(IDC_APPLY_APPLY);
@@ -254,7 +254,7 @@ private:
         for (int row = 0; row < rows; ++row) {
             const std::string word = d.CellText(switches, row, 2);
             Log("applied " + d.CellText(switches, row, 0) + " " + word);
-            // Part 5.4: "Succeed" for ordinary-ACL profiles ("Success" for CPU-ACL ones).
+            // "Succeed" for ordinary-ACL profiles ("Success" for CPU-ACL ones).
             all = all && (word == "Succeed" || word == "Success");
         }
         Shot("confirmation" + m_pass + "-applied");

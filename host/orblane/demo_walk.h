@@ -13,7 +13,7 @@ namespace orblane {
 struct WalkSettings {
     std::string name;         // a name of WalkNames()
     std::string shotsFolder;  // Windows path; the PNGs are numbered in the order taken
-    std::string hostDevice;   // the host's selected device, which the wizard checks (Part 1.3)
+    std::string hostDevice;   // the host's selected device, which the wizard checks
 };
 
 struct WalkOutcome {
