@@ -1,5 +1,7 @@
 #include "acl/acl_device.h"
 
+#include "acl/acl_audit.h"
+
 namespace {
 
 constexpr AclType kTypeOrder[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6,
@@ -144,7 +146,9 @@ bool SetRecord(const AclTarget& target, const AclTableLayout& table, const AclRe
   if (model == nullptr) return false;
   std::vector<SnmpBinding> bindings = RecordBindings(*model, table, record);
   if (bindings.empty()) return false;
-  SnmpSetResult r = SnmpSet(target.ip, target.writeCommunity, bindings, timeoutMs);
+  SnmpSetResult r = AuditedSnmpSet(target, AclWriteOp::kCreate, table.record.owner, table.record.kind,
+                                   record[0], IsRule(table) ? std::string_view(record[1]) : "", bindings,
+                                   timeoutMs);
   return r.responded && r.errorStatus == 0;
 }
 
@@ -153,10 +157,11 @@ bool DeleteRow(const AclTarget& target, const std::string& rowStatusColumnOid,
   if (rowStatusColumnOid.empty() || !IsIndexText(profileId) ||
       (!accessId.empty() && !IsIndexText(accessId)))
     return false;
-  SnmpSetResult r = SnmpSet(target.ip, target.writeCommunity,
-                            {SnmpBinding::Integer(InstanceOid(rowStatusColumnOid, profileId, accessId),
-                                                  kRowStatusDestroy)},
-                            timeoutMs);
+  SnmpSetResult r = AuditedSnmpSet(
+      target, AclWriteOp::kDelete, OwnerOfColumn(rowStatusColumnOid),
+      accessId.empty() ? AclKind::kProfiles : AclKind::kRules, profileId, accessId,
+      {SnmpBinding::Integer(InstanceOid(rowStatusColumnOid, profileId, accessId), kRowStatusDestroy)},
+      timeoutMs);
   return r.responded && r.errorStatus == 0;
 }
 
@@ -172,8 +177,8 @@ SnmpSetResult SendClosingRequest(const AclTarget& target, AclOwner owner, AclKin
   if (model == nullptr) return SnmpSetResult{};
   auto closing = model->closingRequest(owner, kind);
   if (!closing || closing->oid == nullptr) return SnmpSetResult{};
-  return SnmpSet(target.ip, target.writeCommunity, {SnmpBinding::Integer(closing->oid, closing->value)},
-                 timeoutMs);
+  return AuditedSnmpSet(target, AclWriteOp::kClose, owner, kind, "", "",
+                        {SnmpBinding::Integer(closing->oid, closing->value)}, timeoutMs);
 }
 
 const char* ApplyResultWord(AclKind kind, AclOwner owner, bool deviceOk, const SnmpSetResult& closing) {

@@ -1,0 +1,278 @@
+#include "cli/desired_state.h"
+
+#include <map>
+
+#include "acl/acl_fields.h"
+#include "acl/page_logic.h"
+
+namespace {
+
+AclOwner OwnerAt(size_t i) { return i == 1 ? AclOwner::kCpu : AclOwner::kAcl; }
+const char* const kOwnerKeys[] = {"acl", "cpu_acl"};
+
+struct Context {
+  const std::string& file;
+  const SwitchEntry& sw;
+  bool fromGroup;
+  std::vector<std::string>& errors;
+  void add(const std::string& path, const std::string& message) const {
+    std::string e = file + ": " + path + ": " + message;
+    if (fromGroup) e += " (switch " + sw.name + ", " + sw.target.typeText + ")";
+    errors.push_back(e);
+  }
+  void add(const std::vector<FieldError>& list) const {
+    for (const FieldError& f : list) add(f.path, f.message);
+  }
+};
+
+// An ID as decimal text (JSON number or text), or "" with an error.
+std::string ReadId(const Json& j, const char* key, const std::string& path, const Context& ctx) {
+  if (!j.contains(key)) {
+    ctx.add(path, std::string("missing \"") + key + "\"");
+    return {};
+  }
+  const Json& v = j.at(key);
+  std::string text = v.is_number_unsigned() ? std::to_string(v.get<unsigned long long>())
+                     : v.is_string()         ? v.get<std::string>()
+                                             : std::string();
+  if (!IsIndexText(text)) {
+    ctx.add(path + "." + key, "expected a whole number");
+    return {};
+  }
+  return text;
+}
+
+void ReadRules(const Json& j, const std::string& path, AclOwner owner, DesiredProfile& p,
+               const Context& ctx) {
+  if (!j.contains("rules")) return;
+  const Json& rules = j.at("rules");
+  if (!rules.is_array()) {
+    ctx.add(path + ".rules", "expected a list of rules");
+    return;
+  }
+  const ModelEntry& model = *ctx.sw.model;
+  if (!rules.empty() && !model.offersRuleType(owner, p.type)) {
+    ctx.add(path + ".rules", std::string(ctx.sw.target.typeText) + " has no " + TypeName(p.type) + " rules in the " +
+                                 (owner == AclOwner::kCpu ? "CPU ACL" : "ordinary ACL"));
+    return;
+  }
+  std::map<std::string, bool> seen;
+  for (size_t i = 0; i < rules.size(); ++i) {
+    const std::string at = path + ".rules[" + std::to_string(i) + "]";
+    if (!rules[i].is_object()) {
+      ctx.add(at, "expected an object");
+      continue;
+    }
+    RuleFields f;
+    f.profileId = p.record[0];
+    f.accessId = ReadId(rules[i], "access_id", at, ctx);
+    if (f.accessId.empty()) continue;
+    std::vector<FieldError> errors;
+    RuleFromJson(rules[i], at, p.type, owner, model, p.protocol, f, errors);
+    if (errors.empty())
+      if (const char* m = ValidateRule(p.type, owner, model, f)) errors.push_back({at, m});
+    if (seen[f.accessId]) errors.push_back({at + ".access_id", "named twice in this profile"});
+    seen[f.accessId] = true;
+    ctx.add(errors);
+    if (errors.empty()) p.rules.push_back({BuildRule(p.type, owner, model, f)});
+  }
+}
+
+void ReadProfiles(const Json& list, const std::string& path, AclOwner owner,
+                  std::vector<DesiredProfile>& out, const Context& ctx) {
+  if (!list.is_array()) {
+    ctx.add(path, "expected a list of profiles");
+    return;
+  }
+  const ModelEntry& model = *ctx.sw.model;
+  acl::pages::AddProfileModelRow row;
+  acl::pages::AddProfileModelTable(model.typeText, owner == AclOwner::kCpu ? 2 : 1, row);
+  std::map<std::string, bool> seen;
+  for (size_t i = 0; i < list.size(); ++i) {
+    const std::string at = path + "[" + std::to_string(i) + "]";
+    const Json& j = list[i];
+    if (!j.is_object()) {
+      ctx.add(at, "expected an object");
+      continue;
+    }
+    DesiredProfile p;
+    std::string typeText = j.contains("type") && j["type"].is_string() ? j["type"].get<std::string>() : "";
+    if (!ParseTypeName(typeText, p.type)) {
+      ctx.add(at + ".type", "expected ethernet, ipv4, ipv6 or packet_content");
+      continue;
+    }
+    if (!model.offersProfileType(owner, p.type)) {
+      ctx.add(at + ".type", std::string(model.typeText) + " has no " + typeText + " profiles in the " +
+                                (owner == AclOwner::kCpu ? "CPU ACL" : "ordinary ACL"));
+      continue;
+    }
+    ProfileFields f;
+    f.profileId = ReadId(j, "id", at, ctx);
+    if (f.profileId.empty()) continue;
+    std::vector<FieldError> errors;
+    ProfileFromJson(j, at, p.type, owner, model, f, errors);
+    using acl::pages::AddProfileVerdict;
+    const AddProfileVerdict v = acl::pages::CheckAddProfile(model.typeText, owner == AclOwner::kCpu ? 2 : 1,
+                                                            f.profileName, f.profileId);
+    if (v == AddProfileVerdict::kNoProfileName) errors.push_back({at + ".name", "Please input Profilename!"});
+    const long id = ParseLeadingDecimal(f.profileId);
+    if (row.nProfileIds > 0 && (id < 1 || id > row.nProfileIds))
+      errors.push_back({at + ".id", "a profile ID on " + std::string(model.typeText) + " is 1 to " +
+                                        std::to_string(row.nProfileIds)});
+    if (seen[f.profileId]) errors.push_back({at + ".id", "profile " + f.profileId + " is named twice"});
+    seen[f.profileId] = true;
+    ctx.add(errors);
+    if (!errors.empty()) continue;
+    p.record = BuildProfile(p.type, owner, model, f);
+    p.protocol = ProfileProtocolCode(f);
+    ReadRules(j, at, owner, p, ctx);
+    // A later section's profile replaces an earlier one with the same ID.
+    bool replaced = false;
+    for (DesiredProfile& q : out)
+      if (q.record[0] == p.record[0]) {
+        q = p;
+        replaced = true;
+      }
+    if (!replaced) out.push_back(std::move(p));
+  }
+}
+
+void ReadSection(const Json& section, const std::string& path, DesiredSwitch& d, const Context& ctx) {
+  if (!section.is_object()) {
+    ctx.add(path, "expected an object with \"acl\" and/or \"cpu_acl\"");
+    return;
+  }
+  for (const auto& item : section.items()) {
+    size_t o = 2;
+    for (size_t k = 0; k < 2; ++k)
+      if (item.key() == kOwnerKeys[k]) o = k;
+    if (o == 2) {
+      ctx.add(path + "." + item.key(), "unknown field (acl, cpu_acl)");
+      continue;
+    }
+    d.named[o] = true;
+    ReadProfiles(item.value(), path + "." + item.key(), OwnerAt(o), d.profiles[o], ctx);
+  }
+}
+
+}  // namespace
+
+void LoadDesiredState(const std::string& path, const std::vector<const SwitchEntry*>& selected,
+                      const Inventory& inventory, std::vector<DesiredSwitch>& out,
+                      std::vector<std::string>& errors) {
+  std::string text;
+  if (!ReadWholeFile(path, text)) {
+    errors.push_back(path + ": cannot be read");
+    return;
+  }
+  Json j;
+  try {
+    j = Json::parse(text);
+  } catch (const Json::parse_error& e) {
+    errors.push_back(path + ": $: not valid JSON at " + LineColumn(text, e.byte > 0 ? e.byte - 1 : 0));
+    return;
+  }
+  if (!j.is_object()) {
+    errors.push_back(path + ": $: expected an object with \"switches\" and/or \"groups\"");
+    return;
+  }
+  for (const auto& item : j.items()) {
+    if (item.key() != "switches" && item.key() != "groups") {
+      errors.push_back(path + ": $." + item.key() + ": unknown field (switches, groups)");
+      continue;
+    }
+    if (!item.value().is_object()) {
+      errors.push_back(path + ": $." + item.key() + ": expected an object of names");
+      continue;
+    }
+    for (const auto& named : item.value().items()) {
+      bool known = item.key() == "switches" && inventory.find(named.key()) != nullptr;
+      for (const SwitchEntry& s : inventory.switches)
+        for (const std::string& g : s.groups) known = known || (item.key() == "groups" && g == named.key());
+      if (!known)
+        errors.push_back(path + ": $." + item.key() + "." + named.key() + ": no " +
+                         (item.key() == "switches" ? "switch" : "group") + " of that name in " + inventory.path);
+    }
+  }
+  if (!errors.empty()) return;
+  for (const SwitchEntry* sw : selected) {
+    DesiredSwitch d;
+    d.sw = sw;
+    for (const std::string& g : sw->groups)
+      if (j.contains("groups") && j["groups"].contains(g))
+        ReadSection(j["groups"][g], "$.groups." + g, d, Context{path, *sw, true, errors});
+    if (j.contains("switches") && j["switches"].contains(sw->name))
+      ReadSection(j["switches"][sw->name], "$.switches." + sw->name, d, Context{path, *sw, false, errors});
+    if (d.named[0] || d.named[1]) out.push_back(std::move(d));
+  }
+}
+
+std::string ProtocolOfProfile(AclType type, const AclRecord& profile) {
+  if (type != AclType::kIPv4 || profile.size() < 7) return "1";
+  return profile[6];
+}
+
+namespace {
+
+// A record read from the switch without the cells this model never writes (no column, or left
+// out by its writer): what they read back means nothing, and a file must not ask for it.
+AclRecord WrittenCells(const SwitchEntry& sw, AclOwner owner, AclKind kind, AclType type, AclRecord r) {
+  if (auto table = TableLayout(*sw.model, owner, kind, type))
+    for (size_t k = 0; k < r.size() && k < table->columns.size(); ++k)
+      if (k >= 2 && (table->columns[k] == 0 || table->leftOut[k])) r[k].clear();
+  return r;
+}
+
+}  // namespace
+
+Json ProfileJson(const SwitchEntry& sw, AclOwner owner, AclType type, const AclRecord& profileRead) {
+  const AclRecord profile = WrittenCells(sw, owner, AclKind::kProfiles, type, profileRead);
+  Json j = Json::object();
+  j["id"] = std::stoull(profile[0]);
+  j["type"] = TypeName(type);
+  const ProfileFields f = ProfileFieldsFromRecord(type, owner, *sw.model, profile);
+  const Json fields = ProfileToJson(type, owner, *sw.model, f);
+  for (const auto& item : fields.items()) j[item.key()] = item.value();
+  return j;
+}
+
+Json RuleJson(const SwitchEntry& sw, AclOwner owner, AclType type, const AclRecord& ruleRead,
+              const std::string& protocol) {
+  const AclRecord rule = WrittenCells(sw, owner, AclKind::kRules, type, ruleRead);
+  Json j = Json::object();
+  j["access_id"] = std::stoull(rule[1]);
+  RuleFields f = RuleFieldsFromRecord(type, owner, *sw.model, rule, protocol);
+  // An Rx Rate of 0 is the switch's "none" where 0 is not a rate the model takes.
+  const auto rx = sw.model->rxRange();
+  if (f.rxRate == "0" && (owner == AclOwner::kCpu || !rx || !rx->zeroAllowed)) f.rxRate.clear();
+  const Json fields = RuleToJson(type, owner, *sw.model, protocol, f);
+  for (const auto& item : fields.items()) j[item.key()] = item.value();
+  return j;
+}
+
+Json HoldingsJson(const std::vector<std::pair<const SwitchEntry*, SwitchHoldings>>& switches) {
+  Json all = Json::object();
+  for (const auto& [sw, h] : switches) {
+    if (!h.reached) continue;
+    Json s = Json::object();
+    for (size_t o = 0; o < 2; ++o) {
+      if (!h.read[o]) continue;
+      const AclOwner owner = OwnerAt(o);
+      Json list = Json::array();
+      for (AclType type : {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent})
+        for (const AclRecord& p : h.acls[o].profiles[static_cast<size_t>(type)]) {
+          if (p.empty() || !IsIndexText(p[0])) continue;
+          Json pj = ProfileJson(*sw, owner, type, p);
+          Json rules = Json::array();
+          for (const AclRecord& r : h.acls[o].rules[static_cast<size_t>(type)])
+            if (r.size() > 1 && r[0] == p[0] && IsIndexText(r[1]))
+              rules.push_back(RuleJson(*sw, owner, type, r, ProtocolOfProfile(type, p)));
+          if (!rules.empty()) pj["rules"] = rules;
+          list.push_back(pj);
+        }
+      s[kOwnerKeys[o]] = list;
+    }
+    all[sw->name] = s;
+  }
+  return Json{{"switches", all}};
+}

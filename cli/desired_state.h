@@ -1,0 +1,53 @@
+// The desired-state file: for switches and groups of the inventory, the profiles of the
+// ordinary ACL ("acl") and the CPU ACL ("cpu_acl"), each with its rules. Every record is
+// checked against the switch's model with the core's checks and built by the core, as the
+// wizard's pages build it; and the same format is what `show --json` prints.
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "cli/inventory.h"
+#include "cli/json_fields.h"
+
+struct DesiredRule {
+  AclRecord record;
+};
+struct DesiredProfile {
+  AclType type = AclType::kEthernet;
+  AclRecord record;
+  std::string protocol;  // IPv4 profiles: the protocol code its rules match on
+  std::vector<DesiredRule> rules;
+};
+struct DesiredSwitch {
+  const SwitchEntry* sw = nullptr;
+  std::array<bool, 2> named{};  // [owner - 1]: the file names this ACL kind for the switch
+  std::array<std::vector<DesiredProfile>, 2> profiles;
+};
+
+// Loads the file for the selected switches: each switch's groups (in the order the inventory
+// gives them) and then the switch itself; a later profile with the same ID replaces an earlier
+// one. Every error ("file: $.path: message") is appended; the result is only used when none.
+void LoadDesiredState(const std::string& path, const std::vector<const SwitchEntry*>& selected,
+                      const Inventory& inventory, std::vector<DesiredSwitch>& out,
+                      std::vector<std::string>& errors);
+
+// What one switch holds, as read: per owner and type, the profiles and the rules.
+struct AclHoldings {
+  std::array<AclRecordList, 4> profiles, rules;
+};
+struct SwitchHoldings {
+  bool reached = false;
+  std::array<bool, 2> read{};           // [owner - 1]
+  std::array<AclHoldings, 2> acls;      // [owner - 1]
+};
+
+// The protocol code of an IPv4 profile record ("1" for other types).
+std::string ProtocolOfProfile(AclType type, const AclRecord& profile);
+// One profile (with its rules) or rule as the desired-state file writes it.
+Json ProfileJson(const SwitchEntry& sw, AclOwner owner, AclType type, const AclRecord& profile);
+Json RuleJson(const SwitchEntry& sw, AclOwner owner, AclType type, const AclRecord& rule,
+              const std::string& protocol);
+// The file `show --json` prints for the switches read.
+Json HoldingsJson(const std::vector<std::pair<const SwitchEntry*, SwitchHoldings>>& switches);

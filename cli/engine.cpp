@@ -1,0 +1,340 @@
+#include "cli/engine.h"
+
+#include <atomic>
+#include <chrono>
+#include <map>
+#include <mutex>
+#include <set>
+#include <thread>
+
+#include "acl/acl_audit.h"
+#include "acl/acl_fields.h"
+
+namespace {
+
+constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent};
+size_t OwnerIndex(AclOwner o) { return o == AclOwner::kCpu ? 1 : 0; }
+AclOwner OwnerAt(size_t i) { return i == 1 ? AclOwner::kCpu : AclOwner::kAcl; }
+
+// Found on the switch: a profile by ID or a rule by (profile ID, Access ID), with its type.
+struct Held {
+  AclType type;
+  const AclRecord* record;
+};
+std::map<std::string, Held> ProfilesById(const AclHoldings& h) {
+  std::map<std::string, Held> m;
+  for (AclType t : kTypes)
+    for (const AclRecord& r : h.profiles[static_cast<size_t>(t)])
+      if (!r.empty()) m.emplace(r[0], Held{t, &r});
+  return m;
+}
+std::map<std::pair<std::string, std::string>, Held> RulesByKey(const AclHoldings& h) {
+  std::map<std::pair<std::string, std::string>, Held> m;
+  for (AclType t : kTypes)
+    for (const AclRecord& r : h.rules[static_cast<size_t>(t)])
+      if (r.size() > 1) m.emplace(std::pair{r[0], r[1]}, Held{t, &r});
+  return m;
+}
+
+// The outcome of every SET one switch answered, gathered by the process-wide write observer.
+struct SetOutcome {
+  AclWriteOp op;
+  AclOwner owner;
+  AclKind kind;
+  std::string profileId, accessId;
+  std::vector<SnmpBinding> bindings;
+  SnmpSetResult result;
+};
+std::mutex g_collectMutex;
+std::map<std::string, std::vector<SetOutcome>*> g_collectors;  // by agent address
+
+std::string Describe(const SetOutcome& o) {
+  std::string s = OutcomeWord(o.result);
+  if (o.result.responded && o.result.errorIndex >= 1 &&
+      static_cast<size_t>(o.result.errorIndex) <= o.bindings.size())
+    s += " (" + o.bindings[static_cast<size_t>(o.result.errorIndex) - 1].oid + ")";
+  return s;
+}
+
+}  // namespace
+
+// Gathers outcomes by target address; installed next to the audit log by the command line.
+void CollectSetOutcome(const AclWriteEvent& e) {
+  if (e.outcome == nullptr) return;
+  std::lock_guard<std::mutex> lock(g_collectMutex);
+  auto it = g_collectors.find(e.target.ip);
+  if (it == g_collectors.end()) return;
+  it->second->push_back(SetOutcome{e.op, e.owner, e.kind, std::string(e.profileId), std::string(e.accessId),
+                                   e.bindings, *e.outcome});
+}
+
+size_t SwitchPlan::count(Change c) const {
+  size_t n = 0;
+  for (const PlanItem& i : items) n += i.change == c;
+  return n;
+}
+
+bool SwitchPlan::pending() const {
+  return count(Change::kCreate) + count(Change::kDelete) + count(Change::kReplace) > 0;
+}
+
+bool SwitchAnswers(const AclTarget& target, unsigned long timeoutMs) {
+  CSnmpV1 request(0);
+  request.setType(kSnmpGetNextRequest);
+  request.clearVarBindList();
+  request.setCommunity(target.readCommunity.c_str());
+  request.addValue(kAclMibPrefix, kSnmpNull, nullptr);
+  CSnmp* answer = nullptr;
+  const int status = request.send(target.ip.c_str(), answer, timeoutMs);
+  delete answer;
+  return status == kSnmpOk;
+}
+
+SwitchHoldings ReadSwitch(const SwitchEntry& sw, std::array<bool, 2> owners, unsigned long timeoutMs) {
+  SwitchHoldings h;
+  h.reached = SwitchAnswers(sw.target, timeoutMs);
+  if (!h.reached) return h;
+  AclReadOptions options;
+  options.timeoutMs = timeoutMs;
+  for (size_t o = 0; o < 2; ++o) {
+    if (!owners[o]) continue;
+    h.read[o] = true;
+    h.acls[o].profiles = ReadProfiles(sw.target, OwnerAt(o), options).records;
+    for (AclType t : kTypes)
+      h.acls[o].rules[static_cast<size_t>(t)] =
+          ReadRules(sw.target, OwnerAt(o), t, options).records[static_cast<size_t>(t)];
+  }
+  return h;
+}
+
+std::optional<AclTableLayout> TableOf(const SwitchEntry& sw, const PlanItem& item) {
+  return TableLayout(*sw.model, item.owner, item.kind, item.type);
+}
+
+void PlanSwitch(const DesiredSwitch& desired, StateMode mode, SwitchPlan& plan) {
+  const SwitchEntry& sw = *plan.sw;
+  for (size_t o = 0; o < 2; ++o) {
+    if (!desired.named[o]) continue;
+    const AclOwner owner = OwnerAt(o);
+    const AclHoldings& held = plan.before.acls[o];
+    const auto profiles = ProfilesById(held);
+    const auto rules = RulesByKey(held);
+    std::set<std::string> wantedProfiles;
+    std::set<std::pair<std::string, std::string>> wantedRules, deletedRules;
+    auto item = [&](Change c, AclKind kind, AclType type) {
+      PlanItem i;
+      i.change = c;
+      i.owner = owner;
+      i.kind = kind;
+      i.type = type;
+      return i;
+    };
+    auto diff = [&](AclKind kind, AclType type, const AclRecord& want, const AclRecord& have) {
+      PlanItem probe = item(Change::kCreate, kind, type);
+      auto table = TableOf(sw, probe);
+      return table ? DiffRecordCells(*sw.model, *table, want, have) : std::vector<size_t>{};
+    };
+    for (const DesiredProfile& p : desired.profiles[o]) {
+      const std::string& id = p.record[0];
+      wantedProfiles.insert(id);
+      auto found = profiles.find(id);
+      PlanItem pi = item(Change::kCreate, AclKind::kProfiles, p.type);
+      pi.wanted = p.record;
+      bool profileRecreated = false;
+      if (found != profiles.end()) {
+        pi.actual = *found->second.record;
+        pi.differing = found->second.type != p.type ? std::vector<size_t>{0}
+                                                    : diff(AclKind::kProfiles, p.type, p.record, pi.actual);
+        if (pi.differing.empty()) {
+          pi.change = Change::kUnchanged;
+        } else if (mode == StateMode::kMerged) {
+          pi.change = Change::kKept;
+        } else {
+          pi.change = Change::kReplace;
+          profileRecreated = true;
+          // A profile is deleted only after its rules: they go with it, and the file's rules
+          // are created again afterwards.
+          size_t n = 0;
+          for (const auto& [key, r] : rules)
+            if (key.first == id) {
+              PlanItem d = item(Change::kDelete, AclKind::kRules, r.type);
+              d.actual = *r.record;
+              d.protocol = ProtocolOfProfile(found->second.type, pi.actual);
+              d.note = "goes with profile " + id;
+              plan.items.push_back(d);
+              deletedRules.insert(key);
+              ++n;
+            }
+          if (n > 0) pi.note = "its " + std::to_string(n) + " rule" + (n == 1 ? "" : "s") + " on the switch go with it";
+        }
+      }
+      plan.items.push_back(pi);
+      for (const DesiredRule& r : p.rules) {
+        const std::pair key{r.record[0], r.record[1]};
+        wantedRules.insert(key);
+        PlanItem ri = item(Change::kCreate, AclKind::kRules, p.type);
+        ri.wanted = r.record;
+        ri.protocol = p.protocol;
+        auto f = rules.find(key);
+        if (f != rules.end() && !profileRecreated) {
+          ri.actual = *f->second.record;
+          ri.differing = f->second.type != p.type ? std::vector<size_t>{0}
+                                                  : diff(AclKind::kRules, p.type, r.record, ri.actual);
+          ri.change = ri.differing.empty()           ? Change::kUnchanged
+                      : mode == StateMode::kMerged ? Change::kKept
+                                                   : Change::kReplace;
+        }
+        plan.items.push_back(ri);
+      }
+    }
+    if (mode != StateMode::kOverridden) continue;
+    for (const auto& [key, r] : rules) {
+      if (wantedRules.count(key) || deletedRules.count(key)) continue;
+      PlanItem d = item(Change::kDelete, AclKind::kRules, r.type);
+      d.actual = *r.record;
+      auto p = profiles.find(key.first);
+      d.protocol = p != profiles.end() ? ProtocolOfProfile(p->second.type, *p->second.record) : "1";
+      plan.items.push_back(d);
+    }
+    for (const auto& [id, p] : profiles) {
+      if (wantedProfiles.count(id)) continue;
+      PlanItem d = item(Change::kDelete, AclKind::kProfiles, p.type);
+      d.actual = *p.record;
+      plan.items.push_back(d);
+    }
+  }
+}
+
+void PlanDeletion(const std::vector<DeleteTarget>& targets, SwitchPlan& plan) {
+  for (const DeleteTarget& t : targets) {
+    const size_t o = OwnerIndex(t.owner);
+    const auto profiles = ProfilesById(plan.before.acls[o]);
+    const auto rules = RulesByKey(plan.before.acls[o]);
+    auto add = [&](AclKind kind, const Held& h, std::string note) {
+      for (const PlanItem& i : plan.items)
+        if (i.owner == t.owner && i.kind == kind && i.actual == *h.record) return;
+      PlanItem d;
+      d.change = Change::kDelete;
+      d.owner = t.owner;
+      d.kind = kind;
+      d.type = h.type;
+      d.actual = *h.record;
+      auto p = profiles.find(h.record->at(0));
+      d.protocol = p != profiles.end() ? ProtocolOfProfile(p->second.type, *p->second.record) : "1";
+      d.note = std::move(note);
+      plan.items.push_back(d);
+    };
+    if (t.accessId.empty()) {
+      for (const auto& [key, r] : rules)
+        if (key.first == t.profileId) add(AclKind::kRules, r, "goes with profile " + t.profileId);
+      if (auto p = profiles.find(t.profileId); p != profiles.end()) add(AclKind::kProfiles, p->second, "");
+    } else if (auto r = rules.find({t.profileId, t.accessId}); r != rules.end()) {
+      add(AclKind::kRules, r->second, "");
+    }
+  }
+}
+
+void ForEachParallel(size_t count, int parallel, const std::function<void(size_t)>& work) {
+  std::atomic<size_t> next{0};
+  const size_t threads = std::min(count, static_cast<size_t>(parallel < 1 ? 1 : parallel));
+  std::vector<std::thread> pool;
+  for (size_t t = 0; t < threads; ++t)
+    pool.emplace_back([&] {
+      for (size_t i; (i = next++) < count;) work(i);
+    });
+  for (std::thread& th : pool) th.join();
+}
+
+void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
+  const auto start = std::chrono::steady_clock::now();
+  const SwitchEntry& sw = *plan.sw;
+  auto status = [&](const std::string& s) {
+    if (options.progress) options.progress(index, s);
+  };
+  std::vector<SetOutcome> outcomes;
+  {
+    std::lock_guard<std::mutex> lock(g_collectMutex);
+    g_collectors[sw.target.ip] = &outcomes;
+  }
+  size_t total = 0, sent = 0;
+  for (const PlanItem& i : plan.items)
+    total += (i.change == Change::kCreate || i.change == Change::kDelete) ? 1 : i.change == Change::kReplace ? 2 : 0;
+  auto tick = [&] { status("applying " + std::to_string(++sent) + "/" + std::to_string(total)); };
+
+  // Deletions first, rules before profiles, so no rule is ever left without its profile.
+  for (AclKind kind : {AclKind::kRules, AclKind::kProfiles})
+    for (PlanItem& i : plan.items) {
+      if (i.kind != kind || (i.change != Change::kDelete && i.change != Change::kReplace)) continue;
+      const std::string column = RowStatusColumnOid(*sw.model, i.owner, i.kind, i.type);
+      const bool ok = DeleteRow(sw.target, column, i.actual[0], kind == AclKind::kRules ? i.actual[1] : "",
+                                options.timeoutMs);
+      tick();
+      if (i.change == Change::kDelete) i.done = ok;
+      if (!ok && !outcomes.empty()) i.failure = "delete: " + Describe(outcomes.back());
+    }
+  // Then, per ACL kind, the profiles and the rules through the wizard's apply: one SET per
+  // record in the order Ethernet, IPv4, IPv6, packet content, and the closing request.
+  for (size_t o = 0; o < 2; ++o)
+    for (AclKind kind : {AclKind::kProfiles, AclKind::kRules}) {
+      std::array<AclRecordList, 4> lists;
+      std::array<std::vector<PlanItem*>, 4> owners;
+      for (PlanItem& i : plan.items)
+        if (OwnerIndex(i.owner) == o && i.kind == kind &&
+            (i.change == Change::kCreate || i.change == Change::kReplace) && i.failure.empty()) {
+          lists[static_cast<size_t>(i.type)].push_back(i.wanted);
+          owners[static_cast<size_t>(i.type)].push_back(&i);
+        }
+      size_t n = 0;
+      for (const auto& l : lists) n += l.size();
+      if (n == 0) continue;
+      AclApplyCallbacks cb;
+      cb.recordSent = [&](size_t, AclType type, size_t r, bool ok) {
+        PlanItem& i = *owners[static_cast<size_t>(type)][r];
+        i.done = ok;
+        if (!ok && !outcomes.empty()) i.failure = "create: " + Describe(outcomes.back());
+        if (!ok && outcomes.empty()) i.failure = "create: not sent";
+        tick();
+      };
+      const size_t before = outcomes.size();
+      (kind == AclKind::kProfiles ? ApplyProfiles : ApplyRules)({sw.target}, OwnerAt(o), lists, cb, options.timeoutMs);
+      for (size_t k = before; k < outcomes.size(); ++k)
+        if (outcomes[k].op == AclWriteOp::kClose && !(outcomes[k].result.responded && outcomes[k].result.errorStatus == 0))
+          plan.failure = "closing request: " + Describe(outcomes[k]);
+    }
+  {
+    std::lock_guard<std::mutex> lock(g_collectMutex);
+    g_collectors.erase(sw.target.ip);
+  }
+  // Read back what changed and compare it cell by cell.
+  if (total > 0) {
+    status("verifying");
+    std::array<bool, 2> owners{};
+    for (const PlanItem& i : plan.items) owners[OwnerIndex(i.owner)] = true;
+    const SwitchHoldings after = ReadSwitch(sw, owners, options.timeoutMs);
+    for (PlanItem& i : plan.items) {
+      if (i.change == Change::kUnchanged || i.change == Change::kKept || !i.done) continue;
+      const AclHoldings& h = after.acls[OwnerIndex(i.owner)];
+      const AclRecord& key = i.change == Change::kDelete ? i.actual : i.wanted;
+      const AclRecord* found = nullptr;
+      for (AclType t : kTypes)
+        for (const AclRecord& r : (i.kind == AclKind::kProfiles ? h.profiles : h.rules)[static_cast<size_t>(t)])
+          if (!r.empty() && r[0] == key[0] && (i.kind == AclKind::kProfiles || (r.size() > 1 && r[1] == key[1])))
+            found = &r;
+      if (!after.reached) {
+        i.failure = "read-back: no answer";
+      } else if (i.change == Change::kDelete) {
+        i.verified = found == nullptr;
+        if (!i.verified) i.failure = "read-back: still on the switch";
+      } else if (found == nullptr) {
+        i.failure = "read-back: not on the switch";
+      } else if (auto table = TableOf(sw, i)) {
+        const auto cells = DiffRecordCells(*sw.model, *table, i.wanted, *found);
+        i.verified = cells.empty();
+        if (!i.verified) i.failure = "read-back: cell " + std::to_string(cells.front()) + " reads \"" +
+                                     (cells.front() < found->size() ? (*found)[cells.front()] : "") + "\"";
+      }
+    }
+  }
+  plan.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  status(plan.failure.empty() ? "done" : "failed");
+}

@@ -1,0 +1,81 @@
+// Reading switches, planning the changes a desired state asks for, and carrying them out on
+// many switches at once: on each switch the wizard's write order and closing requests (the
+// core's ApplyProfiles / ApplyRules), then every change read back and compared cell by cell.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "acl/acl_audit.h"
+#include "cli/desired_state.h"
+
+enum class StateMode { kMerged, kReplaced, kOverridden };
+
+enum class Change {
+  kCreate,     // +   not on the switch
+  kDelete,     // -   on the switch, not wanted
+  kReplace,    // -/+ on the switch but different: deleted and created again
+  kUnchanged,  // =   the switch holds it as the file says
+  kKept,       // ~   different, but --state merged leaves what exists alone
+};
+
+struct PlanItem {
+  Change change = Change::kCreate;
+  AclOwner owner = AclOwner::kAcl;
+  AclKind kind = AclKind::kProfiles;
+  AclType type = AclType::kEthernet;
+  AclRecord wanted;       // create, replace, unchanged, kept
+  AclRecord actual;       // delete, replace, unchanged, kept
+  std::string protocol;   // IPv4: the protocol of the rule's profile, for naming its fields
+  std::vector<size_t> differing;  // replace, kept: the cells that differ
+  std::string note;       // e.g. "goes with profile 5"
+  // Filled by Apply.
+  bool done = false;
+  bool verified = false;
+  std::string failure;    // the switch's answer when it refused
+};
+
+struct SwitchPlan {
+  const SwitchEntry* sw = nullptr;
+  SwitchHoldings before;
+  std::vector<PlanItem> items;
+  std::string failure;    // the switch as a whole (no answer, closing request refused)
+  double seconds = 0;
+  size_t count(Change c) const;
+  bool pending() const;   // anything to create or delete
+};
+
+struct RunOptions {
+  unsigned long timeoutMs = kSnmpTimeoutMs;
+  int parallel = 10;
+  // Per switch, from its worker thread: a short status ("reading", "applying 3/20", "done").
+  std::function<void(size_t index, const std::string& status)> progress;
+};
+
+// Whether the switch answers at all (one GetNext into its ACL MIB).
+bool SwitchAnswers(const AclTarget& target, unsigned long timeoutMs);
+// Reads the owners asked for (both when `owners` is {true, true}).
+SwitchHoldings ReadSwitch(const SwitchEntry& sw, std::array<bool, 2> owners, unsigned long timeoutMs);
+
+// The plan of one switch for a desired state.
+void PlanSwitch(const DesiredSwitch& desired, StateMode mode, SwitchPlan& plan);
+// The plan of a deletion: profiles (with their rules) or rules by key.
+struct DeleteTarget {
+  AclOwner owner = AclOwner::kAcl;
+  std::string profileId, accessId;  // accessId "" for a profile
+};
+void PlanDeletion(const std::vector<DeleteTarget>& targets, SwitchPlan& plan);
+
+// Runs `work` for every index in up to `parallel` threads.
+void ForEachParallel(size_t count, int parallel, const std::function<void(size_t)>& work);
+
+// Hands every SET's outcome to the switch's ApplySwitch (install it as, or inside, the
+// process-wide write observer while switches are applied).
+void CollectSetOutcome(const AclWriteEvent& event);
+
+// Carries out one switch's plan and reads it back.
+void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index);
+
+// The table a record lives in on the switch's model.
+std::optional<AclTableLayout> TableOf(const SwitchEntry& sw, const PlanItem& item);
