@@ -333,7 +333,8 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
       ->required()
       ->envname("SENTREL_INVENTORY");
   app.add_option("-l,--limit", s.c.limit, "Only these switches or groups (repeat, or comma-separated)")
-      ->delimiter(',');
+      ->delimiter(',')
+      ->allow_extra_args(false);
   app.add_option("-t,--timeout", s.c.timeoutMs, "Wait this many ms for each answer")->check(CLI::Range(100, 60000));
   app.add_option("-p,--parallel", s.c.parallel, "Work on up to N switches at a time")->check(CLI::Range(1, 256));
   app.footer(std::string("\n") + kExitText +
