@@ -145,7 +145,9 @@ struct Session {
     if (progress && terminal) p = std::make_unique<Progress>(err, plans, true, false);
     ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
       if (p) p->Update(i, "reading");
+      const auto start = std::chrono::steady_clock::now();
       plans[i].before = ReadSwitch(*plans[i].sw, owners[i], c.timeoutMs);
+      plans[i].seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
       if (!plans[i].before.reached) plans[i].failure = "no answer within " + std::to_string(c.timeoutMs) + " ms";
       if (p) p->Update(i, plans[i].before.reached ? "read" : "no answer");
     });

@@ -335,6 +335,6 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
       }
     }
   }
-  plan.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  plan.seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   status(plan.failure.empty() ? "done" : "failed");
 }
