@@ -495,7 +495,8 @@ std::string FieldsSummary(const Json& fields) {
     if (!out.empty()) out += ", ";
     out += item.key();
     if (v.is_boolean()) continue;
-    out += "=" + (v.is_string() ? v.get<std::string>() : v.dump());
+    out += '=';
+    out += v.is_string() ? v.get<std::string>() : v.dump();
   }
   return out;
 }
