@@ -23,6 +23,7 @@ void Apply(AclKind kind, const std::vector<AclTarget>& targets, AclOwner owner,
     const AclTarget& target = targets[i];
     const long long d = static_cast<long long>(i) + 1;
     bool deviceOk = true;
+    // The model once per target: every record of it goes through the same tables.
     const ModelEntry* model = LookupSupportedModel(target.typeText);
     SnmpSetResult closing;
     if (model == nullptr) {
@@ -35,12 +36,12 @@ void Apply(AclKind kind, const std::vector<AclTarget>& targets, AclOwner owner,
         const AclRecordList& list = lists[static_cast<size_t>(type)];
         for (size_t r = 0; r < list.size(); ++r) {
           if (cb.progress) cb.progress(ApplyProgress(static_cast<long long>(r) + 1, d, total, n));
-          bool ok = SetRecord(target, *table, list[r], timeoutMs);
+          bool ok = SetRecord(target, *model, *table, list[r], timeoutMs);
           if (!ok) deviceOk = false;  // the apply goes on with the next record, no retry
           if (cb.recordSent) cb.recordSent(i, type, r, ok);
         }
       }
-      if (deviceOk) closing = SendClosingRequest(target, owner, kind, timeoutMs);
+      if (deviceOk) closing = SendClosingRequest(target, *model, owner, kind, timeoutMs);
     }
     if (cb.result) cb.result(i, ApplyResultWord(kind, owner, deviceOk, closing));
   }
@@ -66,7 +67,6 @@ void ReadTable(const AclTarget& target, const ModelEntry& model, const AclTableL
   const AclType type = table.record.type;
   SnmpWalk(target.ip, target.readCommunity, columns,
            [&](const SnmpRow& row) {
-             if (Stopped(options)) return;
              AclRecord record(cells);
              // Rows with fewer varbinds than columns leave the missing cells empty.
              for (size_t i = 0; i < row.bindings.size() && i < cellOf.size(); ++i)
@@ -77,7 +77,7 @@ void ReadTable(const AclTarget& target, const ModelEntry& model, const AclTableL
              out.lines.push_back(line);
              if (options.sink) options.sink(type, record, line);
            },
-           options.timeoutMs);
+           options.timeoutMs, options.stop);
 }
 
 AclReadResult ReadProfiles(const AclTarget& target, AclOwner owner, const AclReadOptions& options) {
@@ -133,6 +133,7 @@ std::vector<SnmpBinding> RecordBindings(const ModelEntry& model, const AclTableL
   for (size_t k = 0; k < table.columns.size(); ++k) {
     if (table.columns[k] == 0 || table.leftOut[k]) continue;
     auto enc = EncodeCell(table.kinds[k], model, cell(k));
+    if (!enc && table.kinds[k] == CellKind::kFlag) return {};  // never half a profile
     if (!enc) continue;
     out.push_back(SnmpBinding{InstanceOid(table.columnOid(k), profileId, accessId), enc->type,
                               std::move(enc->value), enc->raw});
@@ -143,8 +144,12 @@ std::vector<SnmpBinding> RecordBindings(const ModelEntry& model, const AclTableL
 bool SetRecord(const AclTarget& target, const AclTableLayout& table, const AclRecord& record,
                unsigned long timeoutMs) {
   const ModelEntry* model = LookupSupportedModel(target.typeText);
-  if (model == nullptr) return false;
-  std::vector<SnmpBinding> bindings = RecordBindings(*model, table, record);
+  return model != nullptr && SetRecord(target, *model, table, record, timeoutMs);
+}
+
+bool SetRecord(const AclTarget& target, const ModelEntry& model, const AclTableLayout& table,
+               const AclRecord& record, unsigned long timeoutMs) {
+  std::vector<SnmpBinding> bindings = RecordBindings(model, table, record);
   if (bindings.empty()) return false;
   SnmpSetResult r = AuditedSnmpSet(target, AclWriteOp::kCreate, table.record.owner, table.record.kind,
                                    record[0], IsRule(table) ? std::string_view(record[1]) : "", bindings,
@@ -175,7 +180,12 @@ SnmpSetResult SendClosingRequest(const AclTarget& target, AclOwner owner, AclKin
                                  unsigned long timeoutMs) {
   const ModelEntry* model = LookupSupportedModel(target.typeText);
   if (model == nullptr) return SnmpSetResult{};
-  auto closing = model->closingRequest(owner, kind);
+  return SendClosingRequest(target, *model, owner, kind, timeoutMs);
+}
+
+SnmpSetResult SendClosingRequest(const AclTarget& target, const ModelEntry& model, AclOwner owner,
+                                 AclKind kind, unsigned long timeoutMs) {
+  auto closing = model.closingRequest(owner, kind);
   if (!closing || closing->oid == nullptr) return SnmpSetResult{};
   return AuditedSnmpSet(target, AclWriteOp::kClose, owner, kind, "", "",
                         {SnmpBinding::Integer(closing->oid, closing->value)}, timeoutMs);

@@ -65,7 +65,7 @@ std::vector<int> FreeProfileIds(const AclReadResult& profiles, int count);
 
 // The bindings that SetRecord sends for a record (instance suffix, left-out cells, encodings).
 // Empty when the record cannot be sent: its profile ID (and Access ID for rules) is not a
-// decimal number, so bad input never reaches a switch.
+// decimal number, or a profile flag is empty, so bad input never reaches a switch.
 std::vector<SnmpBinding> RecordBindings(const ModelEntry& model, const AclTableLayout& table,
                                         const AclRecord& record);
 
@@ -73,6 +73,9 @@ std::vector<SnmpBinding> RecordBindings(const ModelEntry& model, const AclTableL
 // error status 0. A record that cannot be sent (see RecordBindings) returns false unsent.
 bool SetRecord(const AclTarget& target, const AclTableLayout& table, const AclRecord& record,
                unsigned long timeoutMs = kSnmpTimeoutMs);
+// The same for a target whose model the caller has already looked up (the apply, once per target).
+bool SetRecord(const AclTarget& target, const ModelEntry& model, const AclTableLayout& table,
+               const AclRecord& record, unsigned long timeoutMs = kSnmpTimeoutMs);
 
 // One SET of INTEGER 6 to the row-status column + ".profileId" (+ ".accessId" for rules).
 // Refused unsent (false) when the IDs are not decimal numbers (a delete without a selected
@@ -87,6 +90,8 @@ std::string RowStatusColumnOid(const ModelEntry& model, AclOwner owner, AclKind 
 // rows only after it.
 SnmpSetResult SendClosingRequest(const AclTarget& target, AclOwner owner, AclKind kind,
                                  unsigned long timeoutMs = kSnmpTimeoutMs);
+SnmpSetResult SendClosingRequest(const AclTarget& target, const ModelEntry& model, AclOwner owner,
+                                 AclKind kind, unsigned long timeoutMs = kSnmpTimeoutMs);
 
 // The result word of a target by confirmation page, owner and outcome.
 // `deviceOk` false gives "Fail" (no closing request was sent); otherwise the closing answer

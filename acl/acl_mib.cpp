@@ -13,15 +13,15 @@ std::vector<CellKind> CellKinds(const AclRecordKind& r) {
   if (r.kind == AclKind::kProfiles) {
     switch (r.type) {
       case AclType::kEthernet:
-        return {K::kIndex, K::kInteger, K::kInteger, K::kMac, K::kMac, K::kInteger, K::kInteger,
+        return {K::kIndex, K::kFlag, K::kFlag, K::kMac, K::kMac, K::kFlag, K::kFlag,
                 K::kRowStatus, K::kOwner, K::kReadOnly};
-      case AclType::kIPv4:
-        return {K::kIndex,   K::kInteger,    K::kInteger,    K::kIpMask,   K::kIpMask,    K::kInteger,
-                K::kInteger, K::kInteger,    K::kInteger,    K::kInteger,  K::kInteger,   K::kHex2Always,
-                K::kHex2Always, K::kInteger, K::kInteger,    K::kInteger,  K::kInteger,   K::kProtoMask,
-                K::kRowStatus, K::kOwner,    K::kReadOnly,   K::kReadOnly};
+      case AclType::kIPv4:  // 16 "ProtolID" is the one INTEGER given only with its protocol
+        return {K::kIndex,      K::kFlag,    K::kFlag,    K::kIpMask,   K::kIpMask,    K::kFlag,
+                K::kFlag,       K::kFlag,    K::kFlag,    K::kFlag,     K::kFlag,      K::kHex2Always,
+                K::kHex2Always, K::kFlag,    K::kFlag,    K::kFlag,     K::kInteger,   K::kProtoMask,
+                K::kRowStatus,  K::kOwner,   K::kReadOnly, K::kReadOnly};
       case AclType::kIPv6:
-        return {K::kIndex, K::kInteger, K::kInteger, K::kInteger, K::kHex16Always, K::kHex16Always,
+        return {K::kIndex, K::kFlag, K::kFlag, K::kFlag, K::kHex16Always, K::kHex16Always,
                 K::kRowStatus, K::kOwner, K::kReadOnly};
       case AclType::kPacketContent:
         if (r.shape == PacketShape::kChunks4) {
@@ -401,6 +401,9 @@ std::optional<EncodedCell> EncodeCell(CellKind kind, const ModelEntry& model, st
     case K::kReadOnly: return std::nullopt;
     case K::kInteger:
       if (empty) return std::nullopt;
+      return Int(text);
+    case K::kFlag:
+      if (empty) return std::nullopt;  // RecordBindings refuses the record
       return Int(text);
     case K::kAlways: return Int(text);
     case K::kRowStatus: return EncodedCell{kSnmpInteger, kRowStatusCreate, false};

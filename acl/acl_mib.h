@@ -19,6 +19,8 @@ inline constexpr const char* kAclMibPrefix = "1.3.6.1.4.1.32473.12.9";
 enum class CellKind {
   kIndex,         // profile ID / Access ID: only in the instance, never sent; walked
   kInteger,       // INTEGER from decimal text, sent only when not empty
+  kFlag,          // profile flag, state or option: INTEGER, always sent (the pages always fill
+                  // it; a row created without it would keep the switch's own default)
   kAlways,        // action: INTEGER, always sent
   kRowStatus,     // row status: INTEGER "4", always sent
   kText,          // VLAN name: OCTET STRING text, only when not empty

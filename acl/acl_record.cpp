@@ -29,13 +29,13 @@ bool OptionalInRange(std::string_view text, long min, long max) {
   return CheckRange(text, min, max) != RangeCheck::kOutOfRange;
 }
 
-const char* CheckAccessIdField(const ModelEntry& model, AclOwner owner, AclType type,
-                               std::string_view text) {
-  if (text.empty()) return "Access ID  can not null!";
+AclMessage CheckAccessIdField(const ModelEntry& model, AclOwner owner, AclType type,
+                              std::string_view text) {
+  if (text.empty()) return AclMessage::kAccessIdNull;
   if (text.size() > kMaxDecimalText ||
       CheckAccessId(model, owner, type, text) == RangeCheck::kOutOfRange)
-    return "Access ID range is error";
-  return nullptr;
+    return AclMessage::kAccessIdRange;
+  return AclMessage::kNone;
 }
 
 // Rx Rate empty, or in the model's range (0 also on TVR4060). The CPU ACL has no Rx Rate,
@@ -210,84 +210,76 @@ bool ValidatePortList(std::string_view s, int portCount) {
   return true;
 }
 
-const char* ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
-                         const RuleFields& f) {
+AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model, const RuleFields& f) {
+  using M = AclMessage;
   const int ports = model.portCount;
-  constexpr const char* kPortError = "Port  is error!";
-  constexpr const char* kPriority = "Priority value range is 0 to 7";
-  constexpr const char* kRx = "Rxrate range is not error";
-  constexpr const char* kDscp = "Dscp value range is 0 to 63";
-  constexpr const char* kTos = "Replace ToS Precedence value range is 0 to 7";
-  constexpr const char* kMac = "Invalid MAC Address !";
-  const char* m = nullptr;
+  AclMessage m = M::kNone;
   switch (ruleType) {
     case AclType::kEthernet:
-      if (!OptionalInRange(f.p8021, 0, 7)) return "8021p value range is 0 to 7";
-      if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId))) return m;
-      if (!f.srcMac.empty() && !ValidateMac(f.srcMac)) return kMac;
-      if (!OptionalInRange(f.priority, 0, 7)) return kPriority;
-      if (!RxRateOk(model, owner, f.rxRate)) return kRx;
-      if (!f.dstMac.empty() && !ValidateMac(f.dstMac)) return kMac;
+      if (!OptionalInRange(f.p8021, 0, 7)) return {M::k8021pRange};
+      if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId)) != M::kNone) return {m};
+      if (!f.srcMac.empty() && !ValidateMac(f.srcMac)) return {M::kInvalidMac};
+      if (!OptionalInRange(f.priority, 0, 7)) return {M::kPriorityRange};
+      if (!RxRateOk(model, owner, f.rxRate)) return {M::kRxRateRange};
+      if (!f.dstMac.empty() && !ValidateMac(f.dstMac)) return {M::kInvalidMac};
       // An Ethertype holds 4 hex digits (2 bytes on the wire).
       if (!f.ethertype.empty() && (!ValidateHex(f.ethertype) || TrimUpper(f.ethertype).size() > 4))
-        return "Invalid Ethertype value!";
-      if (!ValidatePortList(f.ports, ports)) return kPortError;
-      if (!OptionalInRange(f.replaceDscp, 0, 63)) return kDscp;
-      if (!OptionalInRange(f.replaceTos, 0, 7)) return kTos;
-      if (f.ports.empty()) return kPortError;  // checked again before the record is added
-      return nullptr;
+        return {M::kInvalidEthertype};
+      if (!ValidatePortList(f.ports, ports)) return {M::kPortError};
+      if (!OptionalInRange(f.replaceDscp, 0, 63)) return {M::kDscpRange};
+      if (!OptionalInRange(f.replaceTos, 0, 7)) return {M::kReplaceTosRange};
+      if (f.ports.empty()) return {M::kPortError};  // checked again before the record is added
+      return {};
     case AclType::kIPv4: {
-      if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId))) return m;
-      if (!OptionalInRange(f.priority, 0, 7)) return kPriority;
-      if (!RxRateOk(model, owner, f.rxRate)) return kRx;
-      if (!OptionalInRange(f.replaceDscp, 0, 63)) return "Replace Dscp value range is 0 to 63";
-      if (!ValidatePortList(f.ports, ports)) return kPortError;
-      if (!OptionalInRange(f.dscp, 0, 63)) return kDscp;
-      if (!OptionalInRange(f.replaceTos, 0, 7)) return kTos;
+      if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId)) != M::kNone) return {m};
+      if (!OptionalInRange(f.priority, 0, 7)) return {M::kPriorityRange};
+      if (!RxRateOk(model, owner, f.rxRate)) return {M::kRxRateRange};
+      if (!OptionalInRange(f.replaceDscp, 0, 63)) return {M::kReplaceDscpRange};
+      if (!ValidatePortList(f.ports, ports)) return {M::kPortError};
+      if (!OptionalInRange(f.dscp, 0, 63)) return {M::kDscpRange};
+      if (!OptionalInRange(f.replaceTos, 0, 7)) return {M::kReplaceTosRange};
       const std::string& p = f.protocol;
       const bool tcpUdp = p == "4" || p == "5";
       const bool byte = p == "2" || p == "3" || p == "6";
-      constexpr const char* k255 = "value is 0 to 255";
-      constexpr const char* k65535 = "value is 0 to 65535";
       if (!f.value1.empty()) {
-        if (byte && !OptionalInRange(f.value1, 0, 255)) return k255;
-        if (tcpUdp && !OptionalInRange(f.value1, 0, 65535)) return k65535;
+        if (byte && !OptionalInRange(f.value1, 0, 255)) return {M::kValue255};
+        if (tcpUdp && !OptionalInRange(f.value1, 0, 65535)) return {M::kValue65535};
       }
       if (!f.value2.empty()) {
         // The user mask holds 8 hex digits (4 bytes on the wire).
         if (p == "6" && (!ValidateHex(f.value2) || TrimUpper(f.value2).size() > 8))
-          return "User Mask  is error!";
+          return {M::kUserMaskError};
         if ((p == "2" || p == "3") && (!ValidateDigits(f.value2) || !OptionalInRange(f.value2, 0, 255)))
-          return k255;
-        if (tcpUdp && (!ValidateDigits(f.value2) || !OptionalInRange(f.value2, 0, 65535))) return k65535;
+          return {M::kValue255};
+        if (tcpUdp && (!ValidateDigits(f.value2) || !OptionalInRange(f.value2, 0, 65535))) return {M::kValue65535};
       }
-      if (f.accessId.empty() || f.ports.empty()) return "Access ID  can not null!";
-      return nullptr;
+      if (f.accessId.empty() || f.ports.empty()) return {M::kAccessIdNull};
+      return {};
     }
     case AclType::kIPv6:
-      if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId))) return m;
-      if (!OptionalInRange(f.ipv6Class, 0, 255)) return "Class value is 0 to 255!";
-      if (!OptionalInRange(f.priority, 0, 7)) return kPriority;
-      if (!RxRateOk(model, owner, f.rxRate)) return kRx;
+      if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId)) != M::kNone) return {m};
+      if (!OptionalInRange(f.ipv6Class, 0, 255)) return {M::kClassRange};
+      if (!OptionalInRange(f.priority, 0, 7)) return {M::kPriorityRange};
+      if (!RxRateOk(model, owner, f.rxRate)) return {M::kRxRateRange};
       // A flow label holds 8 hex digits (4 bytes on the wire).
       if (!f.flowLabel.empty() && (!ValidateHex(f.flowLabel) || TrimUpper(f.flowLabel).size() > 8))
-        return "Invalid Flowlabel value!";
-      if (!ValidatePortList(f.ports, ports)) return kPortError;
-      if (!OptionalInRange(f.replaceDscp, 0, 63)) return kDscp;
-      if (!OptionalInRange(f.replaceTos, 0, 7)) return kTos;
-      if (f.ports.empty() || f.accessId.empty() || f.action.empty()) return "Port can not null!";
-      return nullptr;
+        return {M::kInvalidFlowLabel};
+      if (!ValidatePortList(f.ports, ports)) return {M::kPortError};
+      if (!OptionalInRange(f.replaceDscp, 0, 63)) return {M::kDscpRange};
+      if (!OptionalInRange(f.replaceTos, 0, 7)) return {M::kReplaceTosRange};
+      if (f.ports.empty() || f.accessId.empty() || f.action.empty()) return {M::kPortNull};
+      return {};
     case AclType::kPacketContent:
-      if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId))) return m;
-      if (!OptionalInRange(f.priority, 0, 7)) return kPriority;
-      if (!RxRateOk(model, owner, f.rxRate)) return kRx;
-      if (!ValidatePortList(f.ports, ports)) return kPortError;
-      if (!OptionalInRange(f.replaceDscp, 0, 63)) return kDscp;
-      if (!OptionalInRange(f.replaceTos, 0, 7)) return kTos;
-      if (f.ports.empty() || f.accessId.empty() || f.action.empty()) return "Port can not null!";
-      return nullptr;
+      if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId)) != M::kNone) return {m};
+      if (!OptionalInRange(f.priority, 0, 7)) return {M::kPriorityRange};
+      if (!RxRateOk(model, owner, f.rxRate)) return {M::kRxRateRange};
+      if (!ValidatePortList(f.ports, ports)) return {M::kPortError};
+      if (!OptionalInRange(f.replaceDscp, 0, 63)) return {M::kDscpRange};
+      if (!OptionalInRange(f.replaceTos, 0, 7)) return {M::kReplaceTosRange};
+      if (f.ports.empty() || f.accessId.empty() || f.action.empty()) return {M::kPortNull};
+      return {};
   }
-  return nullptr;
+  return {};
 }
 
 AclRecord BuildRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
@@ -399,13 +391,12 @@ AclRecord BuildRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
   return {};
 }
 
-const char* ValidateProfile(AclType type, const ProfileFields& f) {
+AclCheck ValidateProfile(AclType type, const ProfileFields& f) {
   // Each checked MAC mask must pass the MAC check.
-  if (type == AclType::kEthernet) {
-    if (f.srcMacChecked && !ValidateMac(f.srcMac)) return "Invalid MAC Address !";
-    if (f.dstMacChecked && !ValidateMac(f.dstMac)) return "Invalid MAC Address !";
-  }
-  return nullptr;
+  if (type == AclType::kEthernet && ((f.srcMacChecked && !ValidateMac(f.srcMac)) ||
+                                     (f.dstMacChecked && !ValidateMac(f.dstMac))))
+    return {AclMessage::kInvalidMac};
+  return {};
 }
 
 AclRecord BuildProfile(AclType type, AclOwner owner, const ModelEntry& model,
@@ -424,9 +415,17 @@ AclRecord BuildProfile(AclType type, AclOwner owner, const ModelEntry& model,
       r[3] = f.srcIpChecked ? f.srcIp : "0.0.0.0";
       r[4] = f.dstIpChecked ? f.dstIp : "0.0.0.0";
       r[5] = Flag(f.dscp);
-      r[6] = "1";
-      // Part 5.2: only the shown protocol group fills its cells; the other protocols' options
-      // stay empty (Part 4.1).
+      // Every option is an INTEGER column that the switch keeps from row creation on, so each
+      // goes out with its "none" code unless the shown protocol group sets it: a row created
+      // without them would hold whatever the switch's firmware defaults to.
+      r[6] = "1";   // UseProtoType: none
+      r[7] = "1";   // IcmpOption: none
+      r[8] = "2";   // IgmpOption: no type
+      r[9] = "1";   // TcpOption: no port mask
+      r[10] = "1";  // UdpOption: no port mask
+      r[13] = "2";  // TCPFlagBit: no
+      r[14] = "0";  // TCPFlagBitMask
+      r[15] = "2";  // ProtolIDOption: no
       auto portOption = [&] {
         bool s = !f.srcPortMask.empty(), d = !f.dstPortMask.empty();
         return std::string(s && d ? "4" : s ? "3" : d ? "2" : "1");

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "acl/acl_messages.h"
 #include "snmp/model_catalogue.h"
 
 // A profile or rule: text cells in the fixed column order of its kind. An empty cell
@@ -105,10 +106,9 @@ struct RuleFields {
 };
 
 // `ValidateRule`: the checks of the rule type in their order, then the checks made
-// before a record is added (empty Access ID / ports). Returns nullptr on success or the first
-// failing message, exactly as the dialog shows it.
-const char* ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
-                         const RuleFields& fields);
+// before a record is added (empty Access ID / ports). Returns the first failing message.
+AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
+                      const RuleFields& fields);
 
 // Builds the rule record in its cell order for the model and owner, as the rule dialogs do: MACs upper-cased and trimmed, an empty MAC stored as kOmittedMac,
 // priority flags "1"/"2", row status "4".
@@ -148,8 +148,8 @@ struct ProfileFields {
   std::array<Item, 5> items{};
 };
 
-// "Invalid MAC Address !" when a checked MAC mask is not 12 hex digits, else nullptr.
-const char* ValidateProfile(AclType type, const ProfileFields& fields);
+// kInvalidMac when a checked MAC mask is not 12 hex digits.
+AclCheck ValidateProfile(AclType type, const ProfileFields& fields);
 
 // Builds the profile record in its cell order, as the definition pages do.
 // The owner cell holds the owner code ("1" / "2"), except on TVR4512 with the ordinary ACL,

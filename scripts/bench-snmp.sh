@@ -1,7 +1,7 @@
 #!/bin/bash
 # Benchmark of the SNMP layer (issue 3), one command: builds the optimised `bench` tree, starts
 # net-snmp's snmpd on 127.0.7.1:161 and sentrel-sim on 127.0.7.2 (a 10,000-row column) and
-# 127.0.7.3 (a replay of snmpd's own walk), runs build/bench/tests/bench/snmp/snmp_bench, and
+# 127.0.7.3 (a replay of snmpd's own walk), runs build/bench/bench/snmp/snmp_bench, and
 # stops both. Needs root (UDP 161). Usage: scripts/bench-snmp.sh [RUNS]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -40,4 +40,4 @@ build/bench/sim/sentrel-sim --quiet --fleet "$work/fleet.txt" > "$work/sim.log" 
 sim_pid=$!
 for _ in $(seq 50); do grep -q ready "$work/sim.log" && break; sleep 0.1; done
 
-build/bench/tests/bench/snmp/snmp_bench 127.0.7.1 127.0.7.2 127.0.7.3 "$column" .1.3.6.1.2.1 "$runs"
+build/bench/bench/snmp/snmp_bench 127.0.7.1 127.0.7.2 127.0.7.3 "$column" .1.3.6.1.2.1 "$runs"

@@ -30,7 +30,8 @@ void Usage() {
       "                   [--port N] [--dump FILE] [--quiet] [--list-models]\n"
       "Serves each switch on ADDRESS (a 127.x.y.z address) on UDP 161, or --port N.\n"
       "Every SET is logged to stdout (unless --quiet). SIGUSR1 writes the state of all switches\n"
-      "in `snmpwalk -v1 -On` form to the --dump file (stdout without one); SIGINT/SIGTERM\n"
+      "in `snmpwalk -v1 -On` form to the --dump file (stdout without one), with a \"# row\" line\n"
+      "per created row naming the columns written and any required ones missing; SIGINT/SIGTERM\n"
       "write it once more and stop. Fleet file format and options: see README.md.\n");
 }
 
@@ -39,6 +40,8 @@ void WriteDump(const std::vector<sim::Switch>& switches, const std::string& path
   for (const sim::Switch& s : switches) {
     text += "# switch " + s.config().address + " " + s.config().model + "\n";
     for (const auto& [oid, value] : s.store()) text += sim::FormatWalkLine(snmp::VarBind{oid, value}) + "\n";
+    // Which columns the client wrote to each row, so a column left at the switch's default shows.
+    for (const std::string& line : s.WrittenReport()) text += "# row " + line + "\n";
   }
   if (path.empty()) {
     std::fwrite(text.data(), 1, text.size(), stdout);

@@ -138,6 +138,8 @@ ScalarDef Closing(const char* oid) {
 //   sN         text of at most N bytes (default "") hN     OCTET STRING of 0..N bytes
 //   ports      port bitmap of the model's length    own    owner (read-only: 1 or 2)
 //   ro         read-only INTEGER (unused rule entries, 128)
+// A "!" after the type marks a column that a creating request must carry (so do every action
+// and port bitmap): the profile's flags, states and options, masks and MACs.
 
 struct TableText {
   const char* name;
@@ -160,6 +162,8 @@ TableDef Table(const TableText& text, size_t portBytes, int64_t owner) {
     uint32_t number = static_cast<uint32_t>(std::stoul(std::string(item.substr(0, c1))));
     std::string name(item.substr(c1 + 1, c2 - c1 - 1));
     std::string_view type = item.substr(c2 + 1);
+    const bool required = !type.empty() && type.back() == '!';
+    if (required) type.remove_suffix(1);
     auto n = [&] { return static_cast<size_t>(std::stoul(std::string(type.substr(1)))); };
     ColumnDef c;
     if (type == "idx0") c = IndexColumn(number, name, 0);
@@ -180,6 +184,7 @@ TableDef Table(const TableText& text, size_t portBytes, int64_t owner) {
       std::fprintf(stderr, "sim: bad column type in %s\n", text.name);
       std::abort();
     }
+    c.required = required || type == "act" || type == "ports";
     t.columns.push_back(std::move(c));
   }
   std::sort(t.columns.begin(), t.columns.end(),
@@ -192,18 +197,18 @@ TableDef Table(const TableText& text, size_t portBytes, int64_t owner) {
 
 // Ordinary ACL profiles.
 constexpr const char* kEthProfile =
-    "1:ProfileID:idx0 2:UseVLAN:flag 3:MacAddrMaskState:state 4:SrcMacAddrMask:b6 "
-    "5:DstMacAddrMask:b6 6:Use802.1P:flag 7:EthernetType:flag 8:EthernetRowStatus:rs";
+    "1:ProfileID:idx0 2:UseVLAN:flag! 3:MacAddrMaskState:state! 4:SrcMacAddrMask:b6! "
+    "5:DstMacAddrMask:b6! 6:Use802.1P:flag! 7:EthernetType:flag! 8:EthernetRowStatus:rs";
 constexpr const char* kEthProfileRead = " 9:EthernetOwner:own 10:EthernetUnusedRuleEntries:ro";
 constexpr const char* kIpv4ProfileHead =
-    "1:ProfileID:idx0 2:UseVLAN:flag 3:AddrMaskState:state 4:SrcIPAddrMask:ip 5:DstIPAddrMask:ip "
-    "6:UseDSCP:flag 7:UseProtoType:int 8:IcmpOption:int 9:IgmpOption:int 10:TcpOption:int "
-    "11:UdpOption:int 12:TCPorUDPSrcPortMask:b2 13:TCPorUDPDstPortMask:b2 14:TCPFlagBit:int "
-    "15:TCPFlagBitMask:int 16:ProtolIDOption:int 17:ProtolID:int 19:RowStatus:rs";
+    "1:ProfileID:idx0 2:UseVLAN:flag! 3:AddrMaskState:state! 4:SrcIPAddrMask:ip! 5:DstIPAddrMask:ip! "
+    "6:UseDSCP:flag! 7:UseProtoType:int! 8:IcmpOption:int! 9:IgmpOption:int! 10:TcpOption:int! "
+    "11:UdpOption:int! 12:TCPorUDPSrcPortMask:b2! 13:TCPorUDPDstPortMask:b2! 14:TCPFlagBit:int! "
+    "15:TCPFlagBitMask:int! 16:ProtolIDOption:int! 17:ProtolID:int 19:RowStatus:rs";
 constexpr const char* kIpv4ProfileRead = " 20:Owner:own 21:UnusedRuleEntries:ro 22:Spare:ro";
 constexpr const char* kIpv6Profile =
-    "1:ProfileID:idx0 2:MaskClass:flag 3:MaskFlowlabel:flag 4:AddrMaskState:state "
-    "5:SrcIPv6Mask:b16 6:DstIPv6Mask:b16 7:RowStatus:rs";
+    "1:ProfileID:idx0 2:MaskClass:flag! 3:MaskFlowlabel:flag! 4:AddrMaskState:state! "
+    "5:SrcIPv6Mask:b16! 6:DstIPv6Mask:b16! 7:RowStatus:rs";
 constexpr const char* kBlock16Profile =
     "1:ProfileID:idx0 2:offset0to15:b16 3:offset16to31:b16 4:offset32to47:b16 5:offset48to63:b16 "
     "6:offset64to79:b16 7:RowStatus:rs";
@@ -213,7 +218,7 @@ constexpr const char* kChunks4Profile =
 
 // Ordinary ACL rules.
 constexpr const char* kEthRuleHead =
-    "1:ProfileID:idx0 2:AccessID:idx1 3:VLAN:s32 4:SrcMac:b6 5:DstMac:b6 6:802.1p:int "
+    "1:ProfileID:idx0 2:AccessID:idx1 3:VLAN:s32 4:SrcMac:b6! 5:DstMac:b6! 6:802.1p:int "
     "7:Ethertype:b2 8:PriorityFlag:flag 9:Priority:int 10:ReplaceDSCP:int 13:Action:act 14:Ports:ports";
 constexpr const char* kIpv4RuleMid =
     "4:SrcIp:ip 5:DstIp:ip 6:DSCP:int 7:Protocol:int 10:SrcPort:int 11:DstPort:int "
@@ -240,7 +245,7 @@ constexpr const char* kOffsetItemsRule =
 
 // CPU ACL.
 constexpr const char* kCpuEthRuleHead =
-    "1:ProfileID:idx0 2:AccessID:idx1 3:VLAN:s32 4:SrcMac:b6 5:DstMac:b6 6:802.1p:int "
+    "1:ProfileID:idx0 2:AccessID:idx1 3:VLAN:s32 4:SrcMac:b6! 5:DstMac:b6! 6:802.1p:int "
     "7:Ethertype:b2 8:Action:act";
 constexpr const char* kCpuIpv4RuleHead =
     "1:ProfileID:idx0 2:AccessID:idx1 3:VLAN:s32 4:SrcIp:ip 5:DstIp:ip 6:DSCP:int 7:Protocol:int "
@@ -279,7 +284,7 @@ MibDef BuildModel(const ModelShape& m) {
   auto add = [&](const char* name, const std::string& entry, const std::string& cols, int64_t owner) {
     d.tables.push_back(Table(TableText{name, entry.c_str(), cols.c_str()}, m.portBytes, owner));
   };
-  const std::string protoMask = " 18:ProtolIDMask:b" + std::to_string(m.protoMaskBytes);
+  const std::string protoMask = " 18:ProtolIDMask:b" + std::to_string(m.protoMaskBytes) + "!";
   const char* L = m.layout1 ? "1" : "2";  // profile branch
   const char* RL = m.layout1 ? "2" : "3";  // rule branch
   auto E = [&](const char* tail) { return std::string(L) + tail; };
@@ -331,8 +336,8 @@ MibDef BuildModel(const ModelShape& m) {
   if (m.cpuProfiles & 1)
     add("CpuEthernetProfile", "4.1.1",
         m.cpuEthNo8021p
-            ? "1:ProfileID:idx0 2:UseVLAN:flag 3:MacAddrMaskState:state 4:SrcMacAddrMask:b6 "
-              "5:DstMacAddrMask:b6 7:EthernetType:flag 8:EthernetRowStatus:rs"
+            ? "1:ProfileID:idx0 2:UseVLAN:flag! 3:MacAddrMaskState:state! 4:SrcMacAddrMask:b6! "
+              "5:DstMacAddrMask:b6! 7:EthernetType:flag! 8:EthernetRowStatus:rs"
             : kEthProfile,
         2);
   if (m.cpuProfiles & 2) add("CpuIpv4Profile", "4.2.1", Cat({kIpv4ProfileHead, protoMask.c_str()}), 2);

@@ -25,6 +25,8 @@ struct ColumnDef {
   bool rowStatus = false;            // RowStatus (SNMPv2-TC) column
   int indexPart = -1;                // >= 0: this column shows index part n (read-only)
   bool hasDefault = false;           // value given to a new row that does not set it
+  bool required = false;             // a creating request must carry it: the row's state is
+                                     // otherwise the switch's default, not what the user chose
   snmp::Value defaultValue;
 };
 

@@ -23,7 +23,7 @@ snmp::Value ZeroOf(const ColumnDef& c) {
 // SNMPv1 has no wrongType/wrongLength/wrongValue: all become badValue (RFC 2576 section 4.3).
 bool ValueFits(uint8_t type, int64_t minValue, int64_t maxValue, size_t minLen, size_t maxLen,
                const snmp::Value& v) {
-  if (v.tag != type) return false;
+  if (v.tag != type || v.undecoded) return false;
   switch (type) {
     case snmp::kTagInteger: return v.integer >= minValue && v.integer <= maxValue;
     case snmp::kTagOctetString: return v.bytes.size() >= minLen && v.bytes.size() <= maxLen;
@@ -92,6 +92,31 @@ bool Switch::Locate(const snmp::Oid& oid, Target& t) const {
     return true;
   }
   return false;
+}
+
+snmp::Oid Switch::RowKey(const TableDef& t, const snmp::Oid& index) { return Instance(t, 0, index); }
+
+std::vector<std::string> Switch::WrittenReport(bool incompleteOnly) const {
+  std::vector<std::string> out;
+  for (const auto& [key, columns] : written_) {
+    for (const TableDef& t : mib_->tables) {
+      const size_t n = t.entry.size();
+      if (key.size() <= n + 1 || !snmp::OidIsUnder(key, t.entry) || key[n] != 0) continue;
+      std::string wrote, missing;
+      for (uint32_t c : columns) wrote += (wrote.empty() ? "" : ",") + std::to_string(c);
+      for (const ColumnDef& c : t.columns)
+        if (c.required && !columns.count(c.number)) missing += (missing.empty() ? "" : ",") + c.name;
+      if (incompleteOnly && missing.empty()) continue;
+      out.push_back(RowText(t, key) + " wrote " + wrote + (missing.empty() ? "" : " missing " + missing));
+    }
+  }
+  return out;
+}
+
+std::string Switch::RowText(const TableDef& t, const snmp::Oid& key) {
+  std::string s = t.name;
+  for (size_t i = t.entry.size() + 1; i < key.size(); ++i) s += "." + std::to_string(key[i]);
+  return s;
 }
 
 bool Switch::RowExists(const TableDef& t, const snmp::Oid& index) const {
@@ -260,9 +285,12 @@ void Switch::HandleSet(snmp::Message& m, bool& drop) {
 
   // Phase 2: commit.
   for (RowOp& r : rows) {
+    const snmp::Oid key = RowKey(*r.table, r.index);
     if (r.status == 6) {
       for (const ColumnDef& c : r.table->columns) store_.erase(Instance(*r.table, c.number, r.index));
+      written_.erase(key);
     } else if (r.status == 4) {
+      written_[key].clear();
       for (const ColumnDef& c : r.table->columns) {
         snmp::Value v = c.indexPart >= 0 ? snmp::Value::Integer(r.index[static_cast<size_t>(c.indexPart)])
                         : c.rowStatus    ? snmp::Value::Integer(1)  // createAndGo -> active
@@ -273,6 +301,8 @@ void Switch::HandleSet(snmp::Message& m, bool& drop) {
   }
   for (size_t i = 0; i < m.pdu.varbinds.size(); ++i) {
     const Target& t = targets[i];
+    const bool destroyed = t.column && t.column->rowStatus && m.pdu.varbinds[i].value.integer == 6;
+    if (t.table && !destroyed) written_[RowKey(*t.table, t.index)].insert(t.column->number);
     if (t.column && t.column->rowStatus) {
       int st = static_cast<int>(m.pdu.varbinds[i].value.integer);
       if (st == 1 || st == 2) store_[m.pdu.varbinds[i].name] = snmp::Value::Integer(st);

@@ -65,6 +65,18 @@ class Switch {
 
   std::function<void(const SetEvent&)> onSet;  // called for every SET handled
 
+  // Which columns SETs wrote to each row since it was created, keyed by RowKey. A switch keeps
+  // what a creating request leaves out at its own defaults, so a client that forgets a column
+  // goes unnoticed in the store; this record shows it.
+  using Written = std::map<snmp::Oid, std::set<uint32_t>>;
+  const Written& written() const { return written_; }
+  // One line per row: "<table>.<index> wrote <column numbers>", followed by " missing
+  // <names>" when the row lacks a column its table requires at creation. With incompleteOnly,
+  // only those rows (empty when every row is complete).
+  std::vector<std::string> WrittenReport(bool incompleteOnly = false) const;
+  static snmp::Oid RowKey(const TableDef& t, const snmp::Oid& index);  // entry.0.index
+  static std::string RowText(const TableDef& t, const snmp::Oid& key);  // "<table>.<index>"
+
  private:
   Switch(SwitchConfig config, const MibDef* mib) : config_(std::move(config)), mib_(mib) {}
 
@@ -86,6 +98,7 @@ class Switch {
   const MibDef* mib_;
   Store store_;
   std::set<snmp::Oid> readOnly_;  // instances loaded from a dump outside any definition
+  Written written_;
   uint64_t setCount_ = 0;
 };
 

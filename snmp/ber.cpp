@@ -142,6 +142,10 @@ bool PutOidContent(std::string& out, const Oid& oid) {
 }
 
 bool PutValue(std::string& out, const Value& v) {
+  if (v.undecoded) {  // handed back exactly as it came
+    PutTlv(out, v.tag, v.bytes);
+    return true;
+  }
   std::string c;
   switch (v.tag) {
     case kTagInteger: PutSignedContent(c, v.integer); break;
@@ -320,17 +324,27 @@ DecodeError ReadValue(Reader& r, Value& v) {
   if (e != DecodeError::kOk) return e;
   v = Value{};
   v.tag = tag;
+  // A value this side cannot hold (a number too long, a type it does not know) is kept as its
+  // bytes: one odd value must not discard an answer whose error status says what happened.
+  auto keep = [&] {
+    v = Value{};
+    v.tag = tag;
+    v.undecoded = true;
+    v.bytes.assign(reinterpret_cast<const char*>(c.p), c.left());
+    return DecodeError::kOk;
+  };
   switch (tag) {
-    case kTagInteger: return SignedContent(c, v.integer);
+    case kTagInteger: return SignedContent(c, v.integer) == DecodeError::kOk ? DecodeError::kOk : keep();
     case kTagCounter:
     case kTagGauge:
     case kTagTimeTicks: {
       uint64_t u = 0;
-      e = UnsignedContent(c, 4, u);
+      if (UnsignedContent(c, 4, u) != DecodeError::kOk) return keep();
       v.integer = static_cast<int64_t>(u);
-      return e;
+      return DecodeError::kOk;
     }
-    case kTagCounter64: return UnsignedContent(c, 8, v.counter64);
+    case kTagCounter64:
+      return UnsignedContent(c, 8, v.counter64) == DecodeError::kOk ? DecodeError::kOk : keep();
     case kTagOctetString:
     case kTagOpaque:
       v.bytes.assign(reinterpret_cast<const char*>(c.p), c.left());
@@ -345,7 +359,7 @@ DecodeError ReadValue(Reader& r, Value& v) {
     case 0x82:
       return c.left() == 0 ? DecodeError::kOk : DecodeError::kBadValue;
     case kTagOid: return OidContent(c, v.oid);
-    default: return DecodeError::kBadTag;  // constructed or unknown values are refused
+    default: return keep();  // a type SNMPv1 does not define
   }
 }
 
@@ -411,6 +425,12 @@ const char* DecodeErrorText(DecodeError e) {
 
 std::string RenderValue(const Value& v) {
   char buf[32];
+  if (v.undecoded) {
+    Value opaque = v;
+    opaque.undecoded = false;
+    opaque.tag = kTagOpaque;
+    return RenderValue(opaque);
+  }
   switch (v.tag) {
     case kTagInteger:
       std::snprintf(buf, sizeof buf, "%lld", static_cast<long long>(v.integer));

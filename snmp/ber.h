@@ -66,6 +66,8 @@ struct Value {
   uint64_t counter64 = 0; // Counter64
   std::string bytes;      // OCTET STRING, Opaque, IpAddress (4 bytes)
   Oid oid;                // OBJECT IDENTIFIER values
+  bool undecoded = false; // `bytes` hold the content as received: a number too long for its
+                          // type, or a type SNMPv1 does not define (rendered like Opaque)
 
   static Value Null() { return Value{}; }
   static Value Integer(int64_t v) { Value x; x.tag = kTagInteger; x.integer = v; return x; }
@@ -121,7 +123,7 @@ const char* DecodeErrorText(DecodeError e);
 
 // How values are handed to callers: INTEGER and the unsigned types as decimal text, IpAddress as
 // dotted text, OCTET STRING as its raw octets, OID as dotted text, NULL as "", Opaque as
-// upper-case hex pairs joined by blanks.
+// upper-case hex pairs joined by blanks (so is an undecoded value).
 std::string RenderValue(const Value& v);
 // A short type name ("INTEGER", "OCTET STRING", "IpAddress", ...).
 const char* TypeName(uint8_t tag);

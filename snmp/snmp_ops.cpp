@@ -51,7 +51,8 @@ SnmpSetResult SnmpSet(const std::string& agent, const std::string& writeCommunit
 
 size_t SnmpWalk(const std::string& agent, const std::string& readCommunity,
                 const std::vector<std::string>& columnOids, const SnmpRowConsumer& consumer,
-                unsigned long timeoutMs) {
+                unsigned long timeoutMs, const std::atomic<bool>* stop) {
+  auto stopped = [stop] { return stop != nullptr && stop->load(); };
   size_t rows = 0;
   CSnmpV1 request(0);
   request.setType(kSnmpGetNextRequest);
@@ -64,9 +65,10 @@ size_t SnmpWalk(const std::string& agent, const std::string& readCommunity,
 
     CSnmp* answer = nullptr;
     SnmpRow row;
-    while (walker.getNext(agent.c_str(), answer, timeoutMs) == 0) {
+    while (!stopped() && walker.getNext(agent.c_str(), answer, timeoutMs) == 0) {
       std::unique_ptr<CSnmp> owned(answer);
       answer = nullptr;
+      if (stopped()) break;
       row.bindings.clear();
       int count = owned->getVarBindCount();
       for (int i = 0; i < count; ++i) {

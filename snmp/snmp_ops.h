@@ -3,6 +3,7 @@
 // call order the classic library needs.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -58,10 +59,11 @@ using SnmpRowConsumer = std::function<void(const SnmpRow& row)>;
 
 // Walks the columns with GetNext, one request per row, calling `consumer` once per row in the
 // agent's order. Returns the number of rows passed to the consumer when the walk has ended (end
-// of table, error status, time-out or a non-increasing OID).
+// of table, error status, time-out, a non-increasing OID, or `stop` set: the walk then ends at
+// the next answer, passes no further row and sends no further request).
 size_t SnmpWalk(const std::string& agent, const std::string& readCommunity,
                 const std::vector<std::string>& columnOids, const SnmpRowConsumer& consumer,
-                unsigned long timeoutMs = kSnmpTimeoutMs);
+                unsigned long timeoutMs = kSnmpTimeoutMs, const std::atomic<bool>* stop = nullptr);
 
 // Index extraction: the row's first binding OID with the first column's OID and the
 // "." after it removed from the front ("1.2" for a two-part index). A leading "." on either text

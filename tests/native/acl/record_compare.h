@@ -1,5 +1,5 @@
-// What the ACL tests compare after a write and a read (Parts 4.2, 4.3): a record read back from
-// a switch against the record sent, cell by cell after the documented encodings. Shared by the
+// What the ACL tests compare after a write and a read: a record read back from a switch
+// against the record sent, cell by cell after the cell encodings. Shared by the
 // device tests and the GUI flows that create profiles through the wizard.
 #pragma once
 #include <gtest/gtest.h>
@@ -9,8 +9,8 @@
 #include "acl/acl_mib.h"
 #include "acl/acl_record.h"
 
-// Part 4.3 read vs the record sent, cell by cell after the documented encodings: every cell
-// the writer sends must read back to the same SNMP value; the row status reads back active.
+// Every cell the writer sends must read back to the same SNMP value; the row status reads back
+// active.
 inline void ExpectSameCells(const ModelEntry& m, const AclTableLayout& t, const AclRecord& sent, const AclRecord& read,
                      const std::string& what) {
   ASSERT_EQ(read.size(), RecordCellCount(t.record)) << what;

@@ -1,117 +1,83 @@
-// One simulated switch (sim::Switch, the simulator's agent logic with its ACL MIB) served on a
-// UDP socket by a thread of the test, so the ACL reader and writer talk real SNMP to it both
-// natively and under Wine. Natively each agent has its own loopback address on UDP 161
-// (127.0.6.n, root); under Wine sockets bound to 127.x.y.z land on 0.0.0.0, so there the
-// agents share 127.0.0.1 and differ by port (ACL_TEST_PORT_BASE + n).
+// One simulated switch (sim::Switch, the simulator's agent logic with its ACL MIB) served by a
+// thread of the test, so the ACL reader and writer talk real SNMP to it both natively (its own
+// loopback address 127.0.6.n on UDP 161) and under Wine (127.0.0.1, TEST_PORT_BASE + n).
 #pragma once
 
-#include <atomic>
 #include <chrono>
-#include <mutex>
+#include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include "sim/switch.h"
-#include "snmp/udp_transport.h"
-
-#ifndef ACL_TEST_NET
-#define ACL_TEST_NET "127.0.6."
+#ifndef TEST_NET
+#define TEST_NET "127.0.6."
 #endif
+#if defined(ACL_TEST_PORT_BASE) && !defined(TEST_PORT_BASE)  // the GUI flows' name for it
+#define TEST_PORT_BASE ACL_TEST_PORT_BASE
+#endif
+#include "sim/switch.h"
+#include "tests/native/snmp/test_agent.h"
 
 class SimAgent {
  public:
   SimAgent(int host, const std::string& model, sim::Faults faults = {},
-           const std::string& readCommunity = "public", const std::string& writeCommunity = "private") {
+           const std::string& readCommunity = "public", const std::string& writeCommunity = "private")
+      : address_(TestAddress(host)) {
     sim::SwitchConfig c;
-#ifdef ACL_TEST_PORT_BASE
-    c.address = "127.0.0.1";
-    c.port = static_cast<uint16_t>(ACL_TEST_PORT_BASE + host);
-    address_ = "127.0.0.1:" + std::to_string(c.port);
-#else
-    c.address = std::string(ACL_TEST_NET) + std::to_string(host);
-    address_ = c.address;
-#endif
+    c.address = address_.substr(0, address_.find(':'));
     c.model = model;
     c.readCommunity = readCommunity;
     c.writeCommunity = writeCommunity;
     c.faults = std::move(faults);
-    std::string error;
-    auto s = sim::Switch::Create(c, error);
-    if (!s) {
-      error_ = error;
-      return;
-    }
+    auto s = sim::Switch::Create(c, error_);
+    if (!s) return;
     switch_.emplace(std::move(*s));
-    switch_->onSet = [this](const sim::SetEvent& e) {
-      std::lock_guard<std::mutex> lock(mutex_);
-      sets_.push_back(e);
-    };
-    snmp::Endpoint local;
-    snmp::ParseEndpoint(c.address, c.port, local);
-    if (!socket_.Bind(local)) {
-      error_ = "cannot bind " + address_;
-      return;
-    }
-    thread_ = std::thread([this] { Run(); });
+    switch_->onSet = [this](const sim::SetEvent& e) { sets_.push_back(e); };
+    udp_.emplace(address_, [this](const std::string& d, const snmp::Endpoint& from) {
+      auto answer = switch_->Handle(reinterpret_cast<const uint8_t*>(d.data()), d.size());
+      if (!answer) return;
+      // The delay fault: one client at a time here, so the agent may simply wait.
+      if (const int ms = switch_->answerDelayMs() + delayMs_; ms > 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+      udp_->SendTo(from, *answer);
+    });
+    if (!udp_->bound()) error_ = "cannot bind " + address_;
   }
   ~SimAgent() {
-    stop_ = true;
-    if (thread_.joinable()) thread_.join();
+    if (udp_) udp_->Stop();
   }
-  SimAgent(const SimAgent&) = delete;
-  SimAgent& operator=(const SimAgent&) = delete;
 
   bool ok() const { return error_.empty(); }
   const std::string& error() const { return error_; }
   // The agent text for the client ("127.0.6.n" natively, "127.0.0.1:port" under Wine).
   const std::string& address() const { return address_; }
-  // A copy of the switch's store, taken between requests.
+  size_t requests() const { return udp_ ? udp_->datagrams() : 0; }
+  // Makes the switch slow from now on (a switch that was quick while the test filled it).
+  void delay(int ms) { delayMs_ = ms; }
+  // Copies taken between requests: the store, every SET handled (answered, refused or
+  // dropped) in order, and the rows that lack a column their table needs at creation.
   sim::Switch::Store store() {
-    std::lock_guard<std::mutex> lock(handleMutex_);
+    std::lock_guard<std::mutex> lock(udp_->mutex());
     return switch_->store();
   }
-
-  // Every SET the switch handled (answered, refused or dropped), in order.
   std::vector<sim::SetEvent> sets() {
-    std::lock_guard<std::mutex> lock(mutex_);
+    std::lock_guard<std::mutex> lock(udp_->mutex());
     return sets_;
   }
   void clearSets() {
-    std::lock_guard<std::mutex> lock(mutex_);
+    std::lock_guard<std::mutex> lock(udp_->mutex());
     sets_.clear();
   }
-  size_t requests() const { return requests_; }
+  std::vector<std::string> unwritten() {
+    std::lock_guard<std::mutex> lock(udp_->mutex());
+    return switch_->WrittenReport(true);
+  }
 
  private:
-  void Run() {
-    std::vector<uint8_t> buf(70000);
-    while (!stop_) {
-      size_t n = 0;
-      snmp::Endpoint from;
-      if (socket_.RecvFrom(buf.data(), buf.size(), n, from, 20) != snmp::UdpSocket::Recv::kOk) continue;
-      ++requests_;
-      std::optional<std::string> answer;
-      {
-        std::lock_guard<std::mutex> lock(handleMutex_);
-        answer = switch_->Handle(buf.data(), n);
-      }
-      if (!answer) continue;
-      // The delay fault: one client at a time here, so the agent may simply wait.
-      if (const int ms = switch_->answerDelayMs(); ms > 0)
-        std::this_thread::sleep_for(std::chrono::milliseconds(ms));
-      socket_.SendTo(from, answer->data(), answer->size());
-    }
-  }
 
   std::string address_;
   std::string error_;
   std::optional<sim::Switch> switch_;
-  snmp::UdpSocket socket_;
-  std::mutex handleMutex_;  // the switch, between the agent thread and store()
-  std::mutex mutex_;        // sets_
   std::vector<sim::SetEvent> sets_;
-  std::atomic<size_t> requests_{0};
-  std::atomic<bool> stop_{false};
-  std::thread thread_;
+  std::atomic<int> delayMs_{0};
+  std::optional<UdpAgent> udp_;  // last: its thread stops before the switch goes
 };

@@ -1,5 +1,5 @@
-// Parts 1.3 and 5.1: the plain logic behind the device list's sorting, page 0's target
-// selection and the navigation table of the wizard.
+// The plain logic behind the device list's sorting, page 0's target selection and Add
+// profile's choices. (The navigation table is driven page by page by the GUI flows.)
 #include "acl/page_logic.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ TEST(DeviceListSort, AddressesCompareFourPartsThenEqual) {
 }
 
 TEST(ProfileListSort, ProfileIdColumnAsNumbersOthersAsStrings) {
-    EXPECT_LT(CompareProfileColumn(0, "9", "10"), 0) << "Part 5.2: column 0 compares as numbers";
+    EXPECT_LT(CompareProfileColumn(0, "9", "10"), 0) << "column 0 compares as numbers";
     EXPECT_GT(CompareProfileColumn(1, "9", "10"), 0) << "other columns compare as strings";
     EXPECT_LT(CompareProfileColumn(2, "CPU ACL", "Ethernet"), 0);
 }
@@ -116,118 +116,7 @@ TEST(TargetSelection, TypeRulesComeBeforeTheCount) {
     EXPECT_EQ(TargetVerdict::kDifferentType, SelectTargets(rows, kSupported).verdict);
 }
 
-// --- navigation ------------------------------------------------------------------------------
-
-TEST(Navigation, FirstPagesStepInOrder) {
-    EXPECT_EQ(Jump::kStep, NextJump(kPageDeviceList, {}).kind);
-    EXPECT_EQ(kPageAclKind, NextJump(kPageDeviceList, {}).nTarget);
-    EXPECT_EQ(kPageSelect, NextJump(kPageAclKind, {}).nTarget);
-    EXPECT_EQ(Jump::kStay, BackJump(kPageDeviceList, {}).kind);
-    EXPECT_EQ(kPageDeviceList, BackJump(kPageAclKind, {}).nTarget);
-    EXPECT_EQ(kPageAclKind, BackJump(kPageSelect, {}).nTarget);
-}
-
-TEST(Navigation, ActionChoiceChoosesTheFlow) {
-    const int expected[] = {kPageAddProfile, kPageSelectProfile, kPageModifyProfile, kPageModifyRule};
-    for (int choice = 1; choice <= 4; ++choice) {
-        NavInput in;
-        in.nActionChoice = choice;
-        Jump j = NextJump(kPageSelect, in);
-        EXPECT_EQ(Jump::kDirect, j.kind);
-        EXPECT_EQ(expected[choice - 1], j.nTarget) << "choice " << choice;
-    }
-    NavInput none;
-    EXPECT_EQ(Jump::kStay, NextJump(kPageSelect, none).kind) << "no valid choice stays";
-    none.nActionChoice = 5;
-    EXPECT_EQ(Jump::kStay, NextJump(kPageSelect, none).kind);
-}
-
-TEST(Navigation, AddProfileGoesByProfileType) {
-    const int expected[] = {kPageEthProfile, kPageIPv4Profile, kPageIPv6Profile, kPagePacketProfile};
-    for (int type = 1; type <= 4; ++type) {
-        NavInput in;
-        in.nProfileChoice = type;
-        EXPECT_EQ(expected[type - 1], NextJump(kPageAddProfile, in).nTarget);
-    }
-}
-
-TEST(Navigation, SelectProfileGoesByTypeNameOrStays) {
-    NavInput in;
-    const std::pair<const char*, int> cases[] = {
-        {"Ethernet", kPageEthRule}, {"IPv4", kPageIPv4Rule}, {"IPv6", kPageIPv6Rule}, {"Packet Content", kPagePacketRule}};
-    for (auto [name, page] : cases) {
-        in.strProfileTypeName = name;
-        EXPECT_EQ(page, NextJump(kPageSelectProfile, in).nTarget) << name;
-    }
-    in.strProfileTypeName = "";
-    EXPECT_EQ(Jump::kStay, NextJump(kPageSelectProfile, in).kind);
-    in.strProfileTypeName = "ethernet";
-    EXPECT_EQ(Jump::kStay, NextJump(kPageSelectProfile, in).kind);
-}
-
-TEST(Navigation, BackFromActionPagesPassesThroughAddProfileToTheChoice) {
-    for (int page : {kPageSelectProfile, kPageModifyProfile, kPageModifyRule}) {
-        Jump j = BackJump(page, {});
-        EXPECT_EQ(Jump::kPassing, j.kind) << page;
-        EXPECT_EQ(kPageAddProfile, j.nPassing) << page;
-        EXPECT_EQ(kPageSelect, j.nTarget) << page << ": lands on the action choice, not on Add profile";
-    }
-}
-
-TEST(Navigation, DefinitionPagesPassThroughPage9ForwardAndPage4Back) {
-    for (int page : {kPageIPv4Profile, kPageEthProfile, kPageIPv6Profile, kPagePacketProfile}) {
-        Jump next = NextJump(page, {});
-        EXPECT_EQ(Jump::kPassing, next.kind);
-        EXPECT_EQ(kPagePacketProfile, next.nPassing);
-        EXPECT_EQ(kPageApply, next.nTarget);
-        Jump back = BackJump(page, {});
-        EXPECT_EQ(kPageAddAclProfile, back.nPassing);
-        EXPECT_EQ(kPageAddProfile, back.nTarget);
-    }
-    EXPECT_EQ(2, ProfileTypeOfPage(kPageIPv4Profile));
-    EXPECT_EQ(1, ProfileTypeOfPage(kPageEthProfile));
-    EXPECT_EQ(3, ProfileTypeOfPage(kPageIPv6Profile));
-    EXPECT_EQ(5, ProfileTypeOfPage(kPagePacketProfile));
-    EXPECT_EQ(0, ProfileTypeOfPage(kPageApply));
-}
-
-TEST(Navigation, ConfirmationBackGoesByProfileType) {
-    NavInput in;
-    const std::pair<long, int> cases[] = {{1, kPageEthProfile}, {2, kPageIPv4Profile}, {3, kPageIPv6Profile}, {5, kPagePacketProfile}};
-    for (auto [type, page] : cases) {
-        in.nProfileType = type;
-        EXPECT_EQ(page, BackJump(kPageApply, in).nTarget) << type;
-    }
-    in.nProfileType = 4;  // not used
-    EXPECT_EQ(Jump::kStay, BackJump(kPageApply, in).kind);
-    in.nProfileType = 0;
-    EXPECT_EQ(Jump::kStay, BackJump(kPageApply, in).kind);
-}
-
-TEST(Navigation, RulePagesAndRuleConfirmation) {
-    for (int page : {kPageEthRule, kPageIPv4Rule, kPageIPv6Rule, kPagePacketRule}) {
-        EXPECT_EQ(kPageRuleApply, NextJump(page, {}).nTarget);
-        EXPECT_EQ(kPageSelectProfile, BackJump(page, {}).nTarget);
-    }
-    EXPECT_EQ(1, RuleTypeOfPage(kPageEthRule));
-    EXPECT_EQ(2, RuleTypeOfPage(kPageIPv4Rule));
-    EXPECT_EQ(3, RuleTypeOfPage(kPageIPv6Rule));
-    EXPECT_EQ(4, RuleTypeOfPage(kPagePacketRule));
-    NavInput in;
-    const std::pair<long, int> cases[] = {{1, kPageEthRule}, {2, kPageIPv4Rule}, {3, kPageIPv6Rule}, {4, kPagePacketRule}, {0, kPageSelectProfile}, {9, kPageSelectProfile}};
-    for (auto [type, page] : cases) {
-        in.nRuleType = type;
-        EXPECT_EQ(page, BackJump(kPageRuleApply, in).nTarget) << type;
-    }
-}
-
-TEST(Navigation, FinishPages) {
-    for (int page : {kPageApply, kPageModifyProfile, kPageModifyRule, kPageRuleApply})
-        EXPECT_EQ(Jump::kFinish, NextJump(page, {}).kind) << page;
-    EXPECT_EQ(kPageSelect, BackJump(kPageModifyProfile, {}).nTarget);
-}
-
-// --- "Add profile" (Part 5.2) ----------------------------------------------------------------
+// --- "Add profile" ----------------------------------------------------------------------
 
 TEST(AddProfile, ModelTableOfBothKinds) {
     AddProfileModelRow row;
@@ -260,7 +149,7 @@ TEST(AddProfile, FrameOptionProtocolOverridesFrame) {
     EXPECT_EQ(2, FrameOption("", ""));
     EXPECT_EQ(3, FrameOption("UnTagged", "ICMP"));
     EXPECT_EQ(4, FrameOption("Tagged", "IGMP"));
-    EXPECT_EQ(5, FrameOption("UnTagged", "TCP")) << "Part 5.2 edge case: TCP then Ethernet keeps 5";
+    EXPECT_EQ(5, FrameOption("UnTagged", "TCP")) << "TCP then Ethernet keeps 5";
     EXPECT_EQ(6, FrameOption("Tagged", "UDP"));
     EXPECT_EQ(7, FrameOption("Tagged", "ProtocolID"));
 }

@@ -39,36 +39,6 @@ class ServerTest : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(ServerTest, ClientCreatesRulesAndWalksThemBack) {
-  const char ports[] = {'\xFF', '\xC0', 0, 0};
-  for (const char* idx : {"3.12", "1.2", "3.4"}) {
-    SnmpSetResult r = SnmpSet("127.0.4.20", "private",
-                              {SnmpBinding::Text(kRule + ".3." + idx, std::string("vlan") + idx),
-                               SnmpBinding::Bytes(kRule + ".14." + idx, ports, 4),
-                               SnmpBinding::Integer(kRule + ".13." + idx, 2),
-                               SnmpBinding::Integer(kRule + ".15." + idx, 4)});
-    EXPECT_STREQ(SnmpVerdict(r), "Succeed") << idx;
-  }
-  SnmpSetResult again = SnmpSet("127.0.4.20", "private", {SnmpBinding::Integer(kRule + ".3.1.2", 1),
-                                                          SnmpBinding::Integer(kRule + ".15.1.2", 4)});
-  EXPECT_STREQ(SnmpVerdict(again), "Fail");
-  EXPECT_EQ(again.errorIndex, 1) << "VLAN is an OCTET STRING: badValue on the first binding";
-  std::vector<SnmpRow> rows;
-  SnmpWalk("127.0.4.20", "public", {kRule + ".1", kRule + ".2", kRule + ".3", kRule + ".14"},
-           [&](const SnmpRow& r) { rows.push_back(r); });
-  ASSERT_EQ(rows.size(), 3u);
-  EXPECT_EQ(rows[0].index, "1.2");
-  EXPECT_EQ(rows[1].index, "3.4");
-  EXPECT_EQ(rows[2].index, "3.12");
-  EXPECT_EQ(rows[2].bindings[0].value, "3");
-  EXPECT_EQ(rows[2].bindings[1].value, "12");
-  EXPECT_EQ(rows[2].bindings[2].value, "vlan3.12");
-  EXPECT_EQ(rows[2].bindings[3].value, std::string(ports, 4));
-  // Delete one and walk again.
-  EXPECT_STREQ(SnmpVerdict(SnmpSet("127.0.4.20", "private", {SnmpBinding::Integer(kRule + ".15.3.4", 6)})), "Succeed");
-  EXPECT_EQ(SnmpWalk("127.0.4.20", "public", {kRule + ".15"}, nullptr), 2u);
-}
-
 TEST_F(ServerTest, DelayedSwitchDoesNotHoldUpTheOthers) {
   using Clock = std::chrono::steady_clock;
   std::atomic<long long> slowMs{0};
