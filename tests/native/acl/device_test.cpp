@@ -24,116 +24,91 @@ AclTarget Target(SimAgent& a, const std::string& model) {
   return AclTarget{a.address(), "public", "private", model};
 }
 
-// Rule records as the rule dialogs build them, two per kind: the Access IDs at the
-// model's limits, every optional field filled on the first and few on the second.
+// Rule records as the rule dialogs build them, two per kind: the Access IDs at the model's
+// limits, every optional field filled on the first and few on the second.
 AclRecordList Rules(const ModelEntry& m, AclOwner owner, AclType type) {
   auto range = m.accessIdRange(owner, type);
   auto rx = m.rxRange();
   const bool cpu = owner == AclOwner::kCpu;
+  const PacketShape shape = m.packetShape(owner, AclKind::kRules);
   AclRecordList out;
-  for (int variant = 0; variant < 2; ++variant) {
+  for (int v = 0; v < 2; ++v) {
+    const bool all = v == 0;
     RuleFields f;
-    f.profileId = variant == 0 ? "3" : "7";
-    f.accessId = std::to_string(variant == 0 ? range->max : range->min);
-    f.action = cpu ? (variant == 0 ? "1" : "2") : (variant == 0 ? "3" : "1");
-    f.ports = variant == 0 ? "1-3," + std::to_string(m.portCount) : "2";
-    if (!cpu && rx && variant == 0) f.rxRate = std::to_string(rx->max);
-    if (variant == 0) {
-      f.priorityChecked = true;
-      f.priority = "6";
-      f.replaceDscpChecked = true;
-      f.replaceDscp = "40";
-      f.replaceTosChecked = true;
-      f.replaceTos = "3";
+    f.profileId = all ? "3" : "7";
+    f.accessId = std::to_string(all ? range->max : range->min);
+    f.action = cpu ? (all ? "1" : "2") : (all ? "3" : "1");
+    f.ports = all ? "1-3," + std::to_string(m.portCount) : "2";
+    if (!cpu && rx && all) f.rxRate = std::to_string(rx->max);
+    f.priorityChecked = f.replaceDscpChecked = f.replaceTosChecked = all;
+    f.priority = "6";
+    f.replaceDscp = "40";
+    f.replaceTos = "3";
+    if (all && type == AclType::kEthernet) {
+      f.vlan = "v10";
+      f.srcMac = "00a0c9ffee01";
+      f.dstMac = "0000000000FF";
+      f.p8021 = "5";
+      f.ethertype = "86dd";
     }
-    switch (type) {
-      case AclType::kEthernet:
-        if (variant == 0) {
-          f.vlan = "v10";
-          f.srcMac = "00a0c9ffee01";
-          f.dstMac = "0000000000FF";
-          f.p8021 = "5";
-          f.ethertype = "86dd";
-        }
-        break;
-      case AclType::kIPv4:
-        f.srcIp = variant == 0 ? "10.0.0.1" : "";
-        f.dstIp = variant == 0 ? "192.168.1.0" : "0.0.0.0";
-        f.dscp = variant == 0 ? "46" : "";
-        f.vlan = variant == 0 ? "v20" : "";
-        f.protocol = variant == 0 ? "4" : "6";
-        f.value1 = variant == 0 ? "80" : "17";
-        f.value2 = variant == 0 ? "8080" : "0000ffff";
-        f.flagBits = "18";
-        break;
-      case AclType::kIPv6:
-        if (variant == 0) {
-          f.ipv6Class = "255";
-          f.flowLabel = "fffff";
-          f.srcIpv6 = "fe800000000000000000000000000001";
-          f.dstIpv6 = "20010DB8000000000000000000000002";
-        }
-        break;
-      case AclType::kPacketContent:
-        for (size_t i = 0; i < 5; ++i) {
-          f.items[i].checked = variant == 0 || i == 2;
-          f.items[i].offset = std::to_string(4 * i + 1);
-          f.items[i].data = m.packetShape(owner, AclKind::kRules) == PacketShape::kBlock16
-                                ? std::string(32, static_cast<char>('A' + i))
-                            : m.packetShape(owner, AclKind::kRules) == PacketShape::kChunks4 ? "0800450" + std::to_string(i)
-                                                                                              : "86DD";
-        }
-        break;
+    if (type == AclType::kIPv4) {
+      f.srcIp = all ? "10.0.0.1" : "";
+      f.dstIp = all ? "192.168.1.0" : "0.0.0.0";
+      f.dscp = all ? "46" : "";
+      f.vlan = all ? "v20" : "";
+      f.protocol = all ? "4" : "6";
+      f.value1 = all ? "80" : "17";
+      f.value2 = all ? "8080" : "0000ffff";
+      f.flagBits = "18";
     }
-    EXPECT_EQ(ValidateRule(type, owner, m, f).code, AclMessage::kNone) << m.typeText << " " << TypeWord(type) << " " << variant;
+    if (all && type == AclType::kIPv6) {
+      f.ipv6Class = "255";
+      f.flowLabel = "fffff";
+      f.srcIpv6 = "fe800000000000000000000000000001";
+      f.dstIpv6 = "20010DB8000000000000000000000002";
+    }
+    for (size_t i = 0; i < 5; ++i) {
+      f.items[i] = {all || i == 2, std::to_string(4 * i + 1),
+                    shape == PacketShape::kBlock16   ? std::string(32, static_cast<char>('A' + i))
+                    : shape == PacketShape::kChunks4 ? "0800450" + std::to_string(i)
+                                                     : "86DD"};
+    }
+    EXPECT_EQ(ValidateRule(type, owner, m, f).code, AclMessage::kNone) << m.typeText << " " << TypeWord(type) << v;
     out.push_back(BuildRule(type, owner, m, f));
   }
   return out;
 }
 
-// Profile records as the definition pages build them.
+// Profile records as the definition pages build them, one with most boxes checked, one with few.
 AclRecordList Profiles(const ModelEntry& m, AclOwner owner, AclType type) {
+  const bool wideMask = std::string(m.typeText) == "TVR4510" || std::string(m.typeText) == "TVR4820";
   AclRecordList out;
-  for (int variant = 0; variant < 2; ++variant) {
+  for (int v = 0; v < 2; ++v) {
+    const bool on = v == 0;
     ProfileFields p;
-    p.profileId = variant == 0 ? "1" : "5";
-    p.profileName = variant == 0 ? "web" : "";
-    const bool on = variant == 0;
-    p.vlan = on;
-    p.p8021 = !on;
-    p.ethernetType = on;
-    p.srcMacChecked = on;
+    p.profileId = on ? "1" : "5";
+    p.profileName = on ? "web" : "";
+    p.vlan = p.ethernetType = p.srcMacChecked = p.dscp = p.srcIpChecked = p.flagBitsChecked = on;
+    p.ipv6Class = p.srcIpv6Checked = on;
+    p.p8021 = p.userMaskChecked = p.flowLabel = !on;
+    p.dstMacChecked = p.dstIpChecked = p.protocolChecked = p.dstIpv6Checked = true;
     p.srcMac = " ffffffffffff ";
-    p.dstMacChecked = true;
     p.dstMac = "0000000000ff";
-    p.dscp = on;
-    p.srcIpChecked = on;
     p.srcIp = "255.255.255.0";
-    p.dstIpChecked = true;
     p.dstIp = "255.255.0.0";
     p.protocolGroup = on ? 5 : 7;
-    p.protocolChecked = true;
     p.srcPortMask = "FFFF";
     p.dstPortMask = on ? "" : "00FF";
-    p.flagBitsChecked = on;
     p.flagValue = 63;
     p.protocolId = "6";
-    p.userMaskChecked = !on;
-    const bool wideMask = std::string(m.typeText) == "TVR4510" || std::string(m.typeText) == "TVR4820";
     p.userMask = wideMask ? "0000FFFF0000FFFF0000FFFF0000FFFF0000FFFF" : "0000FFFF";
-    p.ipv6Class = on;
-    p.flowLabel = !on;
-    p.srcIpv6Checked = on;
     p.srcIpv6Mask = std::string(32, 'F');
-    p.dstIpv6Checked = true;
     p.dstIpv6Mask = "FFFFFFFFFFFFFFFF0000000000000000";
-    for (size_t i = 0; i < 5; ++i) {
-      p.items[i].checked = on || i == 1;
-      p.items[i].offset = std::to_string(7 * i);
-      p.items[i].mask = m.packetShape(owner, AclKind::kProfiles) == PacketShape::kChunks4
-                            ? "FFFF000" + std::to_string(i)
-                            : std::string(32, static_cast<char>('0' + i));
-    }
+    for (size_t i = 0; i < 5; ++i)
+      p.items[i] = {on || i == 1, std::to_string(7 * i),
+                    m.packetShape(owner, AclKind::kProfiles) == PacketShape::kChunks4
+                        ? "FFFF000" + std::to_string(i)
+                        : std::string(32, static_cast<char>('0' + i))};
     EXPECT_EQ(ValidateProfile(type, p).code, AclMessage::kNone);
     out.push_back(BuildProfile(type, owner, m, p));
   }

@@ -97,41 +97,35 @@ TEST(BerEncode, GetNextRequestMatchesTheKnownPacket) {
             "30 0d 30 0b 06 07 2b 06 01 02 01 01 01 05 00");
 }
 
-TEST(BerEncode, IntegersAreMinimalTwosComplement) {
-  EXPECT_EQ(Hex(EncodedValue(Value::Integer(0))), "02 01 00");
-  EXPECT_EQ(Hex(EncodedValue(Value::Integer(127))), "02 01 7f");
-  EXPECT_EQ(Hex(EncodedValue(Value::Integer(128))), "02 02 00 80");
-  EXPECT_EQ(Hex(EncodedValue(Value::Integer(256))), "02 02 01 00");
-  EXPECT_EQ(Hex(EncodedValue(Value::Integer(-1))), "02 01 ff");
-  EXPECT_EQ(Hex(EncodedValue(Value::Integer(-128))), "02 01 80");
-  EXPECT_EQ(Hex(EncodedValue(Value::Integer(-129))), "02 02 ff 7f");
-  EXPECT_EQ(Hex(EncodedValue(Value::Integer(INT32_MAX))), "02 04 7f ff ff ff");
-  EXPECT_EQ(Hex(EncodedValue(Value::Integer(INT32_MIN))), "02 04 80 00 00 00");
-}
-
-TEST(BerEncode, UnsignedMaximumNeedsALeadingZero) {
-  EXPECT_EQ(Hex(EncodedValue(Value::Unsigned(kTagCounter, 0xFFFFFFFFu))), "41 05 00 ff ff ff ff");
-  EXPECT_EQ(Hex(EncodedValue(Value::Unsigned(kTagGauge, 0x80u))), "42 02 00 80");
-  EXPECT_EQ(Hex(EncodedValue(Value::Unsigned(kTagTimeTicks, 0))), "43 01 00");
-}
-
-TEST(BerEncode, OctetStringKeepsZeroBytesAndUsesLongLengths) {
-  EXPECT_EQ(Hex(EncodedValue(Value::OctetString(Bytes({0, 0, 0, 0xFF})))), "04 04 00 00 00 ff");
-  EXPECT_EQ(Hex(EncodedValue(Value::OctetString(""))), "04 00");
-  std::string v200(200, 'x');
-  EXPECT_EQ(Hex(EncodedValue(Value::OctetString(v200)).substr(0, 3)), "04 81 c8");
-  std::string v300(300, 'x');
-  EXPECT_EQ(Hex(EncodedValue(Value::OctetString(v300)).substr(0, 4)), "04 82 01 2c");
-}
-
-TEST(BerEncode, IpAddressNullAndOid) {
-  EXPECT_EQ(Hex(EncodedValue(Value::IpAddress(0xC0A80001))), "40 04 c0 a8 00 01");
-  EXPECT_EQ(Hex(EncodedValue(Value::Null())), "05 00");
-  EXPECT_EQ(Hex(EncodedValue(Value::ObjectId(MakeOid("1.3.6.1.4.1.32473")))),
-            "06 08 2b 06 01 04 01 81 fd 59");
-  EXPECT_EQ(Hex(EncodedValue(Value::ObjectId(MakeOid("1.3.4294967295")))),
-            "06 06 2b 8f ff ff ff 7f");
-  EXPECT_EQ(Hex(EncodedValue(Value::ObjectId(MakeOid("2.999.3")))), "06 03 88 37 03");
+// X.690 rules on known values: minimal two's complement, a leading zero for unsigned values
+// with the top bit set, zero bytes kept, long-form lengths, base-128 sub-identifiers.
+TEST(BerEncode, ValuesMatchTheirKnownBytes) {
+  Value opaque;
+  opaque.tag = kTagOpaque;
+  opaque.bytes = Bytes({0x9f, 0x01});
+  const struct {
+    Value value;
+    const char* hex;
+  } cases[] = {
+      {Value::Integer(0), "02 01 00"},         {Value::Integer(127), "02 01 7f"},
+      {Value::Integer(128), "02 02 00 80"},    {Value::Integer(-1), "02 01 ff"},
+      {Value::Integer(-128), "02 01 80"},      {Value::Integer(-129), "02 02 ff 7f"},
+      {Value::Integer(INT32_MIN), "02 04 80 00 00 00"},
+      {Value::Unsigned(kTagCounter, 0xFFFFFFFFu), "41 05 00 ff ff ff ff"},
+      {Value::Unsigned(kTagGauge, 0x80u), "42 02 00 80"},
+      {Value::Unsigned(kTagTimeTicks, 0), "43 01 00"},
+      {Value::OctetString(Bytes({0, 0, 0, 0xFF})), "04 04 00 00 00 ff"},
+      {Value::OctetString(""), "04 00"},
+      {Value::IpAddress(0xC0A80001), "40 04 c0 a8 00 01"},
+      {Value::Null(), "05 00"},
+      {opaque, "44 02 9f 01"},
+      {Value::ObjectId(MakeOid("1.3.6.1.4.1.32473")), "06 08 2b 06 01 04 01 81 fd 59"},
+      {Value::ObjectId(MakeOid("1.3.4294967295")), "06 06 2b 8f ff ff ff 7f"},
+      {Value::ObjectId(MakeOid("2.999.3")), "06 03 88 37 03"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(Hex(EncodedValue(c.value)), c.hex);
+  EXPECT_EQ(Hex(EncodedValue(Value::OctetString(std::string(200, 'x'))).substr(0, 3)), "04 81 c8");
+  EXPECT_EQ(Hex(EncodedValue(Value::OctetString(std::string(300, 'x'))).substr(0, 4)), "04 82 01 2c");
 }
 
 TEST(BerEncode, RefusesWhatCannotBeEncoded) {

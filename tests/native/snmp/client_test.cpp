@@ -157,19 +157,19 @@ TEST(SnmpSet, AnOddValueInTheAnswerIsJudgedByTheErrorStatus) {
   }
 }
 
-// A set to an unreachable device yields "fail" after one 3000 ms time-out.
-TEST(SnmpSet, UnreachableDeviceGivesFailAfterOneTimeout) {
+// Where no agent answers, a set gives "fail" and a walk no rows, each after one time-out.
+TEST(SnmpSet, NoAnswerIsOneTimeoutThenFail) {
   auto t0 = Clock::now();
-  SnmpSetResult r = SnmpSet(TestAddress(250), "private",
-                            {SnmpBinding::Integer("1.3.6.1.4.1.32473.12.1.2.6.0", 5)});
-  long long ms = MsSince(t0);
+  SnmpSetResult r = SnmpSet(TestAddress(250), "private", {SnmpBinding::Integer("1.3.6.1.4.1.32473.12.1.2.6.0", 5)});
+  EXPECT_GE(MsSince(t0), 2900);
+  EXPECT_LT(MsSince(t0), 4500) << "one request, no retries";
   EXPECT_NE(r.sendStatus, 0);
   EXPECT_FALSE(r.responded);
   EXPECT_EQ(r.errorStatus, 0);
-  EXPECT_EQ(r.errorIndex, 0);
   EXPECT_STREQ(SnmpVerdict(r), "fail");
-  EXPECT_GE(ms, 2900);
-  EXPECT_LT(ms, 4500) << "one request, no retries";
+  t0 = Clock::now();
+  EXPECT_EQ(SnmpWalk(TestAddress(251), "public", Columns({3}), [&](const SnmpRow&) { ADD_FAILURE(); }, 1000), 0u);
+  EXPECT_GE(MsSince(t0), 950);
 }
 
 TEST(SnmpSet, BadAddressOrBindingFailsWithoutSending) {
@@ -191,18 +191,6 @@ TEST(SnmpSet, BadAddressOrBindingFailsWithoutSending) {
   }
   EXPECT_TRUE(agent.Requests().empty());
 }
-
-#ifndef TEST_PORT_BASE  // under Wine every agent already uses the explicit port form
-TEST(SnmpSet, ExplicitPortFormReachesOtherPorts) {
-  MapMib mib;
-  FakeAgent agent(TestAddress(4) + ":16161", mib.Handler());
-  ASSERT_TRUE(agent.bound());
-  EXPECT_STREQ(SnmpVerdict(SnmpSet(TestAddress(4) + ":16161", "w", {SnmpBinding::Integer("1.3.6.1.9.0", 1)})),
-               "Succeed");
-  EXPECT_STREQ(SnmpVerdict(SnmpSet(TestAddress(4), "w", {SnmpBinding::Integer("1.3.6.1.9.0", 1)}, 300)),
-               "fail") << "without a port the request goes to 161, where no one listens";
-}
-#endif
 
 // A walk of an empty table.
 TEST(SnmpWalk, EmptyTableCallsNoConsumerAndRaisesNothing) {
@@ -227,17 +215,6 @@ TEST(SnmpWalk, EmptyTableCallsNoConsumerAndRaisesNothing) {
   // And a table at the very end of the agent's MIB (noSuchName on the first step).
   EXPECT_EQ(SnmpWalk(TestAddress(5), "public", {"1.3.6.1.4.1.32473.99.1.1"}, [&](const SnmpRow&) { ++calls; }), 0u);
   EXPECT_EQ(calls, 0);
-}
-
-// No agent answers.
-TEST(SnmpWalk, NoAgentReturnsAfterOneTimeoutWithNoRows) {
-  auto t0 = Clock::now();
-  int calls = 0;
-  EXPECT_EQ(SnmpWalk(TestAddress(251), "public", Columns({3}), [&](const SnmpRow&) { ++calls; }), 0u);
-  long long ms = MsSince(t0);
-  EXPECT_EQ(calls, 0);
-  EXPECT_GE(ms, 2900);
-  EXPECT_LT(ms, 4500);
 }
 
 // A row whose index has several parts keeps all of them.
@@ -294,23 +271,6 @@ TEST(SnmpWalk, RawOctetStringWithZeroBytesRoundTrips) {
   ASSERT_EQ(rows.size(), 1u);
   EXPECT_EQ(rows[0].index, "7");
   EXPECT_EQ(rows[0].bindings[0].value, mask);
-
-  // The library's accessor: raw octets followed by a zero byte.
-  CSnmpV1 request(0);
-  request.setType(kSnmpGetNextRequest);
-  CSnmpTable walker(&request);
-  request.clearVarBindList();
-  request.setCommunity("public");
-  request.addValue(col.c_str(), kSnmpNull, nullptr);
-  CSnmp* answer = nullptr;
-  ASSERT_EQ(walker.getNext(TestAddress(7).c_str(), answer, 3000), 0);
-  ASSERT_NE(answer, nullptr);
-  char* value = nullptr;
-  ASSERT_EQ(answer->getValue(0, value), 0);
-  EXPECT_EQ(std::string(value, 5), mask + std::string(1, '\0'));
-  EXPECT_EQ(answer->getValueLength(0), 4);
-  CSnmp::freeText(value);
-  delete answer;
 }
 
 TEST(SnmpWalk, EndsOnAnErrorStatus) {
@@ -360,23 +320,6 @@ TEST(SnmpWalk, EndsWhenAnyColumnLeavesItsColumnOrTheCountChanges) {
   });
   ASSERT_TRUE(fewer.bound());
   EXPECT_EQ(SnmpWalk(TestAddress(12), "public", Columns({3, 4}), nullptr), 0u);
-}
-
-TEST(SnmpWalk, GetNextStaysEndedWithoutSendingAgain) {
-  MapMib mib;
-  FakeAgent agent(TestAddress(13), mib.Handler());
-  ASSERT_TRUE(agent.bound());
-  CSnmpV1 request(0);
-  request.setType(kSnmpGetNextRequest);
-  CSnmpTable walker(&request);
-  request.clearVarBindList();
-  request.setCommunity("public");
-  request.addValue("1.3.6.1.2.1.2", kSnmpNull, nullptr);
-  CSnmp* answer = nullptr;
-  EXPECT_NE(walker.getNext(TestAddress(13).c_str(), answer, 3000), 0);
-  EXPECT_NE(walker.getNext(TestAddress(13).c_str(), answer, 3000), 0);
-  EXPECT_EQ(agent.Requests().size(), 1u);
-  EXPECT_EQ(answer, nullptr);
 }
 
 // Only the agent's own answer with the request's request-id counts; the rest is dropped and
@@ -468,58 +411,6 @@ TEST(SnmpClient, RequestIdsAreNotPredictable) {
   EXPECT_EQ(ids.size(), 64u);
   EXPECT_GT(steps.size(), 60u) << "no constant step between consecutive ids";
   EXPECT_GT(static_cast<int64_t>(hi) - lo, 1 << 24) << "ids spread over the 31-bit space";
-}
-
-TEST(SnmpClient, AnswerAccessorsRenderEveryType) {
-  FakeAgent agent(TestAddress(18), [](FakeAgent& a, const Message& req, const Endpoint& from) {
-    Value opaque;
-    opaque.tag = kTagOpaque;
-    opaque.bytes = "\x01\xAB";
-    a.Reply(req, from,
-            {VarBind{O("1.3.6.1.1.1"), Value::Integer(-42)},
-             VarBind{O("1.3.6.1.1.2"), Value::IpAddress(0xC0A80A01)},
-             VarBind{O("1.3.6.1.1.3"), Value::OctetString("text")},
-             VarBind{O("1.3.6.1.1.4"), Value::Unsigned(kTagCounter, 4000000000u)},
-             VarBind{O("1.3.6.1.1.5"), Value::Unsigned(kTagGauge, 9)},
-             VarBind{O("1.3.6.1.1.6"), Value::Unsigned(kTagTimeTicks, 12345)},
-             VarBind{O("1.3.6.1.1.7"), opaque},
-             VarBind{O("1.3.6.1.1.8"), Value::ObjectId(O("1.3.6.1.4.1.32473"))}},
-            kNoError, 0);
-  });
-  ASSERT_TRUE(agent.bound());
-  CSnmpV1 request(0);
-  request.setType(kSnmpGetRequest);
-  request.clearVarBindList();
-  request.setCommunity("public");
-  request.addValue("1.3.6.1.1.1", kSnmpNull, nullptr);
-  CSnmp* answer = nullptr;
-  ASSERT_EQ(request.send(TestAddress(18).c_str(), answer, 3000), 0);
-  ASSERT_NE(answer, nullptr);
-  ASSERT_EQ(answer->getVarBindCount(), 8);
-  const char* expect[] = {"-42", "192.168.10.1", "text", "4000000000", "9", "12345", "01 AB", "1.3.6.1.4.1.32473"};
-  const char* types[] = {"INTEGER", "IpAddress", "OCTET STRING", "Counter", "Gauge", "TimeTicks", "Opaque", "OBJECT IDENTIFIER"};
-  for (int i = 0; i < 8; ++i) {
-    char* oid = nullptr;
-    char* value = nullptr;
-    char* type = nullptr;
-    ASSERT_EQ(answer->getOid(i, oid), 0);
-    EXPECT_EQ(std::string(oid), "1.3.6.1.1." + std::to_string(i + 1));
-    ASSERT_EQ(answer->getValue(i, value, type), 0);
-    EXPECT_STREQ(value, expect[i]);
-    EXPECT_STREQ(type, types[i]);
-    CSnmp::freeText(oid);
-    CSnmp::freeText(value);
-    CSnmp::freeText(type);
-  }
-  char* none = nullptr;
-  EXPECT_EQ(answer->getOid(8, none), -1);
-  EXPECT_EQ(answer->getValue(-1, none), -1);
-  EXPECT_EQ(none, nullptr);
-  int status = -1, index = -1;
-  answer->getError(status, index);
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(index, 0);
-  delete answer;
 }
 
 TEST(SnmpClient, IndependentRequestObjectsOnSeveralThreads) {
