@@ -8,10 +8,14 @@
 #include <string>
 #include <vector>
 
+// ACL_TEST_NET / ACL_TEST_PORT_BASE: the names the GUI flows and the command line's tests use.
+#if defined(ACL_TEST_NET) && !defined(TEST_NET)
+#define TEST_NET ACL_TEST_NET
+#endif
 #ifndef TEST_NET
 #define TEST_NET "127.0.6."
 #endif
-#if defined(ACL_TEST_PORT_BASE) && !defined(TEST_PORT_BASE)  // the GUI flows' name for it
+#if defined(ACL_TEST_PORT_BASE) && !defined(TEST_PORT_BASE)
 #define TEST_PORT_BASE ACL_TEST_PORT_BASE
 #endif
 #include "sim/switch.h"
