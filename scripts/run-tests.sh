@@ -1,8 +1,10 @@
 #!/bin/bash
 # Runs every test of Sentrel on a fresh Debian machine: installs what it needs, builds the
 # native, Windows x64 and i686 trees, then runs the native and interop tests, the fuzz
-# targets for a bounded time, and the Windows and GUI tests under Wine + Xvfb.
+# targets for a bounded time, the Windows and GUI tests under Wine + Xvfb and the demo's walk.
+# Prints how long each step took, then "Total: N passed, N failed"; exits non-zero on a failure.
 # Usage: scripts/run-tests.sh        (from anywhere; the build trees go to build/)
+# Environment: SENTREL_FUZZ_SECONDS  how long each fuzz target runs (default 30)
 set -uo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
@@ -10,8 +12,14 @@ jobs=$(nproc)
 
 scripts/install-deps.sh || { echo "run-tests: installing packages failed"; exit 1; }
 
-total_pass=0; total_fail=0; failed_steps=()
-step() { echo; echo "=== $* ==="; }
+total_pass=0; total_fail=0; failed_steps=(); timings=()
+step_name=""; step_start=$SECONDS; run_start=$SECONDS
+end_step() {
+  [ -z "$step_name" ] || timings+=("$(printf '%6ds  %s' $((SECONDS - step_start)) "$step_name")")
+  step_name=""
+}
+step() { end_step; step_name=$*; step_start=$SECONDS; echo; echo "=== $* ==="; }
+fail() { failed_steps+=("$1"); total_fail=$((total_fail + 1)); }
 # Runs ctest, counts its results into the totals.
 run_ctest() {
   local label=$1; shift
@@ -28,9 +36,17 @@ run_ctest() {
   [ "$rc" = 0 ] || failed_steps+=("$label")
   rm -f "$log"
 }
+# build <preset> [cmake -D options...]: configures and builds the whole tree.
 build() {
-  local preset=$1
-  cmake --preset "$preset" >/dev/null && cmake --build --preset "$preset" -j"$jobs"
+  local preset=$1; shift
+  cmake --preset "$preset" "$@" >/dev/null && cmake --build --preset "$preset" -j"$jobs"
+}
+# The programs a tree's tests run that the tree itself builds (their target names, read from
+# the test files CMake wrote), so a tree that only serves a few tests builds only those.
+test_programs() {
+  find "$1" -name CTestTestfile.cmake -exec grep -h '^add_test' {} + |
+    sed -nE 's|^add_test\(\[=\[[^]]*\]=\] "([^"]*)".*|\1|p' | grep "^$(realpath "$1")/" |
+    xargs -r -n1 basename | sort -u | tr '\n' ' '
 }
 
 step "native build (ASan+UBSan)"
@@ -38,20 +54,25 @@ if build native; then
   step "native and interop tests"
   run_ctest native --test-dir build/native --output-on-failure -j"$jobs"
 else
-  failed_steps+=("native build"); total_fail=$((total_fail + 1))
+  fail "native build"
 fi
 
 if [ -d fuzz ] || [ -d tests/fuzz ]; then
+  # Only the fuzz targets and what they link: the rest of the tree is built and tested above.
+  # The targets run side by side, each for a bounded time, from their seed corpus.
   step "fuzz targets (bounded runs)"
-  if build fuzz; then
-    run_ctest fuzz --test-dir build/fuzz --output-on-failure
+  fuzz_seconds=${SENTREL_FUZZ_SECONDS:-30}
+  if cmake --preset fuzz -DSNMP_FUZZ_SECONDS="$fuzz_seconds" >/dev/null &&
+     targets=$(test_programs build/fuzz) && [ -n "$targets" ] &&
+     cmake --build --preset fuzz -j"$jobs" --target $targets; then
+    run_ctest fuzz --test-dir build/fuzz --output-on-failure -j"$jobs"
   else
-    failed_steps+=("fuzz build"); total_fail=$((total_fail + 1))
+    fail "fuzz build"
   fi
 fi
 
 step "win32 build (compile and link only)"
-build win32 || { failed_steps+=("win32 build"); total_fail=$((total_fail + 1)); }
+build win32 || fail "win32 build"
 
 step "win64 build"
 if build win64; then
@@ -59,8 +80,10 @@ if build win64; then
   build/win64/wine-run --prefix-only
   export WINEPREFIX=$root/build/win64/wineprefix
   wineserver -p 2>/dev/null || true   # one server for the whole run, not one per test
+  # Side by side: the GUI tests, one after the other in their own prefix, beside the other
+  # Windows tests; tests that change the same registration take turns (ctest resource locks).
   xvfb_log=$(mktemp)
-  xvfb-run -a -s "-screen 0 1280x1024x24" bash -c "$(declare -f run_ctest); total_pass=0; total_fail=0; failed_steps=(); run_ctest win64 --test-dir build/win64 --output-on-failure; echo \"\$total_pass \$total_fail \${#failed_steps[@]}\" > '$xvfb_log'"
+  xvfb-run -a -s "-screen 0 1280x1024x24" bash -c "$(declare -f run_ctest); total_pass=0; total_fail=0; failed_steps=(); run_ctest win64 --test-dir build/win64 --output-on-failure -j$jobs; echo \"\$total_pass \$total_fail \${#failed_steps[@]}\" > '$xvfb_log'"
   read -r p f s < "$xvfb_log" || { p=0; f=1; s=1; }
   total_pass=$((total_pass + p)); total_fail=$((total_fail + f))
   [ "${s:-1}" = 0 ] || failed_steps+=("win64 tests")
@@ -75,13 +98,17 @@ if build win64; then
   elif SENTREL_SIM=build/native/sim/sentrel-sim scripts/run-demo.sh --no-build --walk-only; then
     total_pass=$((total_pass + 1))
   else
-    failed_steps+=("demo walk"); total_fail=$((total_fail + 1))
+    fail "demo walk"
   fi
 else
-  failed_steps+=("win64 build"); total_fail=$((total_fail + 1))
+  fail "win64 build"
 fi
+end_step
 
 echo
+echo "Time per step ($jobs jobs at a time):"
+printf '%s\n' "${timings[@]}"
+printf '%6ds  %s\n' $((SECONDS - run_start)) "the whole run"
 if [ ${#failed_steps[@]} -gt 0 ]; then
   echo "run-tests: FAILED steps: ${failed_steps[*]}"
 fi
