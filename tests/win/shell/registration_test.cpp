@@ -1,13 +1,11 @@
 // Registration and unregistration of the real Sentrel.dll with Wine's regsvr32, read back
 // from the registry key by key and value by value.
 #include <windows.h>
-#include <oleauto.h>
 
 #include <gtest/gtest.h>
 
 #include <set>
 
-#include "Sentrel.h"
 #include "tests/win/shell/shell_test_env.h"
 
 using namespace sentrel_test;
@@ -90,13 +88,8 @@ protected:
                   ClassRegistration(kSentrelCfgClsid, "OrblaneLib.CSentrelCfg.1", "OrblaneLib.CSentrelCfg"));
         EXPECT_FALSE(RegKeyExists(HKEY_CLASSES_ROOT, std::string("CLSID\\") + kTve4060Clsid))
             << "TVE4060Produre is in the type library only";
-        EXPECT_EQ(LoadedModulePath(SentrelDll()), GetRegString(HKEY_CLASSES_ROOT, std::string(kTypeLibKey) + "\\0\\win64", nullptr));
-        ITypeLib* lib = nullptr;
-        ASSERT_EQ(S_OK, LoadRegTypeLib(LIBID_SENTRELLib, 1, 0, 0, &lib));
-        ITypeInfo* info = nullptr;
-        EXPECT_EQ(S_OK, lib->GetTypeInfoOfGuid(IID_ICSentrelCfg, &info));
-        if (info) info->Release();
-        lib->Release();
+        EXPECT_EQ(LoadedModulePath(SentrelDll()), GetRegString(HKEY_CLASSES_ROOT, std::string(kTypeLibKey) + "\\0\\win64", nullptr))
+            << "the type library, registered from the module itself";
     }
 };
 
