@@ -312,3 +312,6 @@
 #define IDC_PACKET_OFFSET48          1191
 #define IDC_PACKET_OFFSET64          1192
 #define IDC_PACKET_RANGE_MASK_FIRST  1193  // 1193-1212: range r's four 8-digit masks at 1193 + 4r + k
+
+// The rule-creation pages.
+#include "rule_resource.h"

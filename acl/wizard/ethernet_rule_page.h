@@ -1,17 +1,20 @@
-// Page 11 `CACLAddrule` ("Add Rule: Rule Detail" (Ethernet)): Back and Next on activation.
-// Its rule fields and pending list come with the rule dialogs, and with them the writing of the
-// rule staging file on Next; the frame sets `m_nRuleType` and goes on to page 16.
+// Page 11 `CACLAddrule` ("Add Rule: Rule Detail", Ethernet): VLAN name, 802.1P, the two MAC
+// addresses and the Ethernet type, enabled by the chosen Ethernet profile's masks.
 #pragma once
-#include "acl/wizard/page_base.h"
+#include "acl/wizard/rule_definition_page.h"
 
 namespace acl::wizard {
 
-class CACLAddrule : public CACLPage {
+class CACLAddrule : public CRuleDefinitionPage {
 public:
     CACLAddrule();
 
 protected:
-    LRESULT OnWizardNext() override;
+    std::span<const std::string> ChosenProfile() const override;
+    void EnableTypeFields(const acl::RuleEnabling& enabling) override;
+    void ReadTypeFields(RuleFields& fields) const override;
+    void WriteTypeFields(const RuleFields& fields) override;
+    void ClearTypeFields() override;
 };
 
 }  // namespace acl::wizard

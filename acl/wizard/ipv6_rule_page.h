@@ -1,17 +1,20 @@
-// Page 15 `CACLAddIPv6Rule` ("Add Rule: Rule Detail" (IPv6)): Back and Next on activation.
-// Its rule fields and pending list come with the rule dialogs, and with them the writing of the
-// rule staging file on Next; the frame sets `m_nRuleType` and goes on to page 16.
+// Page 15 `CACLAddIPv6Rule` ("Add Rule: Rule Detail", IPv6): class, flow label and the two
+// addresses, enabled by the chosen IPv6 profile's masks; "No Limit" beside the Rx Rate.
 #pragma once
-#include "acl/wizard/page_base.h"
+#include "acl/wizard/rule_definition_page.h"
 
 namespace acl::wizard {
 
-class CACLAddIPv6Rule : public CACLPage {
+class CACLAddIPv6Rule : public CRuleDefinitionPage {
 public:
     CACLAddIPv6Rule();
 
 protected:
-    LRESULT OnWizardNext() override;
+    std::span<const std::string> ChosenProfile() const override;
+    void EnableTypeFields(const acl::RuleEnabling& enabling) override;
+    void ReadTypeFields(RuleFields& fields) const override;
+    void WriteTypeFields(const RuleFields& fields) override;
+    void ClearTypeFields() override;
 };
 
 }  // namespace acl::wizard

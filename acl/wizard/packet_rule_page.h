@@ -1,17 +1,27 @@
-// Page 17 `CACLAddPacketRule` ("Add Rule: Rule Detail" (Packet Content)): Back and Next on activation.
-// Its rule fields and pending list come with the rule dialogs, and with them the writing of the
-// rule staging file on Next; the frame sets `m_nRuleType` and goes on to page 16.
+// Page 17 `CACLAddPacketRule` ("Add Rule: Rule Detail", packet content): one row per part of
+// the packet the model's layout matches, each with a check box that enables its fields: four
+// chunks (offset and value), five content items (offset and value) or five 16-byte ranges.
 #pragma once
-#include "acl/wizard/page_base.h"
+#include "acl/wizard/rule_definition_page.h"
 
 namespace acl::wizard {
 
-class CACLAddPacketRule : public CACLPage {
+class CACLAddPacketRule : public CRuleDefinitionPage {
 public:
     CACLAddPacketRule();
 
 protected:
-    LRESULT OnWizardNext() override;
+    std::span<const std::string> ChosenProfile() const override;
+    void EnableTypeFields(const acl::RuleEnabling& enabling) override;
+    void ReadTypeFields(RuleFields& fields) const override;
+    void WriteTypeFields(const RuleFields& fields) override;
+    void ClearTypeFields() override;
+    BOOL OnTypeCommand(int id, int code) override;
+
+private:
+    PacketShape Shape() const;
+    int Rows() const { return Shape() == PacketShape::kChunks4 ? 4 : 5; }
+    void EnableRow(int i);
 };
 
 }  // namespace acl::wizard

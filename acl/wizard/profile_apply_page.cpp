@@ -5,6 +5,7 @@
 
 #include "acl/acl_device.h"
 #include "acl/acl_staging.h"
+#include "acl/wizard/apply_run.h"
 #include "acl/wizard/pending_columns.h"
 #include "res/resource.h"
 #include "ui/controls.h"
@@ -31,11 +32,7 @@ std::span<const PendingColumn> FieldColumns(AclType type, size_t cellCount) {
 CACLApply::CACLApply() : CACLPage(acl::pages::kPageApply, IDD_ACL_APPLY, kBackFinish) {}
 
 BOOL CACLApply::OnInitDialog() {
-    m_switchList.Attach(GetDlgItem(IDC_APPLY_SWITCH_LIST));
-    m_switchList.SetExtendedStyle(LVS_EX_FULLROWSELECT);
-    m_switchList.InsertColumn(0, ui::LoadResString(IDS_APPLY_COL_DEVICE_IP), 130);
-    m_switchList.InsertColumn(1, ui::LoadResString(IDS_APPLY_COL_DEVICE_NAME), 130);
-    m_switchList.InsertColumn(2, ui::LoadResString(IDS_APPLY_COL_STATUS), 270);
+    SetUpSwitchList(m_switchList, GetDlgItem(IDC_APPLY_SWITCH_LIST));
     m_profileList.Attach(GetDlgItem(IDC_APPLY_PROFILE_LIST));
     m_profileList.SetExtendedStyle(LVS_EX_FULLROWSELECT);
     m_profileList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 80);
@@ -62,13 +59,7 @@ BOOL CACLApply::OnSetActive() {
     m_profileList.DeleteAllItems();
     m_details.DeleteAllItems();
     ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
-    // The switch list: IP, device type, result word (empty until an apply).
-    m_switchList.DeleteAllItems();
-    for (long i = 0; i < wizard.m_nTargetCount; ++i) {
-        const ACLTarget& t = wizard.m_aTargets[static_cast<size_t>(i)];
-        const int row = m_switchList.InsertItem(static_cast<int>(i), t.strIP);
-        m_switchList.SetItemText(row, 1, t.strDeviceType);
-    }
+    FillSwitchList(m_switchList, wizard);
     // Step 4: all four profile staging files, whatever the model offers: a type it
     // does not offer is listed but not sent. A missing file gives an empty
     // list.
@@ -92,45 +83,15 @@ BOOL CACLApply::OnSetActive() {
     return TRUE;
 }
 
-// Apply to Switch: every target in order through the ACL core's apply, which sends
-// the records, moves the progress bar, judges the closing request and deletes the staging
-// files at the end; the page shows the words and sets the applied flag.
-void CACLApply::ApplyToSwitches() {
-    WizardState& wizard = State();
-    const HCURSOR previous = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));  // IDC_WAIT
-    HWND progress = GetDlgItem(IDC_APPLY_PROGRESS);
-    ShowWindow(progress, SW_SHOW);
-    SendMessageA(progress, PBM_SETRANGE, 0, MAKELPARAM(0, 100));
-    SendMessageA(progress, PBM_SETPOS, 0, 0);
-    SendMessageA(progress, PBM_SETSTEP, 1, 0);
-
-    std::vector<AclTarget> targets;
-    for (long i = 0; i < wizard.m_nTargetCount; ++i) {
-        const ACLTarget& t = wizard.m_aTargets[static_cast<size_t>(i)];
-        targets.push_back(AclTarget{t.strIP, t.strReadCommunity, t.strWriteCommunity, wizard.m_aTargets[0].strDeviceType});
-    }
-    AclApplyCallbacks callbacks;
-    callbacks.progress = [progress](int position) {
-        SendMessageA(progress, PBM_SETPOS, static_cast<WPARAM>(position), 0);
-        UpdateWindow(progress);
-    };
-    callbacks.result = [this](size_t target, const char* word) {
-        m_switchList.SetItemText(static_cast<int>(target), 2, word);
-        UpdateWindow(m_switchList.GetSafeHwnd());
-    };
-    callbacks.deleteStaged = [] { ::DeleteProfileStagingFiles(); };
-    ApplyProfiles(targets, OwnerOf(m_nACLKind), m_lists, callbacks);
-
-    wizard.m_bProfilesApplied = 1;
-    SetCursor(previous ? previous : LoadCursorA(nullptr, MAKEINTRESOURCEA(32512)));  // IDC_ARROW
-    ShowWindow(progress, SW_HIDE);
-}
-
 BOOL CACLApply::OnCommand(WPARAM wParam, LPARAM) {
     if (HIWORD(wParam) != BN_CLICKED) return FALSE;
     switch (LOWORD(wParam)) {
     case IDC_APPLY_APPLY:
-        ApplyToSwitches();
+        // What was sent leaves the lists: a second Apply sends only the closing request.
+        ApplyToTargets(State(), AclKind::kProfiles, GetDlgItem(IDC_APPLY_PROGRESS), m_switchList, m_lists,
+                       [] { ::DeleteProfileStagingFiles(); });
+        m_profileList.DeleteAllItems();
+        ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
         return TRUE;
     case IDC_APPLY_NEXT_DEVICE:
         Sheet()->SetActivePage(acl::pages::kPageDeviceList);

@@ -1,7 +1,6 @@
 // Page 10 `CACLApply` ("Confirmation Page"): the selected switches, the
-// pending profiles read back from the staging files, and "Apply to Switch", which
-// runs the ACL core's apply (ApplyProfiles) on the user-interface thread with the
-// wait cursor and the progress bar, writing each switch's result word. "Configure Next
+// pending profiles read back from the staging files, and "Apply to Switch" (shared with
+// "Add rule", acl/wizard/apply_run.h). "Configure Next
 // Device" goes to page 0, "Create Rules" to page 5. Finish and Cancel delete the four profile
 // staging files.
 #pragma once
@@ -27,7 +26,6 @@ protected:
     void OnDestroy() override;
 
 private:
-    void ApplyToSwitches();
     void ShowDetails(int row);
 
     long m_nACLKind = 1;

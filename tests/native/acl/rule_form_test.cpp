@@ -1,0 +1,154 @@
+// What the rule pages take from the core: the port list "ALL Ports" puts in the field, the MAC
+// forms accepted, the enabling of fields by a profile made by the definition pages, and a
+// pending rule loaded back into the fields rebuilding the same row.
+#include <gtest/gtest.h>
+
+#include "acl/rule_form.h"
+#include "tests/native/acl/model_for_test.h"
+
+namespace {
+
+constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent};
+
+TEST(RuleForm, AllPortsNamesEveryPortOfTheModelAndPassesThePortCheck) {
+  for (const ModelEntry* m = CatalogueBegin(); m != CatalogueEnd(); ++m) {
+    if (!m->supported) continue;
+    const std::string all = acl::AllPortsText(*m);
+    EXPECT_EQ("1-" + std::to_string(m->portCount), all) << m->typeText;
+    EXPECT_TRUE(ValidatePortList(all, m->portCount)) << m->typeText;
+  }
+}
+
+TEST(RuleForm, MacTypedAsTheExampleShowsBecomesTwelveDigitsAnythingElseStaysForTheCheck) {
+  const struct {
+    const char* typed;
+    const char* sent;
+  } cases[] = {
+      {"00-00-00-00-FF-FF", "00000000FFFF"}, {"00:a0:c9:ff:ee:01", "00a0c9ffee01"},
+      {" 00-11-22-33-44-55 ", "001122334455"}, {"00-11:22-33-44-55", "00-11:22-33-44-55"},
+      {"0-011-22-33-44-55", "0-011-22-33-44-55"}, {"00-11-22-33-44-5G", "00-11-22-33-44-5G"},
+      {"00.11.22.33.44.55", "00.11.22.33.44.55"}, {"001122334455", "001122334455"}, {"", ""}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(c.sent, acl::MacWithoutSeparators(c.typed)) << c.typed;
+    RuleFields f;
+    f.profileId = "1";
+    f.accessId = "2";
+    f.ports = "1";
+    f.dstMac = acl::MacWithoutSeparators(c.typed);
+    const bool accepted = std::string(c.sent).find_first_of("-:. ") == std::string::npos;
+    EXPECT_EQ(accepted, ValidateRule(AclType::kEthernet, AclOwner::kAcl, M("TVG5690"), f) == nullptr) << c.typed;
+  }
+}
+
+// A profile as the definition pages build it, copied as the select page copies it, enables
+// exactly the fields its masks name.
+TEST(RuleForm, ProfilesOfTheDefinitionPagesEnableTheirFields) {
+  ProfileFields tcp;
+  tcp.profileId = "4";
+  tcp.dstIpChecked = true;
+  tcp.protocolGroup = 5;
+  tcp.protocolChecked = true;
+  tcp.srcPortMask = "FFFF";
+  tcp.flagBitsChecked = true;
+  ProfileFields icmp;
+  icmp.vlan = icmp.dscp = true;
+  icmp.protocolGroup = 3;
+  icmp.protocolChecked = icmp.codeChecked = true;
+  ProfileFields eth;
+  eth.srcMacChecked = eth.ethernetType = true;
+  eth.srcMac = "FFFFFFFFFFFF";
+  ProfileFields v6;
+  v6.flowLabel = v6.dstIpv6Checked = true;
+  const struct {
+    AclType type;
+    const ProfileFields& profile;
+    acl::RuleEnabling want;
+  } cases[] = {
+      {AclType::kIPv4, tcp, {.dstAddr = true, .area = acl::ProtocolArea::kTcp, .first = true, .flags = true}},
+      {AclType::kIPv4, icmp, {.vlan = true, .dscp = true, .area = acl::ProtocolArea::kIcmp, .second = true}},
+      {AclType::kEthernet, eth, {.srcAddr = true, .ethertype = true}},
+      {AclType::kIPv6, v6, {.dstAddr = true, .flowLabel = true}},
+  };
+  for (const auto& c : cases) {
+    const AclRecord record = BuildProfile(c.type, AclOwner::kAcl, M("TVR4820"), c.profile);
+    const acl::RuleEnabling e = acl::EnablingFor(c.type, acl::ChosenProfileFields(c.type, record));
+    const acl::RuleEnabling& w = c.want;
+    EXPECT_EQ(std::tuple(w.vlan, w.srcAddr, w.dstAddr, w.p8021, w.ethertype, w.dscp, w.area, w.first, w.second,
+                         w.flags, w.ipv6Class, w.flowLabel),
+              std::tuple(e.vlan, e.srcAddr, e.dstAddr, e.p8021, e.ethertype, e.dscp, e.area, e.first, e.second,
+                         e.flags, e.ipv6Class, e.flowLabel))
+        << TypeWord(c.type) << " " << testing::PrintToString(record);
+  }
+  EXPECT_TRUE(acl::ChosenProfileFields(AclType::kIPv4, {"1", "2"}).empty());  // a short record
+}
+
+// Every rule kind of every model: the row built from fields, loaded back into fields, builds
+// the same row (a click on a pending rule shows what Add sent).
+TEST(RuleForm, PendingRuleLoadedBackRebuildsTheSameRow) {
+  for (const ModelEntry* m = CatalogueBegin(); m != CatalogueEnd(); ++m) {
+    if (!m->supported) continue;
+    for (AclOwner owner : {AclOwner::kAcl, AclOwner::kCpu}) {
+      for (AclType type : kTypes) {
+        if (!m->offersRuleType(owner, type)) continue;
+        const acl::RuleRows rows = acl::RuleRowsFor(*m, owner, type);
+        RuleFields f;
+        f.profileId = "7";
+        f.accessId = "3";
+        f.action = owner == AclOwner::kAcl && type != AclType::kPacketContent ? "3" : "1";
+        f.ports = rows.portsFixedZero ? "0" : "1-4";
+        if (rows.rxRate) f.rxRate = "100";
+        f.priorityChecked = rows.priority;
+        if (rows.priority) f.priority = "5";
+        f.replaceDscpChecked = rows.replaceDscp;
+        if (rows.replaceDscp) f.replaceDscp = "9";
+        f.vlan = "v1";
+        f.srcMac = "00A0C9FFEE01";
+        f.p8021 = "3";
+        f.ethertype = "0800";
+        f.srcIp = "10.0.0.1";
+        f.dscp = "8";
+        f.protocol = "4";
+        f.value1 = "80";
+        f.value2 = "443";
+        f.flagBits = "18";
+        f.ipv6Class = "5";
+        f.flowLabel = "ABC";
+        f.dstIpv6 = "FE800000000000000000000000000001";
+        f.items[1] = {true, "4", "0800FFFF"};
+        const std::string what = std::string(m->typeText) + " " + TypeWord(type) + (owner == AclOwner::kCpu ? " CPU" : "");
+        ASSERT_EQ(ValidateRule(type, owner, *m, f), nullptr) << what;
+        const AclRecord row = BuildRule(type, owner, *m, f);
+        EXPECT_EQ(row, BuildRule(type, owner, *m, acl::RuleFieldsFromRecord(type, owner, *m, row))) << what;
+        EXPECT_EQ("3", acl::RuleFieldsFromRecord(type, owner, *m, row).accessId) << what;
+      }
+    }
+  }
+}
+
+TEST(RuleForm, RowsAndLabelsFollowTheModel) {
+  const struct {
+    const char* model;
+    AclOwner owner;
+    AclType type;
+    bool rx, dscp, tos, fixedZero;
+    const char* accessLabel;
+  } cases[] = {
+      {"TVG5690", AclOwner::kAcl, AclType::kEthernet, true, true, true, false, "Access ID(1-128)"},
+      {"TVR4510", AclOwner::kAcl, AclType::kIPv4, false, true, true, false, "Access ID(1-65535)"},
+      {"TVR4060", AclOwner::kAcl, AclType::kPacketContent, false, false, false, false, "Access ID(1-65535)"},
+      {"TVR4820", AclOwner::kCpu, AclType::kEthernet, false, false, false, true, "Access ID(1-65535)"},
+      {"TVG5470", AclOwner::kCpu, AclType::kPacketContent, false, false, false, false, "Access ID(1-200)"},
+  };
+  for (const auto& c : cases) {
+    const acl::RuleRows r = acl::RuleRowsFor(M(c.model), c.owner, c.type);
+    EXPECT_EQ(std::tuple(c.rx, c.dscp, c.tos, c.fixedZero, !c.fixedZero),
+              std::tuple(r.rxRate, r.replaceDscp, r.replaceTos, r.portsFixedZero, r.allPorts))
+        << c.model << " " << TypeWord(c.type);
+    EXPECT_EQ(c.accessLabel, acl::AccessIdLabel(M(c.model), c.owner, c.type)) << c.model;
+  }
+  EXPECT_EQ("Rx Rate (1-15624)", acl::RxRateLabel(M("TVR4512"), AclType::kPacketContent));
+  EXPECT_EQ("12", acl::DropLastCharacter("12a"));
+  EXPECT_EQ("", acl::DropLastCharacter(""));
+}
+
+}  // namespace
