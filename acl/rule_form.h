@@ -68,10 +68,6 @@ namespace acl {
 std::string ActionCode(std::string_view word, AclOwner owner);
 const char* ActionWord(std::string_view code);
 
-// A pending rule's cells back in the fields that made it (a click on the row loads them).
-RuleFields RuleFieldsFromRecord(AclType ruleType, AclOwner owner, const ModelEntry& model,
-                                const AclRecord& record);
-
 }  // namespace acl
 
 namespace acl {

@@ -1,5 +1,6 @@
 #include "acl/wizard/rule_definition_page.h"
 
+#include "acl/acl_fields.h"
 #include "acl/acl_staging.h"
 #include "acl/wizard/rule_columns.h"
 #include "res/resource.h"
@@ -195,7 +196,10 @@ void CRuleDefinitionPage::LoadRow(int row) {
     const ModelEntry* model = LookupSupportedModel(m_strModel);
     const AclRecordList& pending = m_pending[OwnerIndex()];
     if (model == nullptr || row < 0 || static_cast<size_t>(row) >= pending.size()) return;
-    const RuleFields f = acl::RuleFieldsFromRecord(m_type, Owner(), *model, pending[static_cast<size_t>(row)]);
+    const AclRecord& rule = pending[static_cast<size_t>(row)];
+    // An IPv4 rule carries its profile's protocol code in cell 6.
+    const std::string protocol = m_type == AclType::kIPv4 && rule.size() > 6 ? rule[6] : std::string();
+    const RuleFields f = RuleFieldsFromRecord(m_type, Owner(), *model, rule, protocol);
     m_bInPortCheck = true;  // the rule passed the check when it was added
     SetText(IDC_RULE_ACCESS_ID, f.accessId);
     SetText(IDC_RULE_PORTS, f.ports);

@@ -3,6 +3,7 @@
 // pending rule loaded back into the fields rebuilding the same row.
 #include <gtest/gtest.h>
 
+#include "acl/acl_fields.h"
 #include "acl/rule_form.h"
 #include "tests/native/acl/model_for_test.h"
 
@@ -118,8 +119,8 @@ TEST(RuleForm, PendingRuleLoadedBackRebuildsTheSameRow) {
         const std::string what = std::string(m->typeText) + " " + TypeWord(type) + (owner == AclOwner::kCpu ? " CPU" : "");
         ASSERT_EQ(ValidateRule(type, owner, *m, f), nullptr) << what;
         const AclRecord row = BuildRule(type, owner, *m, f);
-        EXPECT_EQ(row, BuildRule(type, owner, *m, acl::RuleFieldsFromRecord(type, owner, *m, row))) << what;
-        EXPECT_EQ("3", acl::RuleFieldsFromRecord(type, owner, *m, row).accessId) << what;
+        EXPECT_EQ(row, BuildRule(type, owner, *m, RuleFieldsFromRecord(type, owner, *m, row, type == AclType::kIPv4 ? row[6] : ""))) << what;
+        EXPECT_EQ("3", RuleFieldsFromRecord(type, owner, *m, row, type == AclType::kIPv4 ? row[6] : "").accessId) << what;
       }
     }
   }
