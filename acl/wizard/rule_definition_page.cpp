@@ -166,8 +166,8 @@ void CRuleDefinitionPage::OnAdd() {
     RuleFields fields = ReadFields();
     const std::span<const std::string> profile = ChosenProfile();
     fields.profileId = profile.empty() ? std::string() : profile[0];
-    if (const char* message = ValidateRule(m_type, Owner(), *model, fields)) {
-        ui::MessageBoxOk(GetSafeHwnd(), message);
+    if (const AclCheck check = ValidateRule(m_type, Owner(), *model, fields); check.code != AclMessage::kNone) {
+        ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(static_cast<UINT>(check.code)));
         return;
     }
     AclRecordList& pending = m_pending[OwnerIndex()];
