@@ -145,13 +145,17 @@ struct Session {
     if (progress && terminal) p = std::make_unique<Progress>(err, plans, true, false);
     ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
       if (p) p->Update(i, "reading");
-      const auto start = std::chrono::steady_clock::now();
-      plans[i].before = ReadSwitch(*plans[i].sw, owners[i], c.timeoutMs);
-      plans[i].seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-      if (!plans[i].before.reached) plans[i].failure = "no answer within " + std::to_string(c.timeoutMs) + " ms";
+      ReadOne(plans[i], owners[i]);
       if (p) p->Update(i, plans[i].before.reached ? "read" : "no answer");
     });
     return plans;
+  }
+
+  void ReadOne(SwitchPlan& plan, std::array<bool, 2> owners) {
+    const auto start = std::chrono::steady_clock::now();
+    plan.before = ReadSwitch(*plan.sw, owners, c.timeoutMs);
+    plan.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    if (!plan.before.reached) plan.failure = "no answer within " + std::to_string(c.timeoutMs) + " ms";
   }
 
   void PrintPlan(const std::vector<SwitchPlan>& plans, bool verbose) {
@@ -187,7 +191,9 @@ struct Session {
   }
 
   // Applies the plans in parallel with the audit log open; prints the recap. Exit status.
-  int Apply(std::vector<SwitchPlan>& plans) {
+  // `prepare`, when given, reads and plans a switch in its own worker first, so a slow switch
+  // never holds the others back between reading and writing.
+  int Apply(std::vector<SwitchPlan>& plans, const std::function<void(size_t)>& prepare = nullptr) {
     AclAuditLog audit(c.auditLog.empty() ? DefaultAuditLogPath() : c.auditLog, [this](const AclTarget& t) {
       for (const SwitchEntry* s : selected)
         if (s->target.ip == t.ip) return s->name;
@@ -207,6 +213,10 @@ struct Session {
     options.timeoutMs = c.timeoutMs;
     options.progress = [&](size_t i, const std::string& s) { progress.Update(i, s); };
     ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
+      if (prepare) {
+        options.progress(i, "reading");
+        prepare(i);
+      }
       if (plans[i].before.reached) ApplySwitch(plans[i], options, i);
       else options.progress(i, "no answer");
     });
@@ -422,10 +432,18 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
       switches.push_back(d.sw);
       owners.push_back(d.named);
     }
+    if (apply->parsed() && !dryRun) {
+      plans.resize(switches.size());
+      for (size_t i = 0; i < plans.size(); ++i) plans[i].sw = switches[i];
+      return s.Apply(plans, [&](size_t i) {
+        s.ReadOne(plans[i], owners[i]);
+        if (plans[i].before.reached) PlanSwitch(desired[i], modes.at(mode), plans[i]);
+      });
+    }
     plans = s.Read(switches, owners, true);
     for (size_t i = 0; i < plans.size(); ++i)
       if (plans[i].before.reached) PlanSwitch(desired[i], modes.at(mode), plans[i]);
-    if (plan->parsed() || dryRun) {
+    {
       s.PrintPlan(plans, verbose);
       bool pending = false, unreachable = false;
       for (const SwitchPlan& p : plans) {
@@ -434,7 +452,6 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
       }
       return unreachable ? kExitFailed : (pending && detailed) ? kExitPending : kExitOk;
     }
-    return s.Apply(plans);
   }
 
   // delete
