@@ -234,6 +234,7 @@ TEST(AclDevice, SeveralTargetsOneSilentOneRefusing) {
   EXPECT_EQ(SetOids(d.sets()), withClosing);
   EXPECT_EQ(SetOids(c.sets()), records);
   EXPECT_EQ(b.requests(), 4u);
+  ASSERT_EQ(a.sets().size(), 5u);
   EXPECT_EQ(a.sets()[4].varbinds[0].value.integer, 5) << "TVR4820 closes with 5";
 }
 
