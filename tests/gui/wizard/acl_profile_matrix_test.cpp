@@ -4,6 +4,7 @@
 // Next), applied on the Confirmation Page (Part 5.4), and read back from the simulated switch
 // afterwards: every cell the writer sent reads back the same (Parts 4.2, 4.3).
 #include <array>
+#include <vector>
 
 #include "record_compare.h"
 #include "tests/gui/wizard/profile_flow.h"
@@ -56,8 +57,62 @@ int PendingListOf(AclType type) {
     return 0;
 }
 
+int RulePageOf(AclType type) {
+    switch (type) {
+    case AclType::kEthernet: return acl::pages::kPageEthRule;
+    case AclType::kIPv4: return acl::pages::kPageIPv4Rule;
+    case AclType::kIPv6: return acl::pages::kPageIPv6Rule;
+    case AclType::kPacketContent: return acl::pages::kPagePacketRule;
+    }
+    return -1;
+}
+
 class ProfileMatrixGui : public ProfileFlowGui, public ::testing::WithParamInterface<Case> {
 protected:
+    // On the rule page of `type`, under the profile FillAndAdd made: the fields its masks
+    // enable, then Add. The destination MAC is typed as the page's example shows it.
+    static void FillRuleAndAdd(WizardDriver& d, AclType type, const ModelEntry& model, AclOwner owner) {
+        d.TypeText(IDC_RULE_ACCESS_ID, "1");
+        if (IsWindowEnabled(d.Control(IDC_RULE_PORTS))) d.TypeText(IDC_RULE_PORTS, "1-2");
+        if (IsWindowVisible(d.Control(IDC_RULE_PRIORITY_CHECK))) {
+            d.ClickButton(IDC_RULE_PRIORITY_CHECK);
+            d.TypeText(IDC_RULE_PRIORITY, "3");
+        }
+        switch (type) {
+        case AclType::kEthernet:
+            d.TypeText(IDC_RULE_VLAN, "v1");
+            d.TypeText(IDC_RULE_DST_MAC, "00-11-22-33-44-55");
+            break;
+        case AclType::kIPv4:  // the TCP profile with a destination port mask
+            d.TypeText(IDC_RULE_VLAN, "v1");
+            d.TypeText(IDC_RULE_SECOND, "80");
+            break;
+        case AclType::kIPv6:
+            d.TypeText(IDC_RULE_CLASS, "5");
+            d.TypeText(IDC_RULE_DST_IPV6, "FE800000000000000000000000000001");
+            break;
+        case AclType::kPacketContent: {
+            const PacketShape shape = model.packetShape(owner, AclKind::kRules);
+            d.ClickButton(IDC_RULE_ITEM_FIRST);
+            if (shape != PacketShape::kBlock16) d.TypeText(IDC_RULE_ITEM_OFFSET_FIRST, "3");
+            d.TypeText(IDC_RULE_ITEM_DATA_FIRST, shape == PacketShape::kBlock16  ? "00112233445566778899AABBCCDDEEFF"
+                                                 : shape == PacketShape::kChunks4 ? "0800FFFF"
+                                                                                  : "0800");
+            break;
+        }
+        }
+        d.ClickButton(IDC_RULE_ADD);
+    }
+    // Next on "Add Rules:Select Profile" refuses while the device is read: press it again.
+    static void NextWhenRead(WizardDriver& d) {
+        for (int i = 0; i < 50 && d.ActiveIndex() == acl::pages::kPageSelectProfile; ++i) {
+            d.Next();
+            if (d.ActiveIndex() == acl::pages::kPageSelectProfile) {
+                d.TakeMessages();
+                Sleep(200);
+            }
+        }
+    }
     // On the definition page of `type`: masks a user would set, then Add.
     static void FillAndAdd(WizardDriver& d, AclType type, const ModelEntry& model, AclOwner owner) {
         switch (type) {
@@ -113,6 +168,8 @@ TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadB
     ASSERT_TRUE(agent.ok()) << agent.error();
     const bool named = std::string(c.model) == "TVR4512" && c.nACLKind == 1;
     std::array<AclRecordList, 4> sent{};
+    std::array<AclRecordList, 4> rules{};
+    std::vector<AclType> ruleTypes;
 
     Wizard({{agent.address(), c.model}}, c.nACLKind, [&](WizardDriver& d) {
         for (size_t i = 0; i < offered.size(); ++i) {
@@ -154,6 +211,48 @@ TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadB
         ASSERT_TRUE(d.WaitFor([&] { return !d.CellText(switches, 0, 2).empty(); }, 20000));
         EXPECT_EQ(c.nACLKind == 1 ? "Succeed" : "Success", d.CellText(switches, 0, 2));
         d.Screenshot(std::string("matrix-") + CaseName({GetParam(), 0}) + "-page-10-applied");
+
+        // Rules: one of each offered type under the profile of that type just made.
+        d.ClickButton(IDC_APPLY_CREATE_RULES);
+        for (size_t i = 0; i < offered.size(); ++i) {
+            const AclType type = offered[i];
+            if (!model.offersRuleType(owner, type)) continue;
+            if (!ruleTypes.empty()) {
+                d.Back();  // to the rule page, then to "Add Rules:Select Profile"
+                d.Back();
+            }
+            ruleTypes.push_back(type);
+            ASSERT_EQ(acl::pages::kPageSelectProfile, d.ActiveIndex());
+            HWND list = d.Control(IDC_STEP4_PROFILE_LIST);
+            ASSERT_TRUE(d.WaitFor([&] { return d.RowCount(list) == static_cast<int>(offered.size()); }, 20000));
+            int row = -1;
+            for (int r = 0; r < d.RowCount(list); ++r)
+                if (d.CellText(list, r, 0) == std::to_string(i + 1) && d.CellText(list, r, 1) == TypeWord(type)) row = r;
+            ASSERT_GE(row, 0) << TypeWord(type);
+            d.ClickCell(list, row, 0);
+            NextWhenRead(d);
+            ASSERT_EQ(RulePageOf(type), d.ActiveIndex()) << TypeWord(type);
+            FillRuleAndAdd(d, type, model, owner);
+            EXPECT_TRUE(d.TakeMessages().empty()) << TypeWord(type) << " rule";
+            ASSERT_EQ(1, d.RowCount(d.Control(IDC_RULE_LIST))) << TypeWord(type);
+            d.Screenshot(std::string("matrix-") + CaseName({GetParam(), 0}) + "-page-" + std::to_string(RulePageOf(type)));
+            d.Next();
+            ASSERT_EQ(acl::pages::kPageRuleApply, d.ActiveIndex());
+        }
+        if (ruleTypes.empty()) return;
+        ASSERT_EQ(static_cast<int>(ruleTypes.size()), d.RowCount(d.Control(IDC_RAPPLY_RULE_LIST)));
+        for (AclType type : ruleTypes) {
+            const auto file = StagingFileFor(model, owner, AclKind::kRules, type);
+            ASSERT_TRUE(file.has_value());
+            rules[static_cast<size_t>(type)] = ReadStagingFile(file->name, file->cellCount, file->bufferSize);
+            ASSERT_EQ(1u, rules[static_cast<size_t>(type)].size()) << TypeWord(type);
+        }
+        d.ClickButton(IDC_RAPPLY_APPLY);
+        HWND ruleSwitches = d.Control(IDC_RAPPLY_SWITCH_LIST);
+        ASSERT_TRUE(d.WaitFor([&] { return !d.CellText(ruleSwitches, 0, 2).empty(); }, 20000));
+        EXPECT_EQ("Succeed", d.CellText(ruleSwitches, 0, 2));
+        EXPECT_EQ(0, d.RowCount(d.Control(IDC_RAPPLY_RULE_LIST)));
+        d.Screenshot(std::string("matrix-") + CaseName({GetParam(), 0}) + "-page-16-applied");
     });
 
     const AclReadResult read = ReadProfiles(AclTarget{agent.address(), "public", "private", c.model}, owner);
@@ -164,6 +263,16 @@ TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadB
         ASSERT_EQ(1u, rows.size()) << TypeWord(type) << " read back";
         ExpectSameCells(model, *layout, sent[static_cast<size_t>(type)][0], rows[0],
                         std::string(c.model) + " " + TypeWord(type));
+    }
+    const AclTarget target{agent.address(), "public", "private", c.model};
+    for (AclType type : ruleTypes) {
+        const auto layout = TableLayout(model, owner, AclKind::kRules, type);
+        ASSERT_TRUE(layout.has_value());
+        const AclReadResult read = ReadRules(target, owner, type);
+        const AclRecordList& rows = read.records[static_cast<size_t>(type)];
+        ASSERT_EQ(1u, rows.size()) << TypeWord(type) << " rule read back";
+        ExpectSameCells(model, *layout, rules[static_cast<size_t>(type)][0], rows[0],
+                        std::string(c.model) + " " + TypeWord(type) + " rule");
     }
 }
 
