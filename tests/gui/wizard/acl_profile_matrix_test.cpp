@@ -1,8 +1,8 @@
-// Issue "Create ACL profiles on a fleet of switches", done means: for every supported model and
-// both ACL kinds, a profile of each type the model offers (Part 2.2 table 2) is created through
-// the pages of Part 5.2 like a user does it ("Add profile", the type's definition page, Add,
-// Next), applied on the Confirmation Page (Part 5.4), and read back from the simulated switch
-// afterwards: every cell the writer sent reads back the same (Parts 4.2, 4.3).
+// For every supported model and both ACL kinds: a profile of each type the model offers is
+// created through "Add profile" and the type's definition page like a user does it, applied on
+// the Confirmation Page, then a rule of each offered type under the profile of that type
+// through "Create Rules", "Add Rules:Select Profile" and the rule page, applied on "Add rule";
+// every cell the writer sent reads back the same from the simulated switch.
 #include <array>
 #include <vector>
 
@@ -28,7 +28,7 @@ std::string CaseName(const ::testing::TestParamInfo<Case>& info) {
     return name + (info.param.nACLKind == 1 ? "_Acl" : "_CpuAcl");
 }
 
-// The "Add profile" radio and the definition page of a type (Part 5.1).
+// The "Add profile" radio and the definition page of a type.
 int RadioOf(AclType type) {
     switch (type) {
     case AclType::kEthernet: return IDC_STEP2_ETHERNET;
@@ -176,7 +176,7 @@ TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadB
             const AclType type = offered[i];
             const std::string id = std::to_string(i + 1);
             ASSERT_EQ(acl::pages::kPageAddProfile, d.ActiveIndex());
-            // Part 5.2's model table enables exactly the radios of the types Part 2.2 offers.
+            // Add profile enables exactly the radios of the types the model offers.
             for (AclType t : kTypes)
                 EXPECT_EQ(model.offersProfileType(owner, t), IsWindowEnabled(d.Control(RadioOf(t))) != FALSE)
                     << TypeWord(t);
