@@ -1,6 +1,6 @@
 #include "acl/wizard/add_profile_page.h"
 
-#include "acl/profile_details.h"
+#include "acl/wizard/details_list.h"
 #include "res/resource.h"
 #include "ui/controls.h"
 #include "ui/text.h"
@@ -8,45 +8,9 @@
 namespace acl::wizard {
 namespace {
 
-static_assert(IDS_DETAIL_FIRST + static_cast<int>(acl::DetailLabel::kCount) == IDS_DETAIL_HEADER,
-              "one string per details label, in acl::DetailLabel's order");
-
-// The details list's colours.
-constexpr COLORREF kDetailLabelRed = RGB(255, 0, 0);
-constexpr COLORREF kDetailTitleCyan = RGB(0, 255, 255);
-constexpr COLORREF kDetailValueBlack = RGB(0, 0, 0);
-
 // The dialog's initial combo data, in the string table in this order.
 constexpr int kFrameItems = 2;
 constexpr int kProtocolItems = 5;
-
-// Posted by a reader: one row (lParam owns a ReaderRow) and the end of a reading.
-constexpr UINT WM_ACL_READER_ROW = WM_APP + 0x31;
-constexpr UINT WM_ACL_READER_DONE = WM_APP + 0x32;
-
-struct ReaderRow {
-    unsigned nSerial;
-    AclType type;
-    AclRecord record;
-    AclSummaryLine line;
-};
-
-using Job = CACLStep2::ReaderJob;
-
-// On a worker thread: the ACL core's reader, every row posted to the page.
-DWORD WINAPI ReaderThread(LPVOID param) {
-    std::shared_ptr<Job> job = *static_cast<std::shared_ptr<Job>*>(param);
-    delete static_cast<std::shared_ptr<Job>*>(param);
-    AclReadOptions options;
-    options.stop = &job->stop;
-    options.sink = [&job](AclType type, const AclRecord& record, const AclSummaryLine& line) {
-        auto* row = new ReaderRow{job->nSerial, type, record, line};
-        if (!PostMessageA(job->hwndPage, WM_ACL_READER_ROW, 0, reinterpret_cast<LPARAM>(row))) delete row;
-    };
-    ReadProfiles(job->target, job->owner, options);
-    PostMessageA(job->hwndPage, WM_ACL_READER_DONE, job->nSerial, 0);
-    return 0;
-}
 
 std::string ComboText(HWND combo) {
     const int sel = static_cast<int>(SendMessageA(combo, CB_GETCURSEL, 0, 0));
@@ -55,9 +19,14 @@ std::string ComboText(HWND combo) {
 
 }  // namespace
 
-CACLStep2::CACLStep2() : CACLPage(acl::pages::kPageAddProfile, IDD_ACL_STEP2, kBackNext) {}
+CACLStep2::CACLStep2() : CACLPage(acl::pages::kPageAddProfile, IDD_ACL_STEP2, kBackNext) {
+    for (SwitchReader& reader : m_readers)
+        reader.OnRow([this](AclType type, const AclRecord& record, const AclSummaryLine& line) {
+            OnReaderRow(record, type, line);
+        });
+}
 
-CACLStep2::~CACLStep2() { StopReaders(3000); }
+CACLStep2::~CACLStep2() = default;
 
 BOOL CACLStep2::OnInitDialog() {
     m_nProfileChoice = 1;
@@ -75,18 +44,13 @@ BOOL CACLStep2::OnInitDialog() {
     m_profileList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 80);
     m_profileList.InsertColumn(1, ui::LoadResString(IDS_STEP2_COL_PROFILE_TYPE), 110);
     m_profileList.InsertColumn(2, ui::LoadResString(IDS_STEP2_COL_OWNER), 90);
-    // Grid lines frame the values ("inside a frame").
-    m_details.Attach(GetDlgItem(IDC_STEP2_DETAILS));
-    m_details.SetExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES);
-    m_details.InsertColumn(0, ui::LoadResString(IDS_DETAIL_HEADER), 130);
-    m_details.InsertColumn(1, ui::LoadResString(IDS_COL_BLANK), 155);
+    SetUpDetailsList(m_details, GetDlgItem(IDC_STEP2_DETAILS), 130, 155);
     ShowTypeLists();
     return TRUE;
 }
 
 BOOL CACLStep2::OnSetActive() {
     CACLPage::OnSetActive();  // Back and Next
-    m_bActive = true;
     WizardState& wizard = State();
     m_nACLKind = wizard.m_nACLKind;
     const bool cpu = m_nACLKind != 1;
@@ -159,114 +123,44 @@ void CACLStep2::ShowTypeLists() {
     ShowWindow(GetDlgItem(IDC_STEP2_PROTOCOL), m_nProfileChoice == 2 ? SW_SHOW : SW_HIDE);
 }
 
-// Step 6: empty the lists; start the model's reader unless the previous one of the kind runs.
+// Step 6: empty the lists; start the model's reader unless the previous one of the kind runs
+// (then it starts when that one has ended, so the lists show the current device).
 void CACLStep2::StartReader() {
     for (AclRecordList& table : m_aTables) table.clear();
     m_profileList.DeleteAllItems();
     if (LookupSupportedModel(m_device.typeText) == nullptr) return;  // a model without ACL tables has nothing to read
-    const size_t k = m_nACLKind == 1 ? 0 : 1;
-    if (IsReaderRunning(static_cast<int>(k + 1))) {
-        // Never two readers of a kind at once. The running one
-        // was asked to stop (the page was left) or reads another device, so rather than let it
-        // half fill the emptied lists, its rows are dropped and a fresh reader of the current
-        // device starts when it ends (still one reader per kind at a time).
-        m_readerJob[k]->stop = true;
-        m_nShownSerial[k] = 0;
-        m_bRestartReader[k] = true;
-        return;
-    }
-    if (m_hReader[k]) {
-        CloseHandle(m_hReader[k]);
-        m_hReader[k] = nullptr;
-    }
-    auto job = std::make_shared<Job>();
-    job->target = m_device;
-    job->owner = k == 0 ? AclOwner::kAcl : AclOwner::kCpu;
-    job->hwndPage = GetSafeHwnd();
-    job->nSerial = ++m_nSerial;
-    auto* param = new std::shared_ptr<Job>(job);
-    DWORD id = 0;
-    m_hReader[k] = CreateThread(nullptr, 0, ReaderThread, param, 0, &id);
-    if (!m_hReader[k]) {
-        delete param;
-        return;
-    }
-    m_nShownSerial[k] = job->nSerial;
-    m_readerJob[k] = std::move(job);
+    const AclOwner owner = m_nACLKind == 1 ? AclOwner::kAcl : AclOwner::kCpu;
+    m_readers[m_nACLKind == 1 ? 0 : 1].Start(GetSafeHwnd(), [target = m_device, owner](const AclReadOptions& o) {
+        ReadProfiles(target, owner, o);
+    });
 }
 
-// A reader ended: the fresh reader that StartReader put off starts now, if the page still
-// shows that kind.
-void CACLStep2::OnReaderDone(unsigned nSerial) {
-    for (size_t k = 0; k < 2; ++k) {
-        if (!m_readerJob[k] || m_readerJob[k]->nSerial != nSerial || !m_bRestartReader[k]) continue;
-        m_bRestartReader[k] = false;
-        WaitForSingleObject(m_hReader[k], 1000);  // its last act was to post this message
-        if (m_bActive && m_nACLKind == static_cast<long>(k + 1)) StartReader();
-    }
-}
-
-bool CACLStep2::IsReaderRunning(int nACLKind) const {
-    const HANDLE h = m_hReader[nACLKind == 1 ? 0 : 1];
-    DWORD code = 0;
-    return h && GetExitCodeThread(h, &code) && code == STILL_ACTIVE;
-}
-
-// Asks both readers to stop; with a wait, waits at most `waitMs` for each and closes them.
-// A reader that outlives the wait shares nothing with the page but its job and ends at its
-// next answer or time-out (at most 3000 ms).
-void CACLStep2::StopReaders(DWORD waitMs) {
-    for (size_t k = 0; k < 2; ++k) {
-        if (m_readerJob[k]) m_readerJob[k]->stop = true;
-        if (!waitMs || !m_hReader[k]) continue;
-        WaitForSingleObject(m_hReader[k], waitMs);
-        CloseHandle(m_hReader[k]);
-        m_hReader[k] = nullptr;
-        m_readerJob[k].reset();
-    }
-}
+bool CACLStep2::IsReaderRunning(int nACLKind) const { return m_readers[nACLKind == 1 ? 0 : 1].IsRunning(); }
 
 BOOL CACLStep2::OnKillActive() {
-    m_bActive = false;
-    StopReaders(0);  // the page is left: the reader stops at its next answer
+    SwitchReader::StopAndWait({&m_readers[0], &m_readers[1]}, 3000);
     return TRUE;
 }
 
 void CACLStep2::OnDestroy() {
-    StopReaders(3000);
-    // Rows posted but not yet delivered belong to us now.
-    MSG msg;
-    while (PeekMessageA(&msg, GetSafeHwnd(), WM_ACL_READER_ROW, WM_ACL_READER_ROW, PM_REMOVE))
-        delete reinterpret_cast<ReaderRow*>(msg.lParam);
+    SwitchReader::Close({&m_readers[0], &m_readers[1]}, GetSafeHwnd(), 3000);
     m_profileList.Detach();
     m_details.Detach();
 }
 
 BOOL CACLStep2::OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
-    if (msg == WM_ACL_READER_ROW) {
-        OnReaderRow(wParam, lParam);
-        *pResult = 0;
-        return TRUE;
-    }
-    if (msg == WM_ACL_READER_DONE) {
-        OnReaderDone(static_cast<unsigned>(wParam));
-        *pResult = 0;
-        return TRUE;
-    }
-    return FALSE;
+    if (!SwitchReader::Deliver(msg, wParam, lParam)) return FALSE;
+    *pResult = 0;
+    return TRUE;
 }
 
 // On the user-interface thread: a row of the reader goes to the hidden table of its type and,
-// as a summary line, to the profile list. Rows of a reader whose lists were emptied for a
-// newer one are dropped.
-void CACLStep2::OnReaderRow(WPARAM, LPARAM lParam) {
-    std::unique_ptr<ReaderRow> row(reinterpret_cast<ReaderRow*>(lParam));
-    const size_t k = m_nACLKind == 1 ? 0 : 1;
-    if (!row || row->nSerial != m_nShownSerial[k]) return;
-    m_aTables[static_cast<size_t>(row->type)].push_back(row->record);
-    const int index = m_profileList.InsertItem(m_profileList.GetItemCount(), row->line.profileId);
-    m_profileList.SetItemText(index, 1, row->line.typeWord);
-    m_profileList.SetItemText(index, 2, row->line.ownerWord);
+// as a summary line, to the profile list.
+void CACLStep2::OnReaderRow(const AclRecord& record, AclType type, const AclSummaryLine& line) {
+    m_aTables[static_cast<size_t>(type)].push_back(record);
+    const int index = m_profileList.InsertItem(m_profileList.GetItemCount(), line.profileId);
+    m_profileList.SetItemText(index, 1, line.typeWord);
+    m_profileList.SetItemText(index, 2, line.ownerWord);
 }
 
 // Opening "Select Profile ID": the IDs in use (column 0 of the profile list) leave the list.
@@ -297,33 +191,12 @@ void CACLStep2::SelectDevice(int index) {
     StartReader();
 }
 
-// Clicking a profile: its ID and type name, and its details from the hidden table of that type:
-// labels in red (cyan in a row reading "ACL Profile Details  "), values in black on the window
-// colour.
+// Clicking a profile: its ID and type name, and its details from the hidden table of that type.
 void CACLStep2::ShowDetails(int row) {
     m_strSelProfileID = m_profileList.GetItemText(row, 0);
     m_strSelTypeName = m_profileList.GetItemText(row, 1);
-    const ModelEntry* model = LookupModel(m_device.typeText);
-    if (model == nullptr) return;
-    for (AclType type : {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent}) {
-        if (m_strSelTypeName != TypeWord(type)) continue;
-        for (const AclRecord& record : m_aTables[static_cast<size_t>(type)]) {
-            if (record.empty() || record[0] != m_strSelProfileID) continue;
-            const AclOwner owner = m_nACLKind == 1 ? AclOwner::kAcl : AclOwner::kCpu;
-            const std::string title = ui::LoadResString(IDS_COL_PROFILE_DETAILS);
-            m_details.DeleteAllItems();
-            for (const acl::DetailRow& d : acl::ProfileDetails(type, record, owner, *model)) {
-                const std::string label = ui::LoadResString(IDS_DETAIL_FIRST + static_cast<UINT>(d.label));
-                const int line = m_details.InsertItem(m_details.GetItemCount(), label,
-                                                      label == title ? kDetailTitleCyan : kDetailLabelRed,
-                                                      GetSysColor(COLOR_WINDOW));
-                m_details.SetItemText(line, 1, d.value);
-                m_details.SetCellColors(line, 1, kDetailValueBlack, GetSysColor(COLOR_WINDOW));
-            }
-            ShowWindow(m_details.GetSafeHwnd(), SW_SHOW);
-            return;
-        }
-    }
+    ShowProfileDetails(m_details, m_aTables, m_strSelProfileID, m_strSelTypeName,
+                       m_nACLKind == 1 ? AclOwner::kAcl : AclOwner::kCpu, m_device.typeText);
 }
 
 BOOL CACLStep2::OnCommand(WPARAM wParam, LPARAM) {

@@ -5,13 +5,12 @@
 // page's destruction stops it and waits at most 3000 ms.
 #pragma once
 #include <array>
-#include <atomic>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "acl/acl_device.h"
 #include "acl/wizard/page_base.h"
+#include "acl/wizard/switch_reader.h"
 #include "controls/xlist_ctrl.h"
 
 namespace acl::wizard {
@@ -37,25 +36,12 @@ protected:
     BOOL OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
     void OnDestroy() override;
 
-public:
-    // What a reader shares with the page; kept alive by both, so a reader that outlives the
-    // page's wait touches nothing of the page.
-    struct ReaderJob {
-        AclTarget target;
-        AclOwner owner = AclOwner::kAcl;
-        HWND hwndPage = nullptr;
-        unsigned nSerial = 0;
-        std::atomic<bool> stop{false};
-    };
-
 private:
     void ApplyModelTable();
     void ShowTypeLists();
     void SelectDevice(int index);
     void StartReader();
-    void StopReaders(DWORD waitMs);
-    void OnReaderRow(WPARAM wParam, LPARAM lParam);
-    void OnReaderDone(unsigned nSerial);
+    void OnReaderRow(const AclRecord& record, AclType type, const AclSummaryLine& line);
     void RemoveUsedProfileIds();
     void ShowDetails(int row);
 
@@ -68,13 +54,7 @@ private:
     controls::CXListCtrl m_details;  // "ACL Profile Details" of the clicked profile
     acl::pages::SortToggle m_sort;
     std::array<AclRecordList, 4> m_aTables{};  // the hidden tables, by AclType
-    // One reader per ACL kind (index kind - 1): its thread handle and shared job.
-    std::array<HANDLE, 2> m_hReader{};
-    std::array<std::shared_ptr<ReaderJob>, 2> m_readerJob{};
-    unsigned m_nSerial = 0;    // of the last reader started
-    std::array<unsigned, 2> m_nShownSerial{};  // per kind: the reader whose rows the lists show
-    std::array<bool, 2> m_bRestartReader{};    // per kind: start afresh when the running one ends
-    bool m_bActive = false;
+    std::array<SwitchReader, 2> m_readers;  // one slot per ACL kind (index kind - 1)
 };
 
 }  // namespace acl::wizard
