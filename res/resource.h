@@ -315,3 +315,5 @@
 
 // The rule-creation pages.
 #include "rule_resource.h"
+// "Modify Profile" and "Modify Rule".
+#include "modify_resource.h"

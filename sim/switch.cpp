@@ -185,6 +185,7 @@ void Switch::HandleSet(snmp::Message& m, bool& drop) {
   SetEvent ev;
   ev.config = &config_;
   ev.number = setCount_;
+  ev.time = std::chrono::steady_clock::now();
   ev.varbinds = m.pdu.varbinds;
   auto finish = [&](int32_t status, int32_t index) {
     m.pdu.errorStatus = status;

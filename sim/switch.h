@@ -3,6 +3,7 @@
 // nothing) out, so the tests and the fuzzer drive it without sockets.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -43,6 +44,7 @@ struct SetEvent {
   int32_t errorStatus = 0;
   int32_t errorIndex = 0;
   bool dropped = false;              // drop-set fault: no answer
+  std::chrono::steady_clock::time_point time;  // when the request arrived (pauses between SETs show)
 };
 
 class Switch {

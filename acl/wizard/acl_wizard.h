@@ -35,6 +35,9 @@ public:
 
     // "Add profile", for the tests that watch its reader.
     CACLStep2& AddProfilePage() { return m_step2; }
+    // The modify pages, for the tests that watch their readers.
+    CACLModifyProfile& ModifyProfilePage() { return m_modifyProfile; }
+    CACLModifyRule& ModifyRulePage() { return m_modifyRule; }
 
 protected:
     void OnInitSheet() override;

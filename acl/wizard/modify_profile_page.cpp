@@ -4,6 +4,6 @@
 
 namespace acl::wizard {
 
-CACLModifyProfile::CACLModifyProfile() : CACLPage(acl::pages::kPageModifyProfile, IDD_ACL_MODIFY_PROFILE, kBackFinish) {}
+CACLModifyProfile::CACLModifyProfile() : CACLModifyPage(acl::pages::kPageModifyProfile, IDD_ACL_MODIFY_PROFILE) {}
 
 }  // namespace acl::wizard

@@ -1,11 +1,11 @@
-// Page 12 `CACLModifyProfile` ("Modify Profile"): Back and Finish on activation.
-// Its lists and readers are still to come; the frame gives it its buttons and navigation.
+// Page 12 `CACLModifyProfile` ("Modify Profile"): the profiles of a target switch, their
+// details, and their deletion one by one or all (the shared CACLModifyPage).
 #pragma once
-#include "acl/wizard/page_base.h"
+#include "acl/wizard/modify_page_base.h"
 
 namespace acl::wizard {
 
-class CACLModifyProfile : public CACLPage {
+class CACLModifyProfile : public CACLModifyPage {
 public:
     CACLModifyProfile();
 };

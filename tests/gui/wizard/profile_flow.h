@@ -74,7 +74,7 @@ protected:
 
     // The wizard on page 3 with `targets` (IP, model) and the ACL kind, as pages 0 to 2 leave it.
     void Wizard(const std::vector<std::pair<std::string, std::string>>& targets, long nACLKind,
-                const std::function<void(WizardDriver&)>& script) {
+                const std::function<void(WizardDriver&)>& script, int nStartPage = acl::pages::kPageAddProfile) {
         WizardDriver::Run(
             "",
             [&] {
@@ -83,7 +83,7 @@ protected:
                     wizard.m_aTargets[i] = {targets[i].first, "public", "private", targets[i].second};
                 wizard.m_nTargetCount = static_cast<long>(targets.size());
                 wizard.m_nACLKind = nACLKind;
-                wizard.SetStartPage(acl::pages::kPageAddProfile);
+                wizard.SetStartPage(nStartPage);
                 m_wizard = &wizard;
                 wizard.DoModal(nullptr);
                 m_wizard = nullptr;

@@ -1,0 +1,222 @@
+#include "acl/wizard/modify_page_base.h"
+
+#include <algorithm>
+
+#include "acl/wizard/details_list.h"
+#include "res/resource.h"
+#include "ui/controls.h"
+#include "ui/text.h"
+
+namespace acl::wizard {
+namespace {
+
+constexpr DWORD kReaderWaitMs = 3000;
+constexpr DWORD kPauseAfterDeleteMs = 100;  // the switch settles its tables between deletions
+
+constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent};
+
+}  // namespace
+
+BOOL CACLModifyPage::OnInitDialog() {
+    m_profileList.Attach(GetDlgItem(IDC_MODIFY_PROFILE_LIST));
+    m_profileList.SetExtendedStyle(LVS_EX_FULLROWSELECT);
+    m_profileList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 80);
+    m_profileList.InsertColumn(1, ui::LoadResString(IDS_STEP2_COL_PROFILE_TYPE), 110);
+    m_profileList.InsertColumn(2, ui::LoadResString(IDS_STEP2_COL_OWNER), 110);
+    SetUpDetailsList(m_details, GetDlgItem(IDC_MODIFY_DETAILS), 120, 150);
+    m_profileReader.OnRow([this](AclType type, const AclRecord& record, const AclSummaryLine& line) {
+        m_aProfiles[static_cast<size_t>(type)].push_back(record);
+        const int index = m_profileList.InsertItem(m_profileList.GetItemCount(), line.profileId);
+        m_profileList.SetItemText(index, 1, line.typeWord);
+        m_profileList.SetItemText(index, 2, line.ownerWord);
+    });
+    ui::Button(GetDlgItem(IDC_MODIFY_GROUP)).SetFont(GroupFont());
+    return TRUE;
+}
+
+BOOL CACLModifyPage::OnSetActive() {
+    CACLPage::OnSetActive();  // Back and Finish
+    WizardState& wizard = State();
+    m_nACLKind = wizard.m_nACLKind;
+    ui::ComboBox devices(GetDlgItem(IDC_MODIFY_DEVICE));
+    devices.ResetContent();
+    for (long i = 0; i < wizard.m_nTargetCount; ++i) devices.AddString(wizard.m_aTargets[static_cast<size_t>(i)].strIP);
+    SendMessageA(devices.Hwnd(), CB_SETCURSEL, 0, 0);
+    m_device = AclTarget{};
+    if (wizard.m_nTargetCount > 0) {
+        const ACLTarget& t = wizard.m_aTargets[0];
+        m_device = AclTarget{t.strIP, t.strReadCommunity, t.strWriteCommunity, t.strDeviceType};
+    }
+    ReportKept(0);
+    StartProfileReader();
+    return TRUE;
+}
+
+// The lists are emptied; the model's profile reader of the ACL kind starts (or, while this
+// slot's thread still runs, when it has ended). A model without ACL tables reads nothing.
+void CACLModifyPage::StartProfileReader() {
+    for (AclRecordList& table : m_aProfiles) table.clear();
+    m_profileList.DeleteAllItems();
+    m_details.DeleteAllItems();
+    ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
+    m_strSelProfileID.clear();
+    m_strSelTypeName.clear();
+    OnProfilesEmptied();
+    if (LookupSupportedModel(m_device.typeText) == nullptr) return;
+    m_profileReader.Start(GetSafeHwnd(), [target = m_device, owner = Owner()](const AclReadOptions& o) {
+        ReadProfiles(target, owner, o);
+    });
+}
+
+// Another device: it becomes current (IP and both communities; its model is the first
+// target's, as all targets share it) and its profiles are read.
+void CACLModifyPage::SelectDevice(int index) {
+    WizardState& wizard = State();
+    if (index < 0 || index >= wizard.m_nTargetCount) return;
+    const ACLTarget& t = wizard.m_aTargets[static_cast<size_t>(index)];
+    m_device.ip = t.strIP;
+    m_device.readCommunity = t.strReadCommunity;
+    m_device.writeCommunity = t.strWriteCommunity;
+    ReportKept(0);
+    StartProfileReader();
+}
+
+BOOL CACLModifyPage::OnKillActive() {
+    SwitchReader::StopAndWait(Readers(), kReaderWaitMs);
+    return TRUE;
+}
+
+void CACLModifyPage::OnDestroy() {
+    SwitchReader::Close(Readers(), GetSafeHwnd(), kReaderWaitMs);
+    m_profileList.Detach();
+    m_details.Detach();
+}
+
+BOOL CACLModifyPage::OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
+    if (!SwitchReader::Deliver(msg, wParam, lParam)) return FALSE;
+    *pResult = 0;
+    return TRUE;
+}
+
+BOOL CACLModifyPage::OnCommand(WPARAM wParam, LPARAM) {
+    const int id = LOWORD(wParam);
+    const int code = HIWORD(wParam);
+    if (id == IDC_MODIFY_DEVICE && code == CBN_SELCHANGE) {
+        SelectDevice(static_cast<int>(SendMessageA(GetDlgItem(IDC_MODIFY_DEVICE), CB_GETCURSEL, 0, 0)));
+        return TRUE;
+    }
+    if (code != BN_CLICKED) return FALSE;
+    if (id == IDC_MODIFY_DELETE) {
+        OnDelete();
+        return TRUE;
+    }
+    if (id == IDC_MODIFY_DELETE_ALL) {
+        OnDeleteAll();
+        return TRUE;
+    }
+    return FALSE;
+}
+
+BOOL CACLModifyPage::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
+    if (hdr->hwndFrom == m_profileList.GetSafeHwnd() && hdr->code == LVN_COLUMNCLICK) {
+        SortProfileList(m_profileList, m_sort, reinterpret_cast<const NMLISTVIEW*>(hdr)->iSubItem);
+        *pResult = 0;
+        return TRUE;
+    }
+    if (hdr->hwndFrom == m_profileList.GetSafeHwnd() && hdr->code == NM_CLICK) {
+        const int row = reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem;
+        if (row >= 0) {
+            m_strSelProfileID = m_profileList.GetItemText(row, 0);
+            m_strSelTypeName = m_profileList.GetItemText(row, 1);
+            ShowProfileDetails(m_details, m_aProfiles, m_strSelProfileID, m_strSelTypeName, Owner(),
+                               m_device.typeText);
+            OnProfileClicked();
+        }
+        *pResult = 0;
+        return TRUE;
+    }
+    return OnListNotify(hdr, pResult);
+}
+
+bool CACLModifyPage::DeleteOnSwitch(AclKind kind, const std::string& typeWord, const std::string& profileId,
+                                    const std::string& accessId) {
+    const ModelEntry* model = LookupSupportedModel(m_device.typeText);
+    if (model == nullptr) return false;
+    for (AclType type : kTypes) {
+        if (typeWord != TypeWord(type)) continue;
+        const bool ok = DeleteRow(m_device, RowStatusColumnOid(*model, Owner(), kind, type), profileId, accessId);
+        Sleep(kPauseAfterDeleteMs);
+        return ok;
+    }
+    return false;
+}
+
+void CACLModifyPage::RemoveRecord(std::array<AclRecordList, 4>& tables, const std::string& typeWord,
+                                  const std::string& profileId, const std::string& accessId) {
+    for (AclType type : kTypes) {
+        if (typeWord != TypeWord(type)) continue;
+        AclRecordList& list = tables[static_cast<size_t>(type)];
+        std::erase_if(list, [&](const AclRecord& r) {
+            return !r.empty() && r[0] == profileId && (accessId.empty() || (r.size() > 1 && r[1] == accessId));
+        });
+    }
+}
+
+void CACLModifyPage::ReportKept(int nKept) {
+    std::string line;
+    if (nKept == 1) line = ui::LoadResString(IDS_MODIFY_NOT_DELETED_ONE);
+    if (nKept > 1) {
+        const std::string format = ui::LoadResString(IDS_MODIFY_NOT_DELETED);
+        char text[256] = {};
+        snprintf(text, sizeof text, format.c_str(), nKept);
+        line = text;
+    }
+    SetWindowTextA(GetDlgItem(IDC_MODIFY_STATUS), line.c_str());
+}
+
+// Delete: the selected profile on the switch, with the wait cursor; its row goes when the
+// switch confirmed. Without a selection nothing is sent.
+void CACLModifyPage::OnDelete() {
+    const int row = m_profileList.GetFirstSelectedRow();
+    if (row < 0) return;
+    const HCURSOR previous = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));  // IDC_WAIT
+    const std::string id = m_profileList.GetItemText(row, 0);
+    const std::string type = m_profileList.GetItemText(row, 1);
+    const bool ok = DeleteOnSwitch(AclKind::kProfiles, type, id);
+    if (ok) {
+        m_profileList.DeleteItem(row);
+        RemoveRecord(m_aProfiles, type, id);
+        m_details.DeleteAllItems();
+        ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
+        OnProfilesEmptied();
+    }
+    ReportKept(ok ? 0 : 1);
+    SetCursor(previous);
+}
+
+// Delete All: every profile of the list, in list order; the rows the switch confirmed go.
+void CACLModifyPage::OnDeleteAll() {
+    const int n = m_profileList.GetItemCount();
+    if (n == 0) return;
+    const HCURSOR previous = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));  // IDC_WAIT
+    std::vector<bool> deleted(static_cast<size_t>(n));
+    for (int row = 0; row < n; ++row)
+        deleted[static_cast<size_t>(row)] = DeleteOnSwitch(AclKind::kProfiles, m_profileList.GetItemText(row, 1),
+                                                           m_profileList.GetItemText(row, 0));
+    int kept = 0;
+    for (int row = n - 1; row >= 0; --row) {
+        if (!deleted[static_cast<size_t>(row)]) {
+            ++kept;
+            continue;
+        }
+        RemoveRecord(m_aProfiles, m_profileList.GetItemText(row, 1), m_profileList.GetItemText(row, 0));
+        m_profileList.DeleteItem(row);
+    }
+    m_details.DeleteAllItems();
+    ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
+    OnProfilesEmptied();
+    ReportKept(kept);
+    SetCursor(previous);
+}
+
+}  // namespace acl::wizard

@@ -1,0 +1,72 @@
+// What "Modify Profile" and "Modify Rule" share: the "Access Profile List" group with the
+// "Device" drop-down and the profile list of the current device (read by a SwitchReader
+// slot), the details of a clicked profile, "Delete" and "Delete All", and the line that says
+// when the switch kept rows it was asked to delete. Each deletion is one SET of the row
+// status 6 (the ACL core's DeleteRow), sent at once; a row goes only when the switch confirmed.
+#pragma once
+#include <array>
+#include <string>
+#include <vector>
+
+#include "acl/acl_device.h"
+#include "acl/wizard/page_base.h"
+#include "acl/wizard/switch_reader.h"
+#include "controls/xlist_ctrl.h"
+
+namespace acl::wizard {
+
+class CACLModifyPage : public CACLPage {
+public:
+    CACLModifyPage(int nIndex, UINT nIDTemplate) : CACLPage(nIndex, nIDTemplate, kBackFinish) {}
+
+    // Whether the profile reader (or the rule reader) still runs (tests).
+    bool IsProfileReaderRunning() const { return m_profileReader.IsRunning(); }
+    virtual bool IsRuleReaderRunning() const { return false; }
+
+protected:
+    BOOL OnInitDialog() override;
+    BOOL OnSetActive() override;
+    BOOL OnKillActive() override;
+    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
+    BOOL OnNotify(const NMHDR* hdr, LRESULT* pResult) override;
+    BOOL OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
+    void OnDestroy() override;
+
+    // Every reader slot of the page (stopped together on leave and close).
+    virtual std::vector<SwitchReader*> Readers() { return {&m_profileReader}; }
+    // A profile was clicked (its details are shown): the rule page reads its rules.
+    virtual void OnProfileClicked() {}
+    // The profile list was emptied for a new reading.
+    virtual void OnProfilesEmptied() {}
+    // "Delete" and "Delete All": the profiles here; the rule page deletes rules.
+    virtual void OnDelete();
+    virtual void OnDeleteAll();
+    // Other notifications of the page's lists.
+    virtual BOOL OnListNotify(const NMHDR*, LRESULT*) { return FALSE; }
+
+    AclOwner Owner() const { return m_nACLKind == 1 ? AclOwner::kAcl : AclOwner::kCpu; }
+    // One deletion: the SET of row status 6 to the table of `typeWord`, then the 100 ms pause.
+    // True when the switch confirmed it.
+    bool DeleteOnSwitch(AclKind kind, const std::string& typeWord, const std::string& profileId,
+                        const std::string& accessId = {});
+    // The line under the lists: empty when every deletion was confirmed.
+    void ReportKept(int nKept);
+    static void RemoveRecord(std::array<AclRecordList, 4>& tables, const std::string& typeWord,
+                             const std::string& profileId, const std::string& accessId = {});
+
+    long m_nACLKind = 1;
+    AclTarget m_device;  // the current device
+    std::string m_strSelProfileID, m_strSelTypeName;
+    controls::CXListCtrl m_profileList;
+    controls::CXListCtrl m_details;  // the clicked profile's details
+    acl::pages::SortToggle m_sort;
+    std::array<AclRecordList, 4> m_aProfiles{};  // the hidden tables, by AclType
+    SwitchReader m_profileReader;
+
+private:
+    void SelectDevice(int index);
+    void StartProfileReader();
+    void StopReaders(bool closing);
+};
+
+}  // namespace acl::wizard

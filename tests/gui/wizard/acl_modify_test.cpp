@@ -1,0 +1,250 @@
+// "Modify Profile" and "Modify Rule" used like a person: the real wizard opened on the page,
+// against simulated switches seeded with profiles and rules; the lists are checked against
+// what was put on the switch, deletions against the switch's store and its SET log.
+#include <chrono>
+#include <set>
+#include <tuple>
+
+#include "acl/wizard/switch_reader.h"
+#include "tests/gui/wizard/profile_flow.h"
+
+using namespace profile_flow;
+using acl::wizard::SwitchReader;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent};
+
+// One rule per Access ID in `accessIds` for the profile, through the ACL core's writer.
+void CreateRules(SimAgent& agent, const std::string& model, AclOwner owner, AclType type,
+                 const std::string& profileId, const std::vector<std::string>& accessIds) {
+    const ModelEntry& m = *LookupModel(model);
+    const AclTarget target{agent.address(), "public", "private", model};
+    auto table = TableLayout(m, owner, AclKind::kRules, type);
+    ASSERT_TRUE(table.has_value());
+    for (const std::string& accessId : accessIds) {
+        RuleFields f;
+        f.profileId = profileId;
+        f.accessId = accessId;
+        f.ports = "1-2";
+        ASSERT_TRUE(SetRecord(target, *table, BuildRule(type, owner, m, f))) << profileId << "." << accessId;
+    }
+}
+
+// Whether any instance of the table's row `profileId[.accessId]` is still on the switch.
+bool RowOnSwitch(SimAgent& agent, const std::string& model, AclOwner owner, AclKind kind, AclType type,
+                 const std::string& index) {
+    const std::string oid = RowStatusColumnOid(*LookupModel(model), owner, kind, type) + "." + index;
+    for (const auto& [instance, value] : agent.store())
+        if (snmp::FormatOid(instance) == oid) return true;
+    return false;
+}
+
+std::set<std::string> Rows(WizardDriver& d, HWND list) {
+    std::set<std::string> out;
+    for (int r = 0; r < d.RowCount(list); ++r)
+        out.insert(d.CellText(list, r, 0) + "/" + d.CellText(list, r, 1) + "/" + d.CellText(list, r, 2));
+    return out;
+}
+
+// The SETs of the log, each at least 100 ms after the one before.
+void ExpectPausedSets(const std::vector<sim::SetEvent>& sets, size_t count) {
+    ASSERT_EQ(count, sets.size());
+    for (size_t i = 1; i < sets.size(); ++i)
+        EXPECT_GE(std::chrono::duration_cast<std::chrono::milliseconds>(sets[i].time - sets[i - 1].time).count(), 100)
+            << "SET " << i + 1;
+}
+
+class ModifyGui : public ProfileFlowGui {
+protected:
+    static HWND Profiles(WizardDriver& d) { return d.Control(IDC_MODIFY_PROFILE_LIST); }
+    static HWND RuleList(WizardDriver& d) { return d.Control(IDC_MODIFY_RULE_LIST); }
+    static bool Shown(WizardDriver& d, int id) { return IsWindowVisible(d.Control(id)) != FALSE; }
+    acl::wizard::CACLModifyPage& Modify(int page) {
+        if (page == acl::pages::kPageModifyRule) return m_wizard->ModifyRulePage();
+        return m_wizard->ModifyProfilePage();
+    }
+    // Waits until the page's readers are done and the list holds `rows` rows.
+    bool Loaded(WizardDriver& d, int page, HWND list, int rows) {
+        return d.WaitFor([&] {
+            return !Modify(page).IsProfileReaderRunning() && !Modify(page).IsRuleReaderRunning() &&
+                   d.RowCount(list) == rows;
+        });
+    }
+};
+
+// Every type the model offers for the kind, one profile each with rules, on each packet
+// layout: the profile list, a clicked profile's details and its rules are what the switch holds.
+TEST_F(ModifyGui, ListsShowTheProfilesAndRulesOnTheSwitch) {
+    const std::tuple<const char*, long, int> cases[] = {
+        {"TVG5690", 1, 1},  // chunk layout
+        {"TVR4820", 1, 2},  // 16-byte blocks
+        {"TVR4060", 1, 3},  // offset items
+        {"TVG5470", 2, 4},  // the CPU ACL
+    };
+    for (const auto& [model, kind, host] : cases) {
+        SCOPED_TRACE(model);
+        SimAgent a(host, model);
+        ASSERT_TRUE(a.ok()) << a.error();
+        const AclOwner owner = kind == 1 ? AclOwner::kAcl : AclOwner::kCpu;
+        const ModelEntry& m = *LookupModel(model);
+        std::set<std::string> expected;
+        std::vector<std::pair<AclType, std::string>> profiles;
+        for (AclType type : kTypes) {
+            if (!TableLayout(m, owner, AclKind::kProfiles, type) || !TableLayout(m, owner, AclKind::kRules, type)) continue;
+            const std::string id = std::to_string(profiles.size() + 1);
+            profiles.emplace_back(type, id);
+            expected.insert(id + "/" + TypeWord(type) + "/" + OwnerWord(owner));
+        }
+        ASSERT_GE(profiles.size(), 3u);
+        CreateProfiles(a, model, owner, profiles);
+        for (const auto& [type, id] : profiles) CreateRules(a, model, owner, type, id, {"3", "7"});
+        Wizard({{a.address(), model}}, kind, [&](WizardDriver& d) {
+            ASSERT_EQ(acl::pages::kPageModifyRule, d.ActiveIndex());
+            EXPECT_EQ(kind == 1 ? "Modify rule" : "Modify CPU rule", d.ActiveCaption());
+            EXPECT_EQ("Access Profile List", d.Text(IDC_MODIFY_GROUP));
+            EXPECT_EQ("Rule", d.Text(IDC_MODIFY_RULE_GROUP));
+            EXPECT_EQ(a.address(), d.Text(IDC_MODIFY_DEVICE));
+            ASSERT_TRUE(Loaded(d, acl::pages::kPageModifyRule, Profiles(d), static_cast<int>(profiles.size())));
+            EXPECT_EQ(expected, Rows(d, Profiles(d)));
+            EXPECT_FALSE(Shown(d, IDC_MODIFY_DETAILS)) << "hidden until a profile is clicked";
+            for (int r = 0; r < d.RowCount(Profiles(d)); ++r) {
+                const std::string id = d.CellText(Profiles(d), r, 0);
+                d.ClickCell(Profiles(d), r, 0);
+                ASSERT_TRUE(Loaded(d, acl::pages::kPageModifyRule, RuleList(d), 2)) << "profile " << id;
+                EXPECT_EQ((std::set<std::string>{id + "/3/" + OwnerWord(owner), id + "/7/" + OwnerWord(owner)}),
+                          Rows(d, RuleList(d)));
+                EXPECT_TRUE(Shown(d, IDC_MODIFY_DETAILS));
+                EXPECT_EQ(id, d.CellText(d.Control(IDC_MODIFY_DETAILS), 0, 1)) << "Profile ID";
+                EXPECT_EQ(d.CellText(Profiles(d), r, 1), d.CellText(d.Control(IDC_MODIFY_DETAILS), 1, 1));
+                d.ClickCell(RuleList(d), 1, 0);
+                HWND details = d.Control(IDC_MODIFY_RULE_DETAILS);
+                ASSERT_TRUE(Shown(d, IDC_MODIFY_RULE_DETAILS));
+                EXPECT_EQ("Access ID", d.CellText(details, 1, 0));
+                EXPECT_EQ(d.CellText(RuleList(d), 1, 1), d.CellText(details, 1, 1));
+                bool sawPorts = false;
+                for (int i = 0; i < d.RowCount(details); ++i)
+                    if (d.CellText(details, i, 0) == "Ports") sawPorts = d.CellText(details, i, 1) == "1,2,";
+                EXPECT_TRUE(sawPorts) << "ports read back as a list";
+            }
+            d.Screenshot(std::string("modify_rule_") + model);
+        }, acl::pages::kPageModifyRule);
+    }
+}
+
+// "Delete" without a selection sends nothing; "Delete" of a row and "Delete All" of three send
+// one SET of row status 6 each, at least 100 ms apart, and the rows leave the lists and the
+// switch. A switch that refuses keeps its rows, and the page says so in one line.
+TEST_F(ModifyGui, DeleteProfilesAndRulesOnTheSwitch) {
+    sim::Faults refuse;
+    refuse.refuseSets = {9, 10, 11, 12, 13, 14};  // every deletion after the eight seeding SETs
+    const std::tuple<int, bool> cases[] = {
+        {acl::pages::kPageModifyProfile, false}, {acl::pages::kPageModifyRule, false},
+        {acl::pages::kPageModifyProfile, true},  {acl::pages::kPageModifyRule, true}};
+    int host = 10;
+    for (const auto& [page, refusing] : cases) {
+        SCOPED_TRACE(std::to_string(page) + (refusing ? " refusing" : ""));
+        const bool rules = page == acl::pages::kPageModifyRule;
+        SimAgent a(++host, "TVR4820", refusing ? refuse : sim::Faults{});
+        ASSERT_TRUE(a.ok()) << a.error();
+        SimAgent* agent = &a;
+        CreateProfiles(a, "TVR4820", AclOwner::kAcl,
+                       {{AclType::kEthernet, "1"}, {AclType::kIPv4, "2"}, {AclType::kIPv6, "3"}, {AclType::kIPv4, "4"}});
+        CreateRules(a, "TVR4820", AclOwner::kAcl, AclType::kIPv4, "2", {"1", "2", "3", "4"});
+        Wizard({{agent->address(), "TVR4820"}}, 1, [&](WizardDriver& d) {
+            HWND list = rules ? RuleList(d) : Profiles(d);
+            ASSERT_TRUE(Loaded(d, page, Profiles(d), 4));
+            if (rules) {
+                for (int r = 0; r < 4; ++r)
+                    if (d.CellText(Profiles(d), r, 0) == "2") d.ClickCell(Profiles(d), r, 0);
+                ASSERT_TRUE(Loaded(d, page, list, 4));
+            }
+            const AclType type = rules ? AclType::kIPv4 : AclType::kEthernet;
+            const AclKind kind = rules ? AclKind::kRules : AclKind::kProfiles;
+            const std::string first = rules ? "2.1" : "1";
+            agent->clearSets();
+            d.ClickButton(IDC_MODIFY_DELETE);
+            EXPECT_TRUE(agent->sets().empty()) << "no row selected: nothing sent";
+            EXPECT_EQ(4, d.RowCount(list));
+
+            d.ClickCell(list, 0, 0);
+            d.ClickButton(IDC_MODIFY_DELETE);
+            ASSERT_EQ(1u, agent->sets().size());
+            ASSERT_EQ(1u, agent->sets()[0].varbinds.size());
+            EXPECT_EQ(RowStatusColumnOid(*LookupModel("TVR4820"), AclOwner::kAcl, kind, type) + "." + first,
+                      snmp::FormatOid(agent->sets()[0].varbinds[0].name));
+            EXPECT_EQ(6, agent->sets()[0].varbinds[0].value.integer);
+            EXPECT_EQ(refusing, RowOnSwitch(*agent, "TVR4820", AclOwner::kAcl, kind, type, first));
+            EXPECT_EQ(refusing ? 4 : 3, d.RowCount(list));
+            if (refusing) {
+                EXPECT_EQ("The switch refused or did not answer the deletion; the row stays in the list.",
+                          d.Text(IDC_MODIFY_STATUS));
+            } else {
+                EXPECT_EQ("", d.Text(IDC_MODIFY_STATUS));
+            }
+            d.Screenshot(std::string(rules ? "modify_rule" : "modify_profile") + (refusing ? "_refused" : "_deleted"));
+
+            agent->clearSets();
+            d.ClickButton(IDC_MODIFY_DELETE_ALL);
+            ExpectPausedSets(agent->sets(), refusing ? 4u : 3u);
+            if (refusing) {
+                EXPECT_EQ(4, d.RowCount(list));
+                EXPECT_EQ("The switch refused or did not answer 4 deletions; their rows stay in the list.",
+                          d.Text(IDC_MODIFY_STATUS));
+            } else {
+                EXPECT_EQ(0, d.RowCount(list));
+                EXPECT_EQ(0, d.RowCount(d.Control(rules ? IDC_MODIFY_RULE_DETAILS : IDC_MODIFY_DETAILS)));
+                for (const sim::SetEvent& e : agent->sets()) EXPECT_EQ(0, e.errorStatus);
+                EXPECT_EQ(rules ? 4 : 0, d.RowCount(Profiles(d)));
+            }
+            d.Screenshot(std::string(rules ? "modify_rule" : "modify_profile") + (refusing ? "_all_refused" : "_all_deleted"));
+        }, page);
+    }
+}
+
+// A slow switch: another "Device" during a read starts no second reader of the slot (the
+// second device's profiles come when the first reading has ended); closing the wizard during
+// a read returns within 3000 ms, and no reader posts to the closed page.
+TEST_F(ModifyGui, SlowSwitchOneReaderPerSlotAndClosingWithinThreeSeconds) {
+    sim::Faults slow;
+    slow.delayMs = 400;
+    SimAgent a(30, "TVR4820", slow), b(31, "TVR4820", slow);
+    ASSERT_TRUE(a.ok() && b.ok());
+    CreateProfiles(a, "TVR4820", AclOwner::kAcl, {{AclType::kEthernet, "1"}, {AclType::kIPv4, "2"}, {AclType::kIPv6, "3"}});
+    CreateProfiles(b, "TVR4820", AclOwner::kAcl, {{AclType::kEthernet, "9"}});
+    const int page = acl::pages::kPageModifyProfile;
+    Wizard({{a.address(), "TVR4820"}, {b.address(), "TVR4820"}}, 1, [&](WizardDriver& d) {
+        ASSERT_TRUE(Modify(page).IsProfileReaderRunning());
+        HWND combo = d.Control(IDC_MODIFY_DEVICE);
+        SendMessageA(combo, CB_SETCURSEL, 1, 0);
+        SendMessageA(GetParent(combo), WM_COMMAND, MAKEWPARAM(IDC_MODIFY_DEVICE, CBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(combo));
+        d.Settle();
+        EXPECT_EQ(0, d.RowCount(Profiles(d))) << "emptied for the new device";
+        long most = 0;
+        d.WaitFor([&] {
+            most = std::max(most, SwitchReader::LiveWorkers());
+            return !Modify(page).IsProfileReaderRunning() && d.RowCount(Profiles(d)) == 1;
+        }, 30000);
+        EXPECT_EQ(1, most) << "never two readers at once";
+        ASSERT_EQ(1, d.RowCount(Profiles(d)));
+        EXPECT_EQ("9", d.CellText(Profiles(d), 0, 0)) << "the second device's profile, none of the first";
+    }, page);
+
+    Clock::time_point cancelled;
+    Wizard({{a.address(), "TVR4820"}}, 1, [&](WizardDriver& d) {
+        ASSERT_TRUE(d.WaitFor([&] { return d.RowCount(Profiles(d)) >= 1; }));
+        ASSERT_TRUE(Modify(page).IsProfileReaderRunning());
+        d.Screenshot("modify_profile_reading");
+        cancelled = Clock::now();
+        d.PressButton(PSBTN_CANCEL);
+    }, page);
+    EXPECT_LE(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - cancelled).count(), 3000 + 500);
+    const auto deadline = Clock::now() + std::chrono::seconds(10);
+    while (SwitchReader::LiveWorkers() > 0 && Clock::now() < deadline) Sleep(50);
+    EXPECT_EQ(0, SwitchReader::LiveWorkers());
+    EXPECT_EQ(0, SwitchReader::PostsToClosedWindows());
+}
+
+}  // namespace
