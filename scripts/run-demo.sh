@@ -133,6 +133,13 @@ if [ -n "$sim_pid" ]; then
   if ! snmpset -v1 -c private -t 2 -r 1 127.0.0.2 $eth.8.1 i 4 $eth.2.1 i 1 $eth.7.1 i 1 >/dev/null 2>&1; then
     echo "run-demo: could not set up core-sw1's existing profile with snmpset" >&2
   fi
+  # ... and a rule of that profile (Access ID 1, permit, port 1), which the walk deletes on
+  # "Modify Rule".
+  rule=.1.3.6.1.4.1.32473.12.9.3.1.1
+  if ! snmpset -v1 -c private -t 2 -r 1 127.0.0.2 $rule.15.1.1 i 4 $rule.13.1.1 i 2 $rule.14.1.1 x 80000000 \
+       $rule.4.1.1 x 000000000000 $rule.5.1.1 x 000000000000 >/dev/null 2>&1; then
+    echo "run-demo: could not set up core-sw1's existing rule with snmpset" >&2
+  fi
 fi
 
 # The host first (its objects and type library), then the plug-in, whose
@@ -231,12 +238,52 @@ while read -r _ ip model; do
     rows=$(snmpwalk -v1 -c public -On -t 2 -r 1 "$ip" "$entry" 2>&1 | grep -E "^\.$entry\.[0-9]+\.$pid = " || true)
     echo "run-demo: $ip ($model), $pkind $ptype profile $pid, read back with snmpwalk:"
     if [ -n "$rows" ]; then sed 's/^/    /' <<<"$rows"; fi
-    if ! grep -qE "^\.$entry\.$status\.$pid = INTEGER: 1\$" <<<"$rows"; then
+    if grep -qx "deleted profile $ptype $pid on $ip" "$report"; then
+      # Deleted on "Modify Profile": gone from the switch.
+      if [ -n "$rows" ]; then
+        echo "run-demo: FAILED: $ip still has $ptype profile $pid after its deletion" >&2
+        missing=1
+      else
+        echo "    (none: deleted on Modify Profile)"
+      fi
+    elif ! grep -qE "^\.$entry\.$status\.$pid = INTEGER: 1\$" <<<"$rows"; then
       echo "run-demo: FAILED: $ip has no active $ptype profile $pid" >&2
       missing=1
     fi
   done < <(grep '^profile ' "$report")
 done < <(grep '^switch ' "$report")
+
+# The rule deleted on "Modify Rule" is gone from the switch (the rule tables of the first switch's
+# model, TVR4820: Ethernet 3.1, IPv4 3.2, IPv6 3.4, packet content 3.3).
+while read -r _ _ rtype pid aid _ ip; do
+  case "$rtype" in
+    Ethernet) entry=1.3.6.1.4.1.32473.12.9.3.1.1 ;;
+    IPv4) entry=1.3.6.1.4.1.32473.12.9.3.2.1 ;;
+    IPv6) entry=1.3.6.1.4.1.32473.12.9.3.4.1 ;;
+    *) entry=1.3.6.1.4.1.32473.12.9.3.3.1 ;;
+  esac
+  left=$(snmpwalk -v1 -c public -On -t 2 -r 1 "$ip" "$entry" 2>&1 | grep -cE "^\.$entry\.[0-9]+\.$pid\.$aid = " || true)
+  echo "run-demo: $ip, $rtype rule $pid.$aid deleted on Modify Rule: $left instance(s) left (snmpwalk)"
+  [ "$left" = 0 ] || { echo "run-demo: FAILED: $ip still has rule $pid.$aid" >&2; missing=1; }
+done < <(grep '^deleted rule ' "$report")
+grep -q '^deleted rule ' "$report" || { echo "run-demo: FAILED: the walk deleted no rule" >&2; missing=1; }
+
+# What the modify pages listed for the first switch, less what they deleted, is what snmpwalk
+# reads from its profile tables now (row status of each TVR4820 profile table).
+first=$(grep -m1 '^switch ' "$report" | awk '{print $2}')
+listed=$(grep "^listed profile .* on $first\$" "$report" | awk '{print $3, $4}' | sort -u |
+         grep -vxF -f <(grep "^deleted profile .* on $first\$" "$report" | awk '{print $3, $4}') || true)
+walked=$(for t in "Ethernet 1 8" "IPv4 2 19" "IPv6 4 7" "Packet_Content 3 7"; do
+           set -- $t
+           snmpwalk -v1 -c public -On -t 2 -r 1 "$first" ".1.3.6.1.4.1.32473.12.9.2.$2.1.$3" 2>/dev/null |
+             sed -nE "s/^\.1\.3\.6\.1\.4\.1\.32473\.12\.9\.2\.$2\.1\.$3\.([0-9]+) = .*/$1 \1/p"
+         done | sort -u)
+if [ "$listed" = "$walked" ]; then
+  echo "run-demo: $first: the modify pages listed what snmpwalk reads: $(tr '\n' ',' <<<"$walked" | sed 's/,$//')"
+else
+  echo "run-demo: FAILED: $first: the modify pages listed [$listed], snmpwalk reads [$walked]" >&2
+  missing=1
+fi
 [ "$missing" = 0 ] || exit 1
 echo "run-demo: the walk created $(grep '^profile ' "$report" | awk '{printf "%s%s %s %s", (NR>1?" and ":""), $4, $2, $3}') on $(grep -c '^switch ' "$report") switches"
 echo "run-demo: done; screenshots in $shots, the walk's page by page in $walk_shots"

@@ -174,49 +174,43 @@ void CACLModifyPage::ReportKept(int nKept) {
     SetWindowTextA(GetDlgItem(IDC_MODIFY_STATUS), line.c_str());
 }
 
-// Delete: the selected profile on the switch, with the wait cursor; its row goes when the
-// switch confirmed. Without a selection nothing is sent.
-void CACLModifyPage::OnDelete() {
-    const int row = m_profileList.GetFirstSelectedRow();
-    if (row < 0) return;
+void CACLModifyPage::DeleteRows(controls::CXListCtrl& list, controls::CXListCtrl& details, bool bAll,
+                                const std::function<bool(int row)>& send, const std::function<void(int row)>& forget) {
+    const int selected = list.GetFirstSelectedRow();
+    const int n = list.GetItemCount();
+    if (bAll ? n == 0 : selected < 0) return;  // "Delete" without a selection sends nothing
     const HCURSOR previous = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));  // IDC_WAIT
-    const std::string id = m_profileList.GetItemText(row, 0);
-    const std::string type = m_profileList.GetItemText(row, 1);
-    const bool ok = DeleteOnSwitch(AclKind::kProfiles, type, id);
-    if (ok) {
-        m_profileList.DeleteItem(row);
-        RemoveRecord(m_aProfiles, type, id);
-        m_details.DeleteAllItems();
-        ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
-        OnProfilesEmptied();
-    }
-    ReportKept(ok ? 0 : 1);
-    SetCursor(previous);
-}
-
-// Delete All: every profile of the list, in list order; the rows the switch confirmed go.
-void CACLModifyPage::OnDeleteAll() {
-    const int n = m_profileList.GetItemCount();
-    if (n == 0) return;
-    const HCURSOR previous = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));  // IDC_WAIT
-    std::vector<bool> deleted(static_cast<size_t>(n));
-    for (int row = 0; row < n; ++row)
-        deleted[static_cast<size_t>(row)] = DeleteOnSwitch(AclKind::kProfiles, m_profileList.GetItemText(row, 1),
-                                                           m_profileList.GetItemText(row, 0));
+    const int first = bAll ? 0 : selected, last = bAll ? n - 1 : selected;
+    std::vector<bool> confirmed(static_cast<size_t>(n));
+    for (int row = first; row <= last; ++row) confirmed[static_cast<size_t>(row)] = send(row);
     int kept = 0;
-    for (int row = n - 1; row >= 0; --row) {
-        if (!deleted[static_cast<size_t>(row)]) {
+    for (int row = last; row >= first; --row) {
+        if (!confirmed[static_cast<size_t>(row)]) {
             ++kept;
             continue;
         }
-        RemoveRecord(m_aProfiles, m_profileList.GetItemText(row, 1), m_profileList.GetItemText(row, 0));
-        m_profileList.DeleteItem(row);
+        forget(row);
+        list.DeleteItem(row);
     }
-    m_details.DeleteAllItems();
-    ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
-    OnProfilesEmptied();
+    details.DeleteAllItems();
+    ShowWindow(details.GetSafeHwnd(), SW_HIDE);
     ReportKept(kept);
     SetCursor(previous);
 }
+
+void CACLModifyPage::DeleteProfiles(bool bAll) {
+    DeleteRows(
+        m_profileList, m_details, bAll,
+        [this](int row) {
+            return DeleteOnSwitch(AclKind::kProfiles, m_profileList.GetItemText(row, 1), m_profileList.GetItemText(row, 0));
+        },
+        [this](int row) {
+            RemoveRecord(m_aProfiles, m_profileList.GetItemText(row, 1), m_profileList.GetItemText(row, 0));
+        });
+    OnProfilesEmptied();
+}
+
+void CACLModifyPage::OnDelete() { DeleteProfiles(false); }
+void CACLModifyPage::OnDeleteAll() { DeleteProfiles(true); }
 
 }  // namespace acl::wizard

@@ -2,9 +2,11 @@
 // "Device" drop-down and the profile list of the current device (read by a SwitchReader
 // slot), the details of a clicked profile, "Delete" and "Delete All", and the line that says
 // when the switch kept rows it was asked to delete. Each deletion is one SET of the row
-// status 6 (the ACL core's DeleteRow), sent at once; a row goes only when the switch confirmed.
+// status 6 (the ACL core's DeleteRow), sent at once; a row goes only when the switch confirmed
+// (one refused or unanswered stays, so the list never hides what the switch still holds).
 #pragma once
 #include <array>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -49,6 +51,12 @@ protected:
     // True when the switch confirmed it.
     bool DeleteOnSwitch(AclKind kind, const std::string& typeWord, const std::string& profileId,
                         const std::string& accessId = {});
+    // "Delete" (the selected row) or "Delete All" (every row, in list order) on `list`, with the
+    // wait cursor: `send` deletes a row on the switch, and a row it confirmed leaves the list
+    // after `forget` dropped its record; the details list is emptied and the line under the
+    // lists says how many rows the switch kept.
+    void DeleteRows(controls::CXListCtrl& list, controls::CXListCtrl& details, bool bAll,
+                    const std::function<bool(int row)>& send, const std::function<void(int row)>& forget);
     // The line under the lists: empty when every deletion was confirmed.
     void ReportKept(int nKept);
     static void RemoveRecord(std::array<AclRecordList, 4>& tables, const std::string& typeWord,
@@ -66,7 +74,7 @@ protected:
 private:
     void SelectDevice(int index);
     void StartProfileReader();
-    void StopReaders(bool closing);
+    void DeleteProfiles(bool bAll);
 };
 
 }  // namespace acl::wizard

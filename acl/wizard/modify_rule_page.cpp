@@ -94,45 +94,16 @@ BOOL CACLModifyRule::OnListNotify(const NMHDR* hdr, LRESULT* pResult) {
     return TRUE;
 }
 
-// Delete: the selected rule on the switch; its row goes when the switch confirmed.
-void CACLModifyRule::OnDelete() {
-    const int row = m_ruleList.GetFirstSelectedRow();
-    if (row < 0) return;
-    const HCURSOR previous = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));  // IDC_WAIT
-    const std::string accessId = m_ruleList.GetItemText(row, 1);
-    const bool ok = DeleteOnSwitch(AclKind::kRules, m_strRuleTypeName, m_strRuleProfileID, accessId);
-    if (ok) {
-        m_ruleList.DeleteItem(row);
-        RemoveRecord(m_aRules, m_strRuleTypeName, m_strRuleProfileID, accessId);
-        m_ruleDetails.DeleteAllItems();
-        ShowWindow(m_ruleDetails.GetSafeHwnd(), SW_HIDE);
-    }
-    ReportKept(ok ? 0 : 1);
-    SetCursor(previous);
+void CACLModifyRule::DeleteRules(bool bAll) {
+    DeleteRows(
+        m_ruleList, m_ruleDetails, bAll,
+        [this](int row) {
+            return DeleteOnSwitch(AclKind::kRules, m_strRuleTypeName, m_strRuleProfileID, m_ruleList.GetItemText(row, 1));
+        },
+        [this](int row) { RemoveRecord(m_aRules, m_strRuleTypeName, m_strRuleProfileID, m_ruleList.GetItemText(row, 1)); });
 }
 
-// Delete All: every rule of the list, in list order; the rows the switch confirmed go.
-void CACLModifyRule::OnDeleteAll() {
-    const int n = m_ruleList.GetItemCount();
-    if (n == 0) return;
-    const HCURSOR previous = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));  // IDC_WAIT
-    std::vector<bool> deleted(static_cast<size_t>(n));
-    for (int row = 0; row < n; ++row)
-        deleted[static_cast<size_t>(row)] =
-            DeleteOnSwitch(AclKind::kRules, m_strRuleTypeName, m_strRuleProfileID, m_ruleList.GetItemText(row, 1));
-    int kept = 0;
-    for (int row = n - 1; row >= 0; --row) {
-        if (!deleted[static_cast<size_t>(row)]) {
-            ++kept;
-            continue;
-        }
-        RemoveRecord(m_aRules, m_strRuleTypeName, m_strRuleProfileID, m_ruleList.GetItemText(row, 1));
-        m_ruleList.DeleteItem(row);
-    }
-    m_ruleDetails.DeleteAllItems();
-    ShowWindow(m_ruleDetails.GetSafeHwnd(), SW_HIDE);
-    ReportKept(kept);
-    SetCursor(previous);
-}
+void CACLModifyRule::OnDelete() { DeleteRules(false); }
+void CACLModifyRule::OnDeleteAll() { DeleteRules(true); }
 
 }  // namespace acl::wizard

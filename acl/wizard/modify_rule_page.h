@@ -26,6 +26,7 @@ protected:
 private:
     void ClearRules();
     void ShowRuleDetails(int row);
+    void DeleteRules(bool bAll);
 
     std::string m_strRuleProfileID, m_strRuleTypeName;  // the profile whose rules are listed
     std::string m_strSelAccessID;

@@ -54,6 +54,13 @@ std::vector<std::string> ComboItems(HWND combo) {
     return items;
 }
 
+// A type word as one word of the report ("Packet Content" as "Packet_Content").
+std::string Word(std::string text) {
+    for (char& c : text)
+        if (c == ' ') c = '_';
+    return text;
+}
+
 std::string Join(const std::vector<std::string>& items) {
     std::string out;
     for (const std::string& item : items) out += (out.empty() ? "" : " ") + item;
@@ -62,7 +69,9 @@ std::string Join(const std::vector<std::string>& items) {
 
 // "create-profiles": two switches of one model, ordinary ACL, "Create Profile", an Ethernet
 // profile with the first free profile ID, Apply to Switch; Back to "Add profile" for an IPv4
-// (TCP) profile with the next free ID, Apply to Switch, Finish. One function per page.
+// (TCP) profile with the next free ID, Apply to Switch; back to the action choice, "Modify Rule"
+// deleting a rule of the first switch and "Modify Profile" deleting the IPv4 profile there;
+// Finish. One function per page.
 class CreateProfilesWalk {
 public:
     CreateProfilesWalk(WizardDriver& d, const WalkSettings& settings, WalkOutcome& out)
@@ -72,7 +81,8 @@ public:
         m_out.ok = DeviceList() && AclKind() && CreateProfileChoice() &&
                    AddProfile(IDC_STEP2_ETHERNET, pages::kPageEthProfile) && EthernetProfile() && Confirmation() &&
                    ApplyToSwitch() && BackToAddProfile() && AddProfile(IDC_STEP2_IPV4, pages::kPageIPv4Profile) &&
-                   Ipv4Profile() && Confirmation() && ApplyToSwitch() && Finish();
+                   Ipv4Profile() && Confirmation() && ApplyToSwitch() && BackToChoice() &&
+                   ModifyRule() && BackToChoice() && ModifyProfile() && Finish();
         if (m_out.ok) Log("result ok");
     }
 
@@ -260,6 +270,85 @@ private:
         Shot("confirmation" + m_pass + "-applied");
         if (!NoMessages()) return false;
         return all || Fail("a switch did not take the profile");
+    }
+
+    // Back from the confirmation page (through the definition page and "Add profile") or from
+    // a modify page (through "Add profile") to the action choice.
+    bool BackToChoice() {
+        for (int i = 0; i < 3 && d.ActiveIndex() != pages::kPageSelect; ++i) d.Back();
+        return OnPage(pages::kPageSelect) && NoMessages();
+    }
+
+    // Page 2's choice 3 or 4, then the modify page, its profiles read (threads gone).
+    bool OpenModifyPage(int choice, int page) {
+        d.ClickButton(choice);
+        m_threadsBefore = ProcessThreads();
+        if (!NextTo(page)) return false;
+        if (!ReadersDone()) return Fail("the switch was still being read after 15 s");
+        HWND profiles = d.Control(IDC_MODIFY_PROFILE_LIST);
+        for (int row = 0; row < d.RowCount(profiles); ++row)
+            Log("listed profile " + Word(d.CellText(profiles, row, 1)) + " " + d.CellText(profiles, row, 0) + " on " +
+                m_switches[0]);
+        return true;
+    }
+
+    // Page 13: the first profile with rules, its first rule clicked and deleted.
+    bool ModifyRule() {
+        if (!OpenModifyPage(IDC_SELECT_CHOICE4, pages::kPageModifyRule)) return false;
+        HWND profiles = d.Control(IDC_MODIFY_PROFILE_LIST), rules = d.Control(IDC_MODIFY_RULE_LIST);
+        for (int row = 0; row < d.RowCount(profiles); ++row) {
+            m_threadsBefore = ProcessThreads();
+            d.ClickCell(profiles, row, 0);
+            if (!ReadersDone()) return Fail("the rules were still being read after 15 s");
+            if (d.RowCount(rules) == 0) continue;
+            const std::string type = d.CellText(profiles, row, 1), id = d.CellText(rules, 0, 0),
+                              access = d.CellText(rules, 0, 1);
+            d.ClickCell(rules, 0, 0);
+            Log("page 13: " + type + " profile " + id + " has " + std::to_string(d.RowCount(rules)) +
+                " rule(s); deleting rule " + access);
+            Shot("modify-rule");
+            const int before = d.RowCount(rules);
+            d.ClickButton(IDC_MODIFY_DELETE);
+            if (!NoMessages()) return false;
+            if (d.RowCount(rules) != before - 1) return Fail("the switch kept rule " + access + ": " + d.Text(IDC_MODIFY_STATUS));
+            Log("deleted rule " + Word(type) + " " + id + " " + access + " on " + m_switches[0]);
+            Shot("modify-rule-deleted");
+            return true;
+        }
+        return Fail("no profile on " + m_switches[0] + " has a rule");
+    }
+
+    // Page 12: the profile the walk created last, clicked and deleted.
+    bool ModifyProfile() {
+        if (!OpenModifyPage(IDC_SELECT_CHOICE3, pages::kPageModifyProfile)) return false;
+        HWND profiles = d.Control(IDC_MODIFY_PROFILE_LIST);
+        for (int row = 0; row < d.RowCount(profiles); ++row) {
+            if (d.CellText(profiles, row, 0) != m_profileId) continue;
+            const std::string type = d.CellText(profiles, row, 1);
+            d.ClickCell(profiles, row, 0);
+            Log("page 12: deleting " + type + " profile " + m_profileId);
+            Shot("modify-profile");
+            const int before = d.RowCount(profiles);
+            d.ClickButton(IDC_MODIFY_DELETE);
+            if (!NoMessages()) return false;
+            if (d.RowCount(profiles) != before - 1)
+                return Fail("the switch kept profile " + m_profileId + ": " + d.Text(IDC_MODIFY_STATUS));
+            Log("deleted profile " + Word(type) + " " + m_profileId + " on " + m_switches[0]);
+            Shot("modify-profile-deleted");
+            return true;
+        }
+        return Fail("the profile list does not show profile " + m_profileId);
+    }
+
+    // The readers a page started have ended (their threads are gone).
+    bool ReadersDone() {
+        return d.WaitFor(
+            [&] {
+                for (DWORD id : ProcessThreads())
+                    if (!m_threadsBefore.count(id)) return false;
+                return true;
+            },
+            kReaderWaitMs);
     }
 
     bool Finish() {
