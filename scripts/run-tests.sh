@@ -41,10 +41,11 @@ build() {
   local preset=$1; shift
   cmake --preset "$preset" "$@" >/dev/null && cmake --build --preset "$preset" -j"$jobs"
 }
-# The programs a tree's tests run that the tree itself builds (their target names, read from
-# the test files CMake wrote), so a tree that only serves a few tests builds only those.
+# test_programs <tree> <word>: the programs that the tree's tests named with <word> run and the
+# tree itself builds (their target names, read from the test files CMake wrote), so a tree that
+# only serves a few tests builds only those.
 test_programs() {
-  find "$1" -name CTestTestfile.cmake -exec grep -h '^add_test' {} + |
+  find "$1" -name CTestTestfile.cmake -exec grep -h "^add_test(\[=\[[^]]*$2" {} + |
     sed -nE 's|^add_test\(\[=\[[^]]*\]=\] "([^"]*)".*|\1|p' | grep "^$(realpath "$1")/" |
     xargs -r -n1 basename | sort -u | tr '\n' ' '
 }
@@ -63,9 +64,9 @@ if [ -d fuzz ] || [ -d tests/fuzz ]; then
   step "fuzz targets (bounded runs)"
   fuzz_seconds=${SENTREL_FUZZ_SECONDS:-30}
   if cmake --preset fuzz -DSNMP_FUZZ_SECONDS="$fuzz_seconds" >/dev/null &&
-     targets=$(test_programs build/fuzz) && [ -n "$targets" ] &&
+     targets=$(test_programs build/fuzz fuzz) && [ -n "$targets" ] &&
      cmake --build --preset fuzz -j"$jobs" --target $targets; then
-    run_ctest fuzz --test-dir build/fuzz --output-on-failure -j"$jobs"
+    run_ctest fuzz --test-dir build/fuzz --output-on-failure -j"$jobs" -L fuzz
   else
     fail "fuzz build"
   fi
