@@ -161,6 +161,9 @@ TEST(AclRecord, FieldLimitsByModelOwnerAndProtocol) {
       {V4, O, "TVR4820", "6", &RuleFields::value2, "FFFFFFFG", "User Mask  is error!"},
       {V4, O, "TVR4820", "6", &RuleFields::value2, "FFFFFFFF0", "User Mask  is error!"},
       {V4, O, "TVR4820", "6", &RuleFields::value2, "0000ffff", "ok"},
+      {E, O, "TVR4060", "", &RuleFields::rxRate, "1024001", "Rxrate range is not error"},
+      {E, C, "TVR4512", "", &RuleFields::accessId, "101", "Access ID range is error"},
+      {PC, O, "TVR4512", "", &RuleFields::accessId, "129", "Access ID range is error"},
   };
   for (const auto& c : cases) {
     RuleFields f = Good();

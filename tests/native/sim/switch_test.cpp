@@ -85,14 +85,6 @@ void ExpectError(const Answer& a, int32_t status, int32_t index) {
 
 }  // namespace
 
-TEST_F(SwitchTest, CreateAndGoOnAnExistingRowIsBadValueAtTheRowStatusAndChangesNothing) {
-  ExpectError(Set({I(C(kProf, 8, "7"), 4)}), kNoError, 0);
-  Answer a = Set({I(C(kProf, 2, "7"), 1), I(C(kProf, 3, "7"), 3), I(C(kProf, 8, "7"), 4)});
-  ExpectError(a, kBadValue, 3);
-  EXPECT_EQ(Get(C(kProf, 2, "7")), Value::Integer(2)) << "all or nothing";
-  EXPECT_EQ(Get(C(kProf, 3, "7")), Value::Integer(1));
-}
-
 TEST_F(SwitchTest, ASetIsAllOrNothing) {
   ExpectError(Set({I(kClose, 5), S(C(kProf, 4, "3"), "short"), I(C(kProf, 8, "3"), 4)}), kBadValue, 2);
   EXPECT_EQ(Get(kClose), Value::Integer(0));
@@ -148,31 +140,6 @@ TEST_F(SwitchTest, CommunitiesAreCheckedAndWrongOnesDroppedSilently) {
   EXPECT_FALSE(Send(kTagGetResponse, {VarBind{O("1.3.6.1"), Value::Null()}}, "public").answered);
   const uint8_t junk[] = {0x30, 0x03, 0x02, 0x01};
   EXPECT_FALSE(sw_->Handle(junk, sizeof junk).has_value());
-}
-
-TEST_F(SwitchTest, FaultRefuseTheNthSet) {
-  Make("127.0.4.1 TVG5240-10 public private refuse-set=2,4");
-  ExpectError(Set({I(C(kRule, 15, "1.1"), 4)}), kNoError, 0);
-  ExpectError(Set({I(C(kRule, 15, "1.2"), 4)}), kGenErr, 1);
-  EXPECT_FALSE(Has(C(kRule, 15, "1.2")));
-  ExpectError(Set({I(C(kRule, 15, "1.3"), 4)}), kNoError, 0);
-  ExpectError(Set({I(kClose, 5)}), kGenErr, 1);
-  ExpectError(Set({I(kClose, 5)}), kNoError, 0);
-  EXPECT_EQ(sw_->setCount(), 5u);
-  Make("127.0.4.1 TVG5240-10 public private refuse-set=1 refuse-status=badValue");
-  ExpectError(Set({I(kClose, 5)}), kBadValue, 1);
-}
-
-TEST_F(SwitchTest, FaultDropSilentAndDelay) {
-  Make("127.0.4.1 TVG5240-10 public private drop-set=1");
-  EXPECT_FALSE(Set({I(kClose, 5)}).answered);
-  EXPECT_EQ(Get(kClose), Value::Integer(0));
-  EXPECT_TRUE(Set({I(kClose, 5)}).answered);
-  Make("127.0.4.1 TVG5240-10 public private silent");
-  EXPECT_FALSE(Next({"1.3.6.1"}).answered);
-  EXPECT_FALSE(Set({I(kClose, 5)}).answered);
-  Make("127.0.4.1 TVG5240-10 public private delay=250");
-  EXPECT_EQ(sw_->answerDelayMs(), 250);
 }
 
 // A creating request that leaves out a column the row needs is accepted, as a switch would,

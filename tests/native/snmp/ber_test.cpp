@@ -330,19 +330,3 @@ TEST(BerText, OrderAndPrefix) {
   EXPECT_FALSE(OidIsUnder(MakeOid("1.3.6.1"), MakeOid("1.3.6.1")));
   EXPECT_FALSE(OidIsUnder(MakeOid("1.3.6.10"), MakeOid("1.3.6.1")));
 }
-
-TEST(BerText, RenderingOfEveryType) {
-  EXPECT_EQ(RenderValue(Value::Integer(-7)), "-7");
-  EXPECT_EQ(RenderValue(Value::IpAddress(0x0A000102)), "10.0.1.2");
-  EXPECT_EQ(RenderValue(Value::OctetString(Bytes({0, 'a', 0}))), Bytes({0, 'a', 0}));
-  EXPECT_EQ(RenderValue(Value::Unsigned(kTagCounter, 4294967295u)), "4294967295");
-  EXPECT_EQ(RenderValue(Value::Unsigned(kTagGauge, 7)), "7");
-  EXPECT_EQ(RenderValue(Value::Unsigned(kTagTimeTicks, 123)), "123");
-  Value opaque;
-  opaque.tag = kTagOpaque;
-  opaque.bytes = Bytes({0x9f, 0x01});
-  EXPECT_EQ(RenderValue(opaque), "9F 01");
-  EXPECT_EQ(RenderValue(Value::ObjectId(MakeOid("1.3.6.1"))), "1.3.6.1");
-  EXPECT_EQ(RenderValue(Value::Null()), "");
-  EXPECT_STREQ(TypeName(kTagIpAddress), "IpAddress");
-}

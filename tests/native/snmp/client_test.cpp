@@ -74,55 +74,6 @@ long long MsSince(Clock::time_point t0) {
 
 }  // namespace
 
-TEST(SnmpSet, SucceedsAndSendsTheBindingsInOrder) {
-  MapMib mib;
-  FakeAgent agent(TestAddress(1), mib.Handler());
-  ASSERT_TRUE(agent.bound()) << "binding " << TestAddress(1) << " (UDP 161 needs root)";
-  const char mask[] = {0, 0, 0, '\xFF'};
-  SnmpSetResult r = SnmpSet(TestAddress(1), "private",
-                            {SnmpBinding::Integer("1.3.6.1.4.1.32473.12.9.2.1.1.2.5", 2),
-                             SnmpBinding::Bytes("1.3.6.1.4.1.32473.12.9.2.1.1.4.5", mask, 4),
-                             SnmpBinding::Text("1.3.6.1.4.1.32473.12.9.3.1.1.3.5.1", "VLAN1"),
-                             SnmpBinding::IpAddress("1.3.6.1.4.1.32473.12.9.2.2.1.4.5", "255.255.0.0"),
-                             SnmpBinding::Integer("1.3.6.1.4.1.32473.12.9.2.1.1.8.5", "4")});
-  EXPECT_EQ(r.sendStatus, 0);
-  EXPECT_TRUE(r.responded);
-  EXPECT_EQ(r.errorStatus, 0);
-  EXPECT_EQ(r.errorIndex, 0);
-  EXPECT_STREQ(SnmpVerdict(r), "Succeed");
-  EXPECT_STREQ(SnmpVerdict(r, SnmpSuccessWord::kSuccess), "Success");
-  const auto requests = agent.Requests();
-  ASSERT_EQ(requests.size(), 1u);
-  const Message& req = requests[0];
-  EXPECT_EQ(req.version, 0);
-  EXPECT_EQ(req.community, "private");
-  EXPECT_EQ(req.pdu.type, kTagSetRequest);
-  ASSERT_EQ(req.pdu.varbinds.size(), 5u);
-  EXPECT_EQ(FormatOid(req.pdu.varbinds[0].name), "1.3.6.1.4.1.32473.12.9.2.1.1.2.5");
-  EXPECT_EQ(req.pdu.varbinds[0].value, Value::Integer(2));
-  EXPECT_EQ(req.pdu.varbinds[1].value, Value::OctetString(std::string(mask, 4)));
-  EXPECT_EQ(req.pdu.varbinds[2].value, Value::OctetString("VLAN1"));
-  EXPECT_EQ(req.pdu.varbinds[3].value, Value::IpAddress(0xFFFF0000));
-  EXPECT_EQ(req.pdu.varbinds[4].value, Value::Integer(4));
-}
-
-// The agent rejects the second binding.
-TEST(SnmpSet, AgentRejectingTheSecondBindingGivesFailWithIndex2) {
-  FakeAgent agent(TestAddress(2), [](FakeAgent& a, const Message& req, const Endpoint& from) {
-    a.Reply(req, from, req.pdu.varbinds, kBadValue, 2);
-  });
-  ASSERT_TRUE(agent.bound());
-  SnmpSetResult r = SnmpSet(TestAddress(2), "private",
-                            {SnmpBinding::Integer("1.3.6.1.4.1.32473.12.9.2.1.1.2.5", 1),
-                             SnmpBinding::Integer("1.3.6.1.4.1.32473.12.9.2.1.1.3.5", 99)});
-  EXPECT_EQ(r.sendStatus, 0);
-  EXPECT_TRUE(r.responded);
-  EXPECT_NE(r.errorStatus, 0);
-  EXPECT_EQ(r.errorIndex, 2);
-  EXPECT_STREQ(SnmpVerdict(r), "Fail");
-  EXPECT_STREQ(SnmpVerdict(r, SnmpSuccessWord::kSuccess), "Fail");
-}
-
 // One value this side cannot hold (an unknown type, an INTEGER of 9 bytes) does not turn the
 // answer into a time-out: the error status decides, and a walk still hands the row on.
 TEST(SnmpSet, AnOddValueInTheAnswerIsJudgedByTheErrorStatus) {
@@ -199,16 +150,6 @@ TEST(SnmpWalk, EmptyTableCallsNoConsumerAndRaisesNothing) {
   FakeAgent agent(TestAddress(5), mib.Handler());
   ASSERT_TRUE(agent.bound());
 
-  CSnmpV1 request(0);
-  request.setType(kSnmpGetNextRequest);
-  CSnmpTable walker(&request);
-  request.clearVarBindList();
-  request.setCommunity("public");
-  request.addValue(Col(kEthRule, 3).c_str(), kSnmpNull, nullptr);
-  CSnmp* answer = nullptr;
-  EXPECT_NE(walker.getNext(TestAddress(5).c_str(), answer, 3000), 0);
-  EXPECT_EQ(answer, nullptr);
-
   int calls = 0;
   EXPECT_EQ(SnmpWalk(TestAddress(5), "public", Columns({3, 15}), [&](const SnmpRow&) { ++calls; }), 0u);
   EXPECT_EQ(calls, 0);
@@ -250,27 +191,6 @@ TEST(SnmpWalk, RowsInAgentOrderWithMultiPartIndexAndNoForeignRows) {
   }
   EXPECT_EQ(FormatOid(requests[0].pdu.varbinds[0].name), Col(kEthRule, 3));
   EXPECT_EQ(FormatOid(requests[1].pdu.varbinds[2].name), Col(kEthRule, 15) + ".1.2");
-}
-
-// A raw octet string with zero bytes inside goes out with its full length
-// and comes back with all its bytes.
-TEST(SnmpWalk, RawOctetStringWithZeroBytesRoundTrips) {
-  MapMib mib;
-  FakeAgent agent(TestAddress(7), mib.Handler());
-  ASSERT_TRUE(agent.bound());
-  const std::string mask("\x00\x00\x00\xFF", 4);
-  const std::string col = "1.3.6.1.4.1.32473.12.9.2.2.1.18";
-  SnmpSetResult r = SnmpSet(TestAddress(7), "private", {SnmpBinding::Bytes(col + ".7", mask)});
-  ASSERT_STREQ(SnmpVerdict(r), "Succeed");
-  ASSERT_EQ(agent.RawRequests().size(), 1u);
-  // On the wire: 04 04 00 00 00 ff.
-  EXPECT_NE(agent.RawRequests()[0].find(std::string("\x04\x04\x00\x00\x00\xFF", 6)), std::string::npos);
-
-  std::vector<SnmpRow> rows;
-  SnmpWalk(TestAddress(7), "public", {col}, [&](const SnmpRow& row) { rows.push_back(row); });
-  ASSERT_EQ(rows.size(), 1u);
-  EXPECT_EQ(rows[0].index, "7");
-  EXPECT_EQ(rows[0].bindings[0].value, mask);
 }
 
 TEST(SnmpWalk, EndsOnAnErrorStatus) {
@@ -432,14 +352,4 @@ TEST(SnmpClient, IndependentRequestObjectsOnSeveralThreads) {
     });
   for (auto& th : threads) th.join();
   for (size_t c : counts) EXPECT_EQ(c, 200u);
-}
-
-TEST(SnmpIndex, FirstColumnAndDotRemoved) {
-  EXPECT_EQ(SnmpIndexText(Col(kEthRule, 1), Col(kEthRule, 1) + ".1.2"), "1.2");
-  EXPECT_EQ(SnmpIndexText("1.3.6.1.4.1.32473.12.9.2.1.1.1", "1.3.6.1.4.1.32473.12.9.2.1.1.1.5"), "5");
-  EXPECT_EQ(SnmpIndexText(".1.3.6.1.2", "1.3.6.1.2.7.8.9"), "7.8.9");
-  EXPECT_EQ(SnmpIndexText("1.3.6.1.2", ".1.3.6.1.2.7"), "7");
-  EXPECT_EQ(SnmpIndexText("1.3.6.1.2", "1.3.6.1.20.5"), "");
-  EXPECT_EQ(SnmpIndexText("1.3.6.1.2", "1.3.6.1.2"), "");
-  EXPECT_EQ(SnmpIndexText("1.3.6.1.2", "1.3.6.1.3.1"), "");
 }
