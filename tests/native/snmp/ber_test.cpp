@@ -174,21 +174,6 @@ TEST(BerRoundTrip, EveryValueTypeComesBackEqual) {
   for (size_t i = 0; i < values.size(); ++i) EXPECT_EQ(back.pdu.varbinds[i], m.pdu.varbinds[i]) << i;
 }
 
-TEST(BerRoundTrip, LargestSubIdentifiersAndLongestOid) {
-  Oid o = MakeOid("1.3.4294967295.0.4294967295");
-  Oid longest = {1, 3};
-  while (longest.size() < kMaxOidArcs) longest.push_back(static_cast<uint32_t>(longest.size()) * 1000003u);
-  for (const Oid& name : {o, longest}) {
-    Message m = OneBinding(Value::Null(), kTagGetResponse);
-    m.pdu.varbinds[0].name = name;
-    std::string bytes;
-    ASSERT_TRUE(EncodeMessage(m, bytes));
-    Message back;
-    ASSERT_EQ(DecodeMessage(bytes, back), DecodeError::kOk);
-    EXPECT_EQ(back.pdu.varbinds[0].name, name);
-  }
-}
-
 TEST(BerDecode, AcceptsAHandBuiltResponse) {
   std::string pkt = Wrap(Vb(Bytes({0x02, 0x01, 0x05})) + Vb(Bytes({0x04, 0x02, 'h', 'i'})));
   Message m;
