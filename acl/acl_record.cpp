@@ -218,10 +218,11 @@ AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
     case AclType::kEthernet:
       if (!OptionalInRange(f.p8021, 0, 7)) return {M::k8021pRange};
       if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId)) != M::kNone) return {m};
-      if (!f.srcMac.empty() && !ValidateMac(f.srcMac)) return {M::kInvalidMac};
+      // The destination MAC is checked before the priority, the source MAC after the Rx rate.
+      if (!f.dstMac.empty() && !ValidateMac(f.dstMac)) return {M::kInvalidMac};
       if (!OptionalInRange(f.priority, 0, 7)) return {M::kPriorityRange};
       if (!RxRateOk(model, owner, f.rxRate)) return {M::kRxRateRange};
-      if (!f.dstMac.empty() && !ValidateMac(f.dstMac)) return {M::kInvalidMac};
+      if (!f.srcMac.empty() && !ValidateMac(f.srcMac)) return {M::kInvalidMac};
       // An Ethertype holds 4 hex digits (2 bytes on the wire).
       if (!f.ethertype.empty() && (!ValidateHex(f.ethertype) || TrimUpper(f.ethertype).size() > 4))
         return {M::kInvalidEthertype};
