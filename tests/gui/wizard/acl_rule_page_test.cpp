@@ -114,6 +114,8 @@ TEST_F(RulePageGui, ChecksSpeakInTheirOrderAndThePageKeepsItsInput) {
             if (!ownPorts) d.TypeText(IDC_RULE_PORTS, "1-2");
             Fill(d, row.fields);
             EXPECT_TRUE(d.TakeMessages().empty());
+            if (i == 0 || rows[static_cast<size_t>(i - 1)].page != row.page)
+                d.Screenshot("rule-page-" + std::to_string(row.page) + "-filled");
             d.ClickButton(IDC_RULE_ADD);
             EXPECT_EQ(std::vector<std::string>{row.message}, Texts(d.TakeMessages()));
             EXPECT_EQ(0, d.RowCount(d.Control(IDC_RULE_LIST))) << "nothing added";
