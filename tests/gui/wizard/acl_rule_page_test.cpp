@@ -2,6 +2,7 @@
 // order (two bad fields: the earlier one speaks), the page keeping its input and adding
 // nothing, the Add rules, the port check while typing, the two replacements excluding each
 // other; then "Add rule" over switches that fail in each way it must tell apart.
+#include <array>
 #include <vector>
 
 #include "tests/gui/wizard/profile_flow.h"
