@@ -115,7 +115,7 @@ Json EveryRecord(const ModelEntry& m, AclOwner owner) {
         r.update({{"vlan", "v10"}, {"src_mac", "00a0c9ffee01"}, {"ethertype", "86DD"}, {"802.1p", 5}});
         break;
       case AclType::kIPv4:
-        p.update({{"dst_ip_mask", "255.255.255.0"}, {"protocol", "tcp"}, {"dst_port_mask", "FFFF"}, {"tcp_flags", {"syn"}}});
+        p.update({{"dst_ip_mask", "255.255.255.0"}, {"protocol", "tcp"}, {"dst_port_mask", "FFFF"}, {"tcp_flags", Json::array({"syn"})}});
         r.update({{"dst_ip", "10.1.1.0"}, {"dst_port", 22}, {"dscp", 46}});
         break;
       case AclType::kIPv6:
@@ -134,7 +134,7 @@ Json EveryRecord(const ModelEntry& m, AclOwner owner) {
         }
         break;
     }
-    if (m.offersRuleType(owner, t)) p["rules"] = {r};
+    if (m.offersRuleType(owner, t)) p["rules"] = Json::array({r});
     list.push_back(p);
     ++id;
   }
