@@ -15,9 +15,15 @@ CACLWizard::CACLWizard() : WizardSheet(ui::LoadResString(IDS_ACL)) {
         AddPage(page);
     }
     SetStartPage(acl::pages::kPageDeviceList);
+    // A log that cannot be opened changes nothing the pages show.
+    std::string error;
+    m_auditing = m_auditLog.Open(error);
+    if (m_auditing) SetAclWriteObserver(m_auditLog.Observer());
 }
 
-CACLWizard::~CACLWizard() = default;
+CACLWizard::~CACLWizard() {
+    if (m_auditing) SetAclWriteObserver(nullptr);
+}
 
 void CACLWizard::OnInitSheet() {
     // The wizard's icon as the big window icon; the wizard has no help to offer.

@@ -4,6 +4,7 @@
 #pragma once
 #include <windows.h>
 
+#include "acl/acl_audit.h"
 // The pages in index order.
 #include "acl/wizard/device_list_page.h"
 #include "acl/wizard/acl_kind_page.h"
@@ -43,6 +44,10 @@ protected:
     void OnInitSheet() override;
 
 private:
+    // sentrel-acl's audit log (%LOCALAPPDATA%\Sentrel\audit.jsonl) gets every SET the wizard
+    // sends while it is open; declared before the pages so it outlives their workers.
+    AclAuditLog m_auditLog{DefaultAuditLogPath()};
+    bool m_auditing = false;
     // The eighteen pages, in index order.
     CACLStep0 m_step0;
     CACLStep1 m_step1;

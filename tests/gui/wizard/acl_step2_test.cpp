@@ -388,6 +388,7 @@ TEST_F(AddProfileGui, ApplyFirstSwitchSilentSecondSucceedsThenListsAreEmpty) {
     dropClosing.dropSets = {2};  // the record is answered, the closing request is not
     SimAgent a(8, "TVR4820", silent), b(9, "TVR4820"), c(12, "TVR4820", dropClosing);
     ASSERT_TRUE(a.ok() && b.ok() && c.ok()) << a.error() << b.error() << c.error();
+    _putenv_s("LOCALAPPDATA", m_folder.c_str());  // where the wizard keeps its audit log
     Wizard({{a.address(), "TVR4820"}, {b.address(), "TVR4820"}, {c.address(), "TVR4820"}}, 1, [&](WizardDriver& d) {
         ASSERT_EQ(3, d.ActiveIndex());
         AddOneEthernetProfile(d, "6");
@@ -438,6 +439,24 @@ TEST_F(AddProfileGui, ApplyFirstSwitchSilentSecondSucceedsThenListsAreEmpty) {
         EXPECT_EQ(5, d.ActiveIndex());
     });
     EXPECT_TRUE(HasProfile(b, "TVR4820", AclOwner::kAcl, "6")) << "read back from the second switch";
+    // The apply's audit lines: per switch its record's OIDs and each outcome; no community.
+    const std::string audit = sentrel_test::ReadTextFile(m_folder + "\\Sentrel\\audit.jsonl");
+    const std::string profileRow = "\"oid\":\"1.3.6.1.4.1.32473.12.9.2.1.1.";
+    for (const auto& [agent, results] : {std::pair{&a, "no answer"}, std::pair{&b, "ok ok"}, std::pair{&c, "ok no answer"}}) {
+        std::string seen;
+        size_t requests = 0;
+        for (size_t at = audit.find(agent->address() + "\""); at != std::string::npos;
+             at = audit.find(agent->address() + "\"", at + 1)) {
+            const std::string line = audit.substr(at, audit.find('\n', at) - at);
+            requests += line.find(profileRow) != std::string::npos;
+            if (size_t r = line.find("\"result\":\""); r != std::string::npos)
+                seen += (seen.empty() ? "" : " ") + line.substr(r + 10, line.find('"', r + 10) - r - 10);
+        }
+        EXPECT_EQ(1u, requests) << agent->address() << "\n" << audit;
+        EXPECT_EQ(results, seen) << agent->address() << "\n" << audit;
+    }
+    EXPECT_EQ(std::string::npos, audit.find("public"));
+    EXPECT_EQ(std::string::npos, audit.find("private"));
 }
 
 // Part 5.4 edge case for the CPU ACL (first switch silent, the next still configured, reading
