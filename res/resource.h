@@ -143,12 +143,7 @@
 #define IDS_PCOL_OFFSET48            362
 #define IDS_PCOL_OFFSET64            363
 
-// IPv6 and packet-content pages: the switch checks nothing of
-// these inputs; a checked field that does not fit is refused with one of these (no row added).
-#define IDS_MSG_INVALID_IPV6_MASK    400   // IPv6 address mask not 32 hexadecimal digits
-#define IDS_MSG_INVALID_CHUNK_OFFSET 401   // chunk offset not 0 to 31
-#define IDS_MSG_INVALID_CHUNK_MASK   402   // chunk mask not 8 hexadecimal digits
-#define IDS_MSG_INVALID_OFFSET_MASK  403   // offset-range mask field not 8 hexadecimal digits
+// 400-403: the IPv6 and packet-content pages' input checks, in res/acl_messages.inc.
 
 // IPv4 page: the protocol group titles, also column 22 of its pending rows.
 #define IDS_IPV4_GROUP_ICMP          370   // "ICMP"        (m_nFrameOption 3)

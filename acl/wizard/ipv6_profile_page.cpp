@@ -48,7 +48,7 @@ UINT CACLStep_IPV6::CheckFields(const ProfileFields& f) const {
     // (ValidateHexWidth says why).
     if ((f.srcIpv6Checked && !ValidateHexWidth(f.srcIpv6Mask, kIpv6MaskDigits)) ||
         (f.dstIpv6Checked && !ValidateHexWidth(f.dstIpv6Mask, kIpv6MaskDigits)))
-        return IDS_MSG_INVALID_IPV6_MASK;
+        return static_cast<UINT>(AclMessage::kInvalidIpv6Mask);
     return 0;
 }
 

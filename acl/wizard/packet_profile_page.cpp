@@ -124,8 +124,8 @@ UINT CACLStep_Packet::CheckFields(const ProfileFields& f) const {
         for (int i = 0; i < kChunks; ++i) {
             const auto& item = f.items[static_cast<size_t>(i)];
             if (!item.checked) continue;
-            if (!ValidateChunkOffset(item.offset)) return IDS_MSG_INVALID_CHUNK_OFFSET;
-            if (!IsMaskField(item.mask)) return IDS_MSG_INVALID_CHUNK_MASK;
+            if (!ValidateChunkOffset(item.offset)) return static_cast<UINT>(AclMessage::kInvalidChunkOffset);
+            if (!IsMaskField(item.mask)) return static_cast<UINT>(AclMessage::kInvalidChunkMask);
         }
         return 0;
     }
@@ -133,7 +133,7 @@ UINT CACLStep_Packet::CheckFields(const ProfileFields& f) const {
     for (int r = 0; r < kRanges; ++r) {
         if (!ui::Button(GetDlgItem(kRangeCheck[r])).IsChecked()) continue;
         for (int k = 0; k < kRangeFields; ++k)
-            if (!IsMaskField(ui::GetWindowTextString(GetDlgItem(RangeField(r, k))))) return IDS_MSG_INVALID_OFFSET_MASK;
+            if (!IsMaskField(ui::GetWindowTextString(GetDlgItem(RangeField(r, k))))) return static_cast<UINT>(AclMessage::kInvalidOffsetMask);
     }
     return 0;
 }
