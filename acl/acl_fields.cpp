@@ -26,6 +26,21 @@ RuleFields RuleFieldsFromRecord(AclType ruleType, AclOwner owner, const ModelEnt
     f.priorityChecked = On(Cell(r, flag));
     if (f.priorityChecked) f.priority = Cell(r, value);
   };
+  // The CPU ACL's rules end in the action and, a cell further on, the ports.
+  auto cpuTail = [&](size_t action) {
+    f.action = Cell(r, action);
+    f.ports = Cell(r, action + 2);
+  };
+  // Ethernet and IPv6 rules from cell k on: priority, the replacement DSCP ("2" when none was
+  // chosen), action, ports, and the Rx Rate at k + 7.
+  auto ordinaryTail = [&](size_t k) {
+    priority(k, k + 1);
+    f.replaceDscpChecked = !Cell(r, k + 2).empty() && Cell(r, k + 2) != "2";
+    if (f.replaceDscpChecked) f.replaceDscp = Cell(r, k + 2);
+    f.action = Cell(r, k + 3);
+    f.ports = Cell(r, k + 4);
+    f.rxRate = Cell(r, k + 7);
+  };
   switch (ruleType) {
     case AclType::kEthernet:
       f.vlan = Cell(r, 2);
@@ -34,19 +49,12 @@ RuleFields RuleFieldsFromRecord(AclType ruleType, AclOwner owner, const ModelEnt
       f.p8021 = Cell(r, 5);
       f.ethertype = Cell(r, 6);
       if (cpu) {
-        f.action = Cell(r, 7);
-        f.ports = Cell(r, 9);
+        cpuTail(7);
         break;
       }
-      priority(7, 8);
-      // Cell 9 holds "2" when no replacement DSCP was chosen.
-      f.replaceDscpChecked = !Cell(r, 9).empty() && Cell(r, 9) != "2";
-      if (f.replaceDscpChecked) f.replaceDscp = Cell(r, 9);
-      f.action = Cell(r, 10);
-      f.ports = Cell(r, 11);
+      ordinaryTail(7);
       f.replaceTosChecked = !Cell(r, 13).empty();
       f.replaceTos = Cell(r, 13);
-      f.rxRate = Cell(r, 14);
       break;
     case AclType::kIPv4: {
       f.vlan = Cell(r, 2);
@@ -68,8 +76,7 @@ RuleFields RuleFieldsFromRecord(AclType ruleType, AclOwner owner, const ModelEnt
         f.value2 = Cell(r, 13);
       }
       if (cpu) {
-        f.action = Cell(r, 14);
-        f.ports = Cell(r, 16);
+        cpuTail(14);
         break;
       }
       priority(14, 15);
@@ -87,17 +94,10 @@ RuleFields RuleFieldsFromRecord(AclType ruleType, AclOwner owner, const ModelEnt
       f.flowLabel = Cell(r, 3);
       f.srcIpv6 = Cell(r, 4);
       f.dstIpv6 = Cell(r, 5);
-      if (cpu) {
-        f.action = Cell(r, 6);
-        f.ports = Cell(r, 8);
-        break;
-      }
-      priority(6, 7);
-      f.replaceDscpChecked = !Cell(r, 8).empty() && Cell(r, 8) != "2";
-      if (f.replaceDscpChecked) f.replaceDscp = Cell(r, 8);
-      f.action = Cell(r, 9);
-      f.ports = Cell(r, 10);
-      f.rxRate = Cell(r, 13);
+      if (cpu)
+        cpuTail(6);
+      else
+        ordinaryTail(6);
       break;
     case AclType::kPacketContent: {
       auto item = [&](size_t i, std::string offset, std::string data) {
@@ -105,30 +105,28 @@ RuleFields RuleFieldsFromRecord(AclType ruleType, AclOwner owner, const ModelEnt
         f.items[i].offset = std::move(offset);
         f.items[i].data = std::move(data);
       };
-      switch (model.packetShape(owner, AclKind::kRules)) {
+      switch (const PacketShape shape = model.packetShape(owner, AclKind::kRules)) {
         case PacketShape::kOffsetItems:
-          for (size_t i = 0; i < 5; ++i) item(i, Cell(r, 2 + 2 * i), Cell(r, 3 + 2 * i));
+        case PacketShape::kChunks4: {
+          // Five (offset, data) items, or four chunks followed by the two replacements.
+          const bool chunks = shape == PacketShape::kChunks4;
+          for (size_t i = 0; i < (chunks ? 4u : 5u); ++i) item(i, Cell(r, 2 + 2 * i), Cell(r, 3 + 2 * i));
+          if (chunks) {
+            f.replaceDscpChecked = !Cell(r, 10).empty();
+            f.replaceDscp = Cell(r, 10);
+            f.replaceTosChecked = !Cell(r, 11).empty();
+            f.replaceTos = Cell(r, 11);
+          }
           priority(12, 13);
           f.rxRate = Cell(r, 14);
           f.action = Cell(r, 15);
           f.ports = Cell(r, 17);
           break;
-        case PacketShape::kChunks4:
-          for (size_t i = 0; i < 4; ++i) item(i, Cell(r, 2 + 2 * i), Cell(r, 3 + 2 * i));
-          f.replaceDscpChecked = !Cell(r, 10).empty();
-          f.replaceDscp = Cell(r, 10);
-          f.replaceTosChecked = !Cell(r, 11).empty();
-          f.replaceTos = Cell(r, 11);
-          priority(12, 13);
-          f.rxRate = Cell(r, 14);
-          f.action = Cell(r, 15);
-          f.ports = Cell(r, 17);
-          break;
+        }
         case PacketShape::kBlock16:
           for (size_t i = 0; i < 5; ++i) item(i, std::string(), Cell(r, 2 + i));
           if (cpu) {
-            f.action = Cell(r, 7);
-            f.ports = Cell(r, 9);
+            cpuTail(7);
           } else {
             priority(7, 8);
             f.replaceDscpChecked = On(Cell(r, 9));
@@ -153,25 +151,25 @@ ProfileFields ProfileFieldsFromRecord(AclType type, AclOwner owner, const ModelE
   auto nameFromOwnerCell = [&](size_t k) {
     if (owner == AclOwner::kAcl && std::string_view(model.typeText) == "TVR4512") f.profileName = Cell(r, k);
   };
-  auto maskState = [&](const std::string& s, bool& src, bool& dst) {
-    src = s == "3" || s == "4";
-    dst = s == "2" || s == "4";
+  // A mask state cell (3 source, 2 destination, 4 both) and the two masks after it.
+  auto masks = [&](size_t state, bool& srcOn, std::string& src, bool& dstOn, std::string& dst) {
+    const std::string s = Cell(r, state);
+    srcOn = s == "3" || s == "4";
+    dstOn = s == "2" || s == "4";
+    if (srcOn) src = Cell(r, state + 1);
+    if (dstOn) dst = Cell(r, state + 2);
   };
   switch (type) {
     case AclType::kEthernet:
       f.vlan = On(Cell(r, 1));
-      maskState(Cell(r, 2), f.srcMacChecked, f.dstMacChecked);
-      if (f.srcMacChecked) f.srcMac = Cell(r, 3);
-      if (f.dstMacChecked) f.dstMac = Cell(r, 4);
+      masks(2, f.srcMacChecked, f.srcMac, f.dstMacChecked, f.dstMac);
       f.p8021 = On(Cell(r, 5));
       f.ethernetType = On(Cell(r, 6));
       nameFromOwnerCell(8);
       break;
     case AclType::kIPv4: {
       f.vlan = On(Cell(r, 1));
-      maskState(Cell(r, 2), f.srcIpChecked, f.dstIpChecked);
-      if (f.srcIpChecked) f.srcIp = Cell(r, 3);
-      if (f.dstIpChecked) f.dstIp = Cell(r, 4);
+      masks(2, f.srcIpChecked, f.srcIp, f.dstIpChecked, f.dstIp);
       f.dscp = On(Cell(r, 5));
       const std::string proto = Cell(r, 6);
       f.protocolChecked = proto >= "2" && proto <= "6" && proto.size() == 1;
@@ -208,9 +206,7 @@ ProfileFields ProfileFieldsFromRecord(AclType type, AclOwner owner, const ModelE
     case AclType::kIPv6:
       f.ipv6Class = On(Cell(r, 1));
       f.flowLabel = On(Cell(r, 2));
-      maskState(Cell(r, 3), f.srcIpv6Checked, f.dstIpv6Checked);
-      if (f.srcIpv6Checked) f.srcIpv6Mask = Cell(r, 4);
-      if (f.dstIpv6Checked) f.dstIpv6Mask = Cell(r, 5);
+      masks(3, f.srcIpv6Checked, f.srcIpv6Mask, f.dstIpv6Checked, f.dstIpv6Mask);
       nameFromOwnerCell(7);
       break;
     case AclType::kPacketContent:

@@ -358,7 +358,8 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
              "  sentrel-acl show --json > backup.json && sentrel-acl apply --state overridden backup.json\n");
 
   bool json = false;
-  auto* show = app.add_subcommand("show", "Read the switches and print their profiles and rules");
+  auto* show = app.add_subcommand("show", "Read the switches and print their profiles and rules; a rule\n"
+                                          "whose profile is missing is named on stderr, not printed");
   show->add_flag("--json", json, "Print the desired-state format (a backup that apply restores)");
 
   std::string stateFile, mode = "merged";
@@ -407,6 +408,8 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
     for (SwitchPlan& p : plans) {
       missing = missing || !p.before.reached;
       if (!p.before.reached && json) err << "sentrel-acl: " << p.sw->name << ": " << p.failure << "\n";
+      for (const std::string& rule : RulesWithoutProfile(p.before))
+        err << "sentrel-acl: " << p.sw->name << ": " << rule << "; not shown (apply --state overridden deletes it)\n";
       read.emplace_back(p.sw, std::move(p.before));
     }
     if (json)

@@ -160,16 +160,10 @@ void ReadSection(const Json& section, const std::string& path, DesiredSwitch& d,
 void LoadDesiredState(const std::string& path, const std::vector<const SwitchEntry*>& selected,
                       const Inventory& inventory, std::vector<DesiredSwitch>& out,
                       std::vector<std::string>& errors) {
-  std::string text;
-  if (!ReadWholeFile(path, text)) {
-    errors.push_back(path + ": cannot be read");
-    return;
-  }
   Json j;
-  try {
-    j = Json::parse(text);
-  } catch (const Json::parse_error& e) {
-    errors.push_back(path + ": $: not valid JSON at " + LineColumn(text, e.byte > 0 ? e.byte - 1 : 0));
+  std::string error;
+  if (!LoadJsonFile(path, j, error)) {
+    errors.push_back(error);
     return;
   }
   if (!j.is_object()) {
@@ -248,6 +242,23 @@ Json RuleJson(const SwitchEntry& sw, AclOwner owner, AclType type, const AclReco
   const Json fields = RuleToJson(type, owner, *sw.model, protocol, f);
   for (const auto& item : fields.items()) j[item.key()] = item.value();
   return j;
+}
+
+std::vector<std::string> RulesWithoutProfile(const SwitchHoldings& h) {
+  std::vector<std::string> out;
+  for (size_t o = 0; o < 2; ++o)
+    for (AclType type : {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent}) {
+      const size_t t = static_cast<size_t>(type);
+      for (const AclRecord& r : h.acls[o].rules[t]) {
+        if (r.size() < 2) continue;
+        bool held = false;
+        for (const AclRecord& p : h.acls[o].profiles[t]) held = held || (!p.empty() && p[0] == r[0]);
+        if (!held)
+          out.push_back(std::string(kOwnerKeys[o]) + " rule " + r[0] + "/" + r[1] + " (" + TypeName(type) + ") has no " +
+                        TypeName(type) + " profile " + r[0]);
+      }
+    }
+  return out;
 }
 
 Json HoldingsJson(const std::vector<std::pair<const SwitchEntry*, SwitchHoldings>>& switches) {

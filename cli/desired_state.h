@@ -49,5 +49,9 @@ std::string ProtocolOfProfile(AclType type, const AclRecord& profile);
 Json ProfileJson(const SwitchEntry& sw, AclOwner owner, AclType type, const AclRecord& profile);
 Json RuleJson(const SwitchEntry& sw, AclOwner owner, AclType type, const AclRecord& rule,
               const std::string& protocol);
+// The rules a switch holds without a profile of their ID and type (left by hand or by a
+// failed deletion): the file format nests rules in profiles, so `show` names them instead,
+// e.g. "acl rule 9/3 (ipv4) has no ipv4 profile 9".
+std::vector<std::string> RulesWithoutProfile(const SwitchHoldings& h);
 // The file `show --json` prints for the switches read.
 Json HoldingsJson(const std::vector<std::pair<const SwitchEntry*, SwitchHoldings>>& switches);

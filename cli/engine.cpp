@@ -194,6 +194,8 @@ void PlanSwitch(const DesiredSwitch& desired, StateMode mode, SwitchPlan& plan) 
       d.actual = *r.record;
       auto p = profiles.find(key.first);
       d.protocol = p != profiles.end() ? ProtocolOfProfile(p->second.type, *p->second.record) : "1";
+      if (p == profiles.end() || p->second.type != r.type)
+        d.note = "no " + std::string(TypeName(r.type)) + " profile " + key.first + " on the switch (show leaves it out)";
       plan.items.push_back(d);
     }
     for (const auto& [id, p] : profiles) {

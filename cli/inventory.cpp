@@ -38,34 +38,12 @@ bool ReadCommunitySource(const Json& j, const std::string& path, Communities& c,
 }
 
 // The secrets file: {"<switch or group name, or default>": {"read": "...", "write": "..."}}.
-// Its parse errors give a position only: the text around it may be a community.
 bool LoadSecrets(const std::string& file, Json& out, std::string& error) {
-  std::string text;
-  if (!ReadWholeFile(file, text)) {
-    error = file + ": cannot be read";
-    return false;
-  }
-  try {
-    out = Json::parse(text);
-  } catch (const Json::parse_error& e) {
-    error = file + ": not valid JSON at " + LineColumn(text, e.byte > 0 ? e.byte - 1 : 0);
-    return false;
-  }
+  if (!LoadJsonFile(file, out, error)) return false;
   if (!out.is_object()) {
     error = file + ": $: expected an object of names";
     return false;
   }
-  return true;
-}
-
-}  // namespace
-
-bool ReadWholeFile(const std::string& path, std::string& text) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return false;
-  std::ostringstream s;
-  s << in.rdbuf();
-  text = s.str();
   return true;
 }
 
@@ -82,6 +60,26 @@ std::string LineColumn(const std::string& text, size_t offset) {
   return "line " + std::to_string(line) + ", column " + std::to_string(column);
 }
 
+}  // namespace
+
+bool LoadJsonFile(const std::string& path, Json& out, std::string& error) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    error = path + ": cannot be read";
+    return false;
+  }
+  std::ostringstream s;
+  s << in.rdbuf();
+  const std::string text = s.str();
+  try {
+    out = Json::parse(text);
+  } catch (const Json::parse_error& e) {
+    error = path + ": $: not valid JSON at " + LineColumn(text, e.byte > 0 ? e.byte - 1 : 0);
+    return false;
+  }
+  return true;
+}
+
 const SwitchEntry* Inventory::find(const std::string& name) const {
   for (const SwitchEntry& s : switches)
     if (s.name == name) return &s;
@@ -90,18 +88,8 @@ const SwitchEntry* Inventory::find(const std::string& name) const {
 
 bool LoadInventory(const std::string& path, Inventory& out, std::string& error) {
   out.path = path;
-  std::string text;
-  if (!ReadWholeFile(path, text)) {
-    error = path + ": cannot be read";
-    return false;
-  }
   Json j;
-  try {
-    j = Json::parse(text);
-  } catch (const Json::parse_error& e) {
-    error = path + ": not valid JSON at " + LineColumn(text, e.byte > 0 ? e.byte - 1 : 0);
-    return false;
-  }
+  if (!LoadJsonFile(path, j, error)) return false;
   auto fail = [&](const std::string& where, const std::string& what) {
     error = path + ": " + where + ": " + what;
     return false;

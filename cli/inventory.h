@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "acl/acl_device.h"
+#include "cli/json_fields.h"
 
 struct SwitchEntry {
   std::string name;
@@ -30,7 +31,6 @@ bool LoadInventory(const std::string& path, Inventory& out, std::string& error);
 bool SelectSwitches(const Inventory& inventory, const std::vector<std::string>& limit,
                     std::vector<const SwitchEntry*>& out, std::string& error);
 
-// The text of a file; false when it cannot be read.
-bool ReadWholeFile(const std::string& path, std::string& text);
-// "line L, column C" of a byte offset in a text.
-std::string LineColumn(const std::string& text, size_t offset);
+// Reads and parses a JSON file; false with "FILE: cannot be read" or "FILE: $: not valid JSON at
+// line L, column C" (a position only: the text around it may be a community).
+bool LoadJsonFile(const std::string& path, Json& out, std::string& error);

@@ -12,12 +12,6 @@ constexpr unsigned kV6 = AclTypeBit(AclType::kIPv6);
 constexpr unsigned kPkt = AclTypeBit(AclType::kPacketContent);
 constexpr unsigned kAll = kEth | kV4 | kV6 | kPkt;
 
-// The wizard's texts for the mask checks its profile pages make.
-constexpr const char* kBadIpv6Mask = "Invalid IPv6 Mask! Enter 32 hexadecimal digits (0-9, A-F).";
-constexpr const char* kBadChunkOffset = "Invalid chunk offset! Enter a number from 0 to 31.";
-constexpr const char* kBadChunkMask = "Invalid chunk mask! Enter 8 hexadecimal digits (0-9, A-F).";
-constexpr const char* kBadBlockMask = "Invalid offset mask! Enter 32 hexadecimal digits (0-9, A-F).";
-
 // Rule fields held as text (numbers may be written as JSON numbers). `checked` names the dialog
 // check box that the field's presence stands for.
 struct RuleText {
@@ -168,6 +162,70 @@ bool IsDottedQuad(std::string_view s) {
   return i == s.size();
 }
 
+// Of a packet-content record's "blocks", "chunks" and "items", the model's records take `key`:
+// the others are errors.
+void OtherItemKeys(const Json& j, const std::string& path, std::string_view key,
+                   std::initializer_list<const char*> candidates, const char* records,
+                   std::set<std::string>& known, std::vector<FieldError>& errors) {
+  for (const char* other : candidates) {
+    known.insert(other);
+    if (key != other && j.contains(other))
+      errors.push_back({Child(path, other), std::string("this model's packet-content ") + records + " take \"" +
+                                                std::string(key) + "\""});
+  }
+}
+
+// A packet-content record's items: an object naming them ("0-15" .. "64-79" for blocks, "1" ..
+// otherwise), each a block's 32 hexadecimal digits or {"offset": n, "<value>": hex}. `check`
+// judges an offset item read whole: the member it faults and why, or {nullptr, nullptr}.
+struct ItemsShape {
+  bool blocks;
+  size_t count;
+  const char* value;       // "mask" or "data"
+  const char* noSuchItem;  // a name that is not an item
+  const char* badBlock;    // a block not 32 hexadecimal digits
+  const char* badItem;     // an item not {"offset", value}
+};
+template <class Item, class Check>
+void ReadItems(const Json& j, const std::string& path, const ItemsShape& shape, std::string Item::*value,
+               std::array<Item, 5>& out, Check check, std::vector<FieldError>& errors) {
+  if (!j.is_object()) {
+    errors.push_back({path, "expected an object"});
+    return;
+  }
+  for (const auto& item : j.items()) {
+    const std::string at = Child(path, item.key());
+    size_t index = shape.count;
+    for (size_t i = 0; i < shape.count; ++i)
+      if (item.key() == (shape.blocks ? std::string(kBlockNames[i]) : std::to_string(i + 1))) index = i;
+    if (index == shape.count) {
+      errors.push_back({at, shape.noSuchItem});
+      continue;
+    }
+    Item& it = out[index];
+    it.checked = true;
+    const Json& v = item.value();
+    if (shape.blocks) {
+      if (!v.is_string() || !ValidateHexWidth(v.get<std::string>(), 32))
+        errors.push_back({at, shape.badBlock});
+      else
+        it.*value = v.get<std::string>();
+      continue;
+    }
+    if (!v.is_object() || !v.contains("offset") || !v.contains(shape.value)) {
+      errors.push_back({at, shape.badItem});
+      continue;
+    }
+    std::vector<FieldError> local;
+    ReadText(v, "offset", at, true, it.offset, local);
+    ReadText(v, shape.value, at, false, it.*value, local);
+    UnknownKeys(v, at, {"offset", shape.value}, local);
+    if (local.empty())
+      if (const auto [member, message] = check(it); message != nullptr) local.push_back({Child(at, member), message});
+    errors.insert(errors.end(), local.begin(), local.end());
+  }
+}
+
 }  // namespace
 
 bool ParseTypeName(std::string_view text, AclType& type) {
@@ -276,49 +334,23 @@ void ProfileFromJson(const Json& j, const std::string& path, AclType type, AclOw
   if (type == AclType::kIPv6)
     for (auto [key, on, member] : {std::tuple{"src_ipv6_mask", f.srcIpv6Checked, &f.srcIpv6Mask},
                                    std::tuple{"dst_ipv6_mask", f.dstIpv6Checked, &f.dstIpv6Mask}})
-      if (on && !ValidateHexWidth(*member, 32)) errors.push_back({Child(path, key), kBadIpv6Mask});
+      if (on && !ValidateHexWidth(*member, 32)) errors.push_back({Child(path, key), MessageText(AclMessage::kInvalidIpv6Mask)});
   if (type == AclType::kPacketContent) {
     const bool chunks = model.packetShape(owner, AclKind::kProfiles) == PacketShape::kChunks4;
     const char* key = chunks ? "chunks" : "blocks";
-    if (j.contains(chunks ? "blocks" : "chunks"))
-      errors.push_back({Child(path, chunks ? "blocks" : "chunks"),
-                        std::string("this model's packet-content profiles take \"") + key + "\""});
-    known.insert("blocks");
-    known.insert("chunks");
-    if (j.contains(key) && !j.at(key).is_object()) {
-      errors.push_back({Child(path, key), "expected an object"});
-    } else if (j.contains(key)) {
-      for (const auto& item : j.at(key).items()) {
-        const std::string at = Child(Child(path, key), item.key());
-        size_t index = 5;
-        for (size_t i = 0; i < (chunks ? 4u : 5u); ++i)
-          if (item.key() == (chunks ? std::to_string(i + 1) : std::string(kBlockNames[i]))) index = i;
-        if (index == 5) {
-          errors.push_back({at, chunks ? "expected chunk 1 to 4" : "expected a block 0-15, 16-31, 32-47, 48-63 or 64-79"});
-          continue;
-        }
-        auto& it = f.items[index];
-        it.checked = true;
-        if (!chunks) {
-          if (!item.value().is_string() || !ValidateHexWidth(item.value().get<std::string>(), 32))
-            errors.push_back({at, kBadBlockMask});
-          else
-            it.mask = item.value().get<std::string>();
-          continue;
-        }
-        if (!item.value().is_object() || !item.value().contains("offset") || !item.value().contains("mask")) {
-          errors.push_back({at, "expected {\"offset\": 0-31, \"mask\": 8 hexadecimal digits}"});
-          continue;
-        }
-        std::vector<FieldError> local;
-        ReadText(item.value(), "offset", at, true, it.offset, local);
-        ReadText(item.value(), "mask", at, false, it.mask, local);
-        UnknownKeys(item.value(), at, {"offset", "mask"}, local);
-        if (local.empty() && !ValidateChunkOffset(it.offset)) local.push_back({at + ".offset", kBadChunkOffset});
-        if (local.empty() && !ValidateHexWidth(it.mask, 8)) local.push_back({at + ".mask", kBadChunkMask});
-        errors.insert(errors.end(), local.begin(), local.end());
-      }
-    }
+    OtherItemKeys(j, path, key, {"blocks", "chunks"}, "profiles", known, errors);
+    const ItemsShape shape{!chunks, chunks ? 4u : 5u, "mask", chunks ? "expected chunk 1 to 4"
+                                                                    : "expected a block 0-15, 16-31, 32-47, 48-63 or 64-79",
+                           MessageText(AclMessage::kInvalidOffsetMask),
+                           "expected {\"offset\": 0-31, \"mask\": 8 hexadecimal digits}"};
+    if (j.contains(key))
+      ReadItems(j.at(key), Child(path, key), shape, &ProfileFields::Item::mask, f.items,
+                [](const ProfileFields::Item& it) -> std::pair<const char*, const char*> {
+                  if (!ValidateChunkOffset(it.offset)) return {"offset", MessageText(AclMessage::kInvalidChunkOffset)};
+                  if (!ValidateHexWidth(it.mask, 8)) return {"mask", MessageText(AclMessage::kInvalidChunkMask)};
+                  return {nullptr, nullptr};
+                },
+                errors);
   }
   UnknownKeys(j, path, known, errors);
   if (errors.size() == errorsBefore) {
@@ -365,47 +397,19 @@ void RuleFromJson(const Json& j, const std::string& path, AclType type, AclOwner
     }
   if (type == AclType::kPacketContent) {
     const PacketShape shape = model.packetShape(owner, AclKind::kRules);
-    const char* key = shape == PacketShape::kBlock16 ? "blocks" : shape == PacketShape::kChunks4 ? "chunks" : "items";
-    const size_t count = shape == PacketShape::kChunks4 ? 4 : 5;
-    for (const char* other : {"blocks", "chunks", "items"})
-      if (std::string_view(other) != key && j.contains(other)) {
-        known.insert(other);
-        errors.push_back({Child(path, other), std::string("this model's packet-content rules take \"") + key + "\""});
-      }
-    if (has(key)) {
-      if (!j.at(key).is_object()) errors.push_back({Child(path, key), "expected an object"});
-      static const Json kNone = Json::object();
-      const Json& members = j.at(key).is_object() ? j.at(key) : kNone;
-      for (const auto& item : members.items()) {
-        const std::string at = Child(Child(path, key), item.key());
-        size_t index = count;
-        for (size_t i = 0; i < count; ++i)
-          if (item.key() == (shape == PacketShape::kBlock16 ? std::string(kBlockNames[i]) : std::to_string(i + 1))) index = i;
-        if (index == count) {
-          errors.push_back({at, "no such " + std::string(shape == PacketShape::kBlock16 ? "block" : "item")});
-          continue;
-        }
-        auto& it = f.items[index];
-        it.checked = true;
-        if (shape == PacketShape::kBlock16) {
-          if (!item.value().is_string() || !ValidateHexWidth(item.value().get<std::string>(), 32))
-            errors.push_back({at, "expected 32 hexadecimal digits"});
-          else
-            it.data = item.value().get<std::string>();
-          continue;
-        }
-        if (!item.value().is_object() || !item.value().contains("offset") || !item.value().contains("data")) {
-          errors.push_back({at, "expected {\"offset\": number, \"data\": hexadecimal digits}"});
-          continue;
-        }
-        std::vector<FieldError> local;
-        ReadText(item.value(), "offset", at, true, it.offset, local);
-        ReadText(item.value(), "data", at, false, it.data, local);
-        UnknownKeys(item.value(), at, {"offset", "data"}, local);
-        if (local.empty() && !ValidateHex(it.data)) local.push_back({at + ".data", "expected hexadecimal digits"});
-        errors.insert(errors.end(), local.begin(), local.end());
-      }
-    }
+    const bool blocks = shape == PacketShape::kBlock16;
+    const char* key = blocks ? "blocks" : shape == PacketShape::kChunks4 ? "chunks" : "items";
+    OtherItemKeys(j, path, key, {"blocks", "chunks", "items"}, "rules", known, errors);
+    const ItemsShape items{blocks, shape == PacketShape::kChunks4 ? 4u : 5u, "data",
+                           blocks ? "no such block" : "no such item", "expected 32 hexadecimal digits",
+                           "expected {\"offset\": number, \"data\": hexadecimal digits}"};
+    if (j.contains(key))
+      ReadItems(j.at(key), Child(path, key), items, &RuleFields::Item::data, f.items,
+                [](const RuleFields::Item& it) -> std::pair<const char*, const char*> {
+                  if (!ValidateHex(it.data)) return {"data", "expected hexadecimal digits"};
+                  return {nullptr, nullptr};
+                },
+                errors);
   }
   UnknownKeys(j, path, known, errors);
 }
