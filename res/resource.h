@@ -144,6 +144,7 @@
 #define IDS_PCOL_OFFSET64            363
 
 // 400-403: the IPv6 and packet-content pages' input checks, in res/acl_messages.inc.
+#define IDS_MSG_CANNOT_STAGE         404   // a cell the staging file cannot hold ("?", line break)
 
 // IPv4 page: the protocol group titles, also column 22 of its pending rows.
 #define IDS_IPV4_GROUP_ICMP          370   // "ICMP"        (m_nFrameOption 3)

@@ -54,9 +54,8 @@ void DevicePanel::Setup(HWND hwndOwner, HWND hwndTree, controls::CXListCtrl& lis
     m_headerImages.reset(ui::LoadImageStrip(IDB_HEADER_CHECKS, 16, ILC_COLOR24, RGB(255, 0, 255), 3));
     if (m_headerImages) {
         list.GetHeaderCtrl().SetImageList(m_headerImages.get());
-        // Left to the implementer: column 0's header carries a check box that checks or
-        // clears every row at once; page 0 still applies its type rules on Next.
-        list.SetHeaderCheckState(acl::pages::kColCheck, controls::CXListCtrl::kHeaderUnchecked);
+        // No check box in column 0's header: checking every row at once would take devices of
+        // every type, which page 0 refuses anyway, and the click would also sort the column.
     }
 
     // The tree's mouse goes through the pre-translation below before the tree sees it.
@@ -115,7 +114,7 @@ void DevicePanel::AppendRow(const DeviceRecord& record) {
     m_pList->SetItemText(row, acl::pages::kColIP, record.strIP);
     m_pList->SetItemText(row, acl::pages::kColReadCommunity, record.strReadCommunity);
     m_pList->SetItemText(row, acl::pages::kColWriteCommunity, record.strWriteCommunity);
-    m_pList->SetItemText(row, acl::pages::kColDeviceID, std::to_string(record.nDeviceID));
+    m_pList->SetItemText(row, acl::pages::kColDeviceID, record.strDeviceID);  // as the host wrote it
     m_pList->SetRowData(row, static_cast<DWORD_PTR>(record.nDeviceID));
     m_pList->SetCheckState(row, acl::pages::kColCheck, 0);
 }

@@ -9,6 +9,21 @@ namespace {
 // PropertySheet's callback carries no user data: the sheet being opened is kept here for
 // the moment between PropertySheetA and PSCB_INITIALIZED (always on one thread, modal).
 thread_local WizardSheet* t_openingSheet = nullptr;
+constexpr UINT_PTR kSheetSubclassId = 0x53485454;  // 'SHTT'
+
+// A CALLBACK function, not a lambda: the i686 build needs the stdcall convention.
+BOOL CALLBACK SendSysColorChange(HWND hwnd, LPARAM) {
+    SendMessageA(hwnd, WM_SYSCOLORCHANGE, 0, 0);
+    return TRUE;
+}
+
+// Windows sends WM_SYSCOLORCHANGE to top-level windows only: the sheet passes it on to every
+// window inside it, so the pages' lists and headers re-read their colours.
+LRESULT CALLBACK SheetProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+    if (msg == WM_SYSCOLORCHANGE) EnumChildWindows(hwnd, &SendSysColorChange, 0);
+    if (msg == WM_NCDESTROY) RemoveWindowSubclass(hwnd, &SheetProc, kSheetSubclassId);
+    return DefSubclassProc(hwnd, msg, wParam, lParam);
+}
 }  // namespace
 
 INT_PTR CALLBACK WizardPage::DialogProc(HWND hWnd, UINT msg, WPARAM wParam, LPARAM lParam) {
@@ -27,7 +42,21 @@ INT_PTR CALLBACK WizardPage::DialogProc(HWND hWnd, UINT msg, WPARAM wParam, LPAR
         if (msg == WM_NCDESTROY) page->m_hWnd = nullptr;
         return result;
     } catch (...) {
-        return FALSE;  // never let an exception reach comctl32
+        // Never let an exception reach comctl32. A Next, Back, Finish or leaving whose handler
+        // failed is refused, so the user stays on the page that could not finish its work.
+        if (msg != WM_NOTIFY) return FALSE;
+        switch (reinterpret_cast<const NMHDR*>(lParam)->code) {
+        case PSN_WIZNEXT:
+        case PSN_WIZBACK:
+            SetWindowLongPtrA(hWnd, DWLP_MSGRESULT, kStay);
+            return TRUE;
+        case PSN_KILLACTIVE:
+        case PSN_WIZFINISH:
+            SetWindowLongPtrA(hWnd, DWLP_MSGRESULT, TRUE);
+            return TRUE;
+        default:
+            return FALSE;
+        }
     }
 }
 
@@ -90,6 +119,7 @@ int CALLBACK WizardSheet::SheetCallback(HWND hWnd, UINT msg, LPARAM) {
     if (msg == PSCB_INITIALIZED && t_openingSheet) {
         WizardSheet* sheet = t_openingSheet;
         sheet->m_hWnd = hWnd;
+        SetWindowSubclass(hWnd, &SheetProc, kSheetSubclassId, 0);
         try {
             sheet->OnInitSheet();
         } catch (...) {

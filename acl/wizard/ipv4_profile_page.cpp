@@ -34,14 +34,7 @@ const ProtocolGroup kGroups[] = {
       IDC_IPV4_USER_MASK3, IDC_IPV4_USER_MASK4, IDC_IPV4_USER_MASK5}},
 };
 
-constexpr int kCheckBoxes[] = {
-    IDC_IPV4_VLAN, IDC_IPV4_DSCP, IDC_IPV4_SRC_IP_CHECK, IDC_IPV4_DST_IP_CHECK, IDC_IPV4_ICMP, IDC_IPV4_ICMP_TYPE,
-    IDC_IPV4_ICMP_CODE, IDC_IPV4_IGMP, IDC_IPV4_IGMP_TYPE, IDC_IPV4_TCP, IDC_IPV4_TCP_SRC_PORT_CHECK,
-    IDC_IPV4_TCP_DST_PORT_CHECK, IDC_IPV4_TCP_FLAG_BITS, IDC_IPV4_TCP_CHECK_ALL, IDC_IPV4_TCP_URG,
-    IDC_IPV4_TCP_ACK, IDC_IPV4_TCP_PSH, IDC_IPV4_TCP_RST, IDC_IPV4_TCP_SYN, IDC_IPV4_TCP_FIN, IDC_IPV4_UDP,
-    IDC_IPV4_UDP_SRC_PORT_CHECK, IDC_IPV4_UDP_DST_PORT_CHECK, IDC_IPV4_PROTO_ID_CHECK, IDC_IPV4_USER_DEFINE};
-
-// port-mask edits hold 4 characters, the user-defined fields 8 each.
+// Port-mask edits hold 4 characters, the user-defined fields 8 each.
 constexpr int kPortEdits[] = {IDC_IPV4_TCP_SRC_PORT, IDC_IPV4_TCP_DST_PORT, IDC_IPV4_UDP_SRC_PORT,
                               IDC_IPV4_UDP_DST_PORT};
 constexpr int kUserEdits[] = {IDC_IPV4_USER_MASK1, IDC_IPV4_USER_MASK2, IDC_IPV4_USER_MASK3, IDC_IPV4_USER_MASK4,
@@ -86,10 +79,11 @@ int CACLStep5::UserFieldCount() const { return Model() == "TVR4510" || Model() =
 // On every activation the page shows only the protocol group of m_nFrameOption, titled
 // with the protocol's name, which new rows keep in column 22. With 1 or
 // 2 (IPv4 chosen while the protocol list showed nothing) no group is shown and the rows carry no
-// protocol (UseProtoType "1").
+// protocol (UseProtoType "1"). What the user typed and has not added yet stays, as on Back and
+// Next every page keeps its contents.
 void CACLStep5::OnActivate() {
     ShowProtocolGroup();
-    ClearFields();
+    UpdateEnabling();
 }
 
 void CACLStep5::ShowProtocolGroup() {
@@ -109,19 +103,6 @@ void CACLStep5::ShowProtocolGroup() {
     }
     if (m_nGroup == 7)
         for (int i = UserFieldCount(); i < 5; ++i) ShowWindow(GetDlgItem(kUserEdits[i]), SW_HIDE);
-}
-
-void CACLStep5::ClearFields() {
-    for (int id : kCheckBoxes) ui::Button(GetDlgItem(id)).SetCheck(false);
-    m_bFiltering = true;
-    for (int id : kPortEdits) SetWindowTextA(GetDlgItem(id), "");
-    for (int id : kUserEdits) SetWindowTextA(GetDlgItem(id), "");
-    SetWindowTextA(GetDlgItem(IDC_IPV4_PROTO_ID), "");
-    m_bFiltering = false;
-    SendMessageA(GetDlgItem(IDC_IPV4_SRC_IP), IPM_CLEARADDRESS, 0, 0);
-    SendMessageA(GetDlgItem(IDC_IPV4_DST_IP), IPM_CLEARADDRESS, 0, 0);
-    m_nFlagValue = 0;  // no flag checked
-    UpdateEnabling();
 }
 
 // Each mask check box enables its field; "ICMP" enables "ICMP Type" and "ICMP Code";

@@ -24,7 +24,6 @@ private:
     bool Checked(int id) const;
     int UserFieldCount() const;
     void ShowProtocolGroup();
-    void ClearFields();
     void UpdateEnabling();
     void OnFlagClicked(int id);
     void OnCheckAll();

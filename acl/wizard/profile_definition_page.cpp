@@ -67,6 +67,12 @@ void CProfileDefinitionPage::OnAdd() {
     const ModelEntry* model = LookupModel(m_strModel);
     if (model == nullptr) return;  // no target of a catalogued model: nothing could be sent
     AclRecord record = BuildProfile(m_type, Owner(), *model, fields);
+    // The staging file would refuse the whole list at Next and the apply would send an older
+    // one: say so now, while the input is still on the page.
+    if (!StagingRepresentable({record})) {
+        ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(IDS_MSG_CANNOT_STAGE));
+        return;
+    }
     if (!AddProfile(m_pending, record)) return;
     OnRowAdded(ShowRow(record), record);
 }
@@ -107,8 +113,12 @@ BOOL CProfileDefinitionPage::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
 // Content 5), then the confirmation page.
 LRESULT CProfileDefinitionPage::OnWizardNext() {
     if (const ModelEntry* model = LookupModel(m_strModel)) {
-        if (auto file = StagingFileFor(*model, Owner(), AclKind::kProfiles, m_type))
-            WriteStagingFile(file->name, m_pending, file->cellCount);
+        if (auto file = StagingFileFor(*model, Owner(), AclKind::kProfiles, m_type)) {
+            if (!WriteStagingFile(file->name, m_pending, file->cellCount)) {
+                ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(IDS_MSG_CANNOT_STAGE));
+                return kStay;
+            }
+        }
     }
     State().m_nProfileType = acl::pages::ProfileTypeOfPage(Index());
     return CACLPage::OnWizardNext();

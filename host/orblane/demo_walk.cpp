@@ -11,7 +11,7 @@
 
 #include "acl/page_logic.h"
 #include "res/resource.h"
-#include "tests/gui/support/wizard_driver.h"
+#include "host/wizard_driver/wizard_driver.h"
 
 namespace orblane {
 namespace {
@@ -40,18 +40,6 @@ std::set<DWORD> ProcessThreads() {
         if (entry.th32OwnerProcessID == GetCurrentProcessId()) ids.insert(entry.th32ThreadID);
     CloseHandle(snapshot);
     return ids;
-}
-
-std::vector<std::string> ComboItems(HWND combo) {
-    std::vector<std::string> items;
-    const int count = static_cast<int>(SendMessageA(combo, CB_GETCOUNT, 0, 0));
-    for (int i = 0; i < count; ++i) {
-        char text[256] = {};
-        if (SendMessageA(combo, CB_GETLBTEXTLEN, static_cast<WPARAM>(i), 0) < static_cast<LRESULT>(sizeof text))
-            SendMessageA(combo, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(text));
-        items.emplace_back(text);
-    }
-    return items;
 }
 
 // A type word as one word of the report ("Packet Content" as "Packet_Content").
@@ -145,7 +133,7 @@ private:
     // it opens).
     bool AddProfile(int typeRadio, int definitionPage) {
         if (!OnPage(pages::kPageAddProfile)) return false;
-        const std::vector<std::string> devices = ComboItems(d.Control(IDC_STEP2_DEVICE));
+        const std::vector<std::string> devices = d.ComboItems(IDC_STEP2_DEVICE);
         if (devices != m_switches) return Fail("the Device list shows " + Join(devices) + ", not the checked switches");
         const DWORD start = GetTickCount();
         const bool readerDone = d.WaitFor(
@@ -163,20 +151,12 @@ private:
         Log("page 3: " + m_switches[0] + " has " + std::to_string(d.RowCount(profiles)) + " profile(s)" + existing +
             " (read in " + std::to_string(GetTickCount() - start) + " ms)");
         d.ClickButton(typeRadio);
-        if (typeRadio == IDC_STEP2_IPV4 && !PickComboText(IDC_STEP2_PROTOCOL, "TCP"))
+        if (typeRadio == IDC_STEP2_IPV4 && !d.PickCombo(IDC_STEP2_PROTOCOL, "TCP"))
             return Fail("the protocol list offers no TCP");
         m_pass = typeRadio == IDC_STEP2_ETHERNET ? "" : "-ipv4";
-        HWND ids = d.Control(IDC_STEP2_PROFILE_ID);
-        SendMessageA(ids, CB_SHOWDROPDOWN, TRUE, 0);
-        d.Settle();
-        SendMessageA(ids, CB_SHOWDROPDOWN, FALSE, 0);
-        d.Settle();
-        const std::vector<std::string> free = ComboItems(ids);
-        if (free.empty()) return Fail("no free profile ID");
-        SendMessageA(ids, CB_SETCURSEL, 0, 0);
-        SendMessageA(GetParent(ids), WM_COMMAND, MAKEWPARAM(IDC_STEP2_PROFILE_ID, CBN_SELCHANGE),
-                     reinterpret_cast<LPARAM>(ids));
-        d.Settle();
+        d.OpenDropDown(IDC_STEP2_PROFILE_ID);
+        const std::vector<std::string> free = d.ComboItems(IDC_STEP2_PROFILE_ID);
+        if (free.empty() || !d.PickCombo(IDC_STEP2_PROFILE_ID, free[0])) return Fail("no free profile ID");
         m_profileId = free[0];
         if (IsWindowVisible(d.Control(IDC_STEP2_PROFILE_NAME)))  // TVR4512 names its profiles
             d.TypeText(IDC_STEP2_PROFILE_NAME, "demo" + m_profileId);
@@ -251,14 +231,7 @@ private:
         HWND switches = d.Control(IDC_APPLY_SWITCH_LIST);
         d.ClickButton(IDC_APPLY_APPLY);
         const int rows = d.RowCount(switches);
-        const bool done = d.WaitFor(
-            [&] {
-                for (int row = 0; row < rows; ++row)
-                    if (d.CellText(switches, row, 2).empty()) return false;
-                return true;
-            },
-            kApplyWaitMs);
-        if (!done) return Fail("no result word after 60 s");
+        if (d.WaitForColumn(switches, 2, kApplyWaitMs).empty()) return Fail("no result word after 60 s");
         d.Settle();
         bool all = true;
         for (int row = 0; row < rows; ++row) {
@@ -373,16 +346,6 @@ private:
         if (!NoMessages()) return false;
         return d.ActiveIndex() == index ||
                Fail("Next went to page " + std::to_string(d.ActiveIndex()) + ", not " + std::to_string(index));
-    }
-    // Picks a drop-down item as a user does: the selection, then the notification.
-    bool PickComboText(int id, const std::string& text) {
-        HWND combo = d.Control(id);
-        if (SendMessageA(combo, CB_SELECTSTRING, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text.c_str())) ==
-            CB_ERR)
-            return false;
-        SendMessageA(GetParent(combo), WM_COMMAND, MAKEWPARAM(id, CBN_SELCHANGE), reinterpret_cast<LPARAM>(combo));
-        d.Settle();
-        return true;
     }
     bool NoMessages() {
         const std::vector<sentrel_gui::CaughtBox> boxes = d.TakeMessages();

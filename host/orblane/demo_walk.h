@@ -1,5 +1,5 @@
 // The demo's scripted walk (DESIGN.md section 4): orblane.exe --walk <name> runs the plug-in
-// command of --run while the GUI tests' wizard driver (tests/gui/support/wizard_driver.h), on
+// command of --run while the GUI tests' wizard driver (host/wizard_driver/wizard_driver.h), on
 // a second thread of this process, goes through the wizard like a person: by control IDs,
 // one function per page, a screenshot of the sheet on every page. In-process because the
 // list views' messages carry pointers.

@@ -2,7 +2,7 @@
 // script that never ran would pass.
 #include <gtest/gtest.h>
 
-#include "tests/gui/support/wizard_driver.h"
+#include "host/wizard_driver/wizard_driver.h"
 
 namespace {
 void FailTest(const std::string& what) { ADD_FAILURE() << what; }

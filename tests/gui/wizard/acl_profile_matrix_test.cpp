@@ -181,9 +181,9 @@ TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadB
                 EXPECT_EQ(model.offersProfileType(owner, t), IsWindowEnabled(d.Control(RadioOf(t))) != FALSE)
                     << TypeWord(t);
             d.ClickButton(RadioOf(type));
-            if (type == AclType::kIPv4) PickCombo(d, IDC_STEP2_PROTOCOL, "TCP");
+            if (type == AclType::kIPv4) d.PickCombo(IDC_STEP2_PROTOCOL, "TCP");
             if (named) d.TypeText(IDC_STEP2_PROFILE_NAME, "web" + id);
-            PickCombo(d, IDC_STEP2_PROFILE_ID, id);
+            d.PickCombo(IDC_STEP2_PROFILE_ID, id);
             d.Next();
             ASSERT_EQ(PageOf(type), d.ActiveIndex()) << TypeWord(type);
             FillAndAdd(d, type, model, owner);

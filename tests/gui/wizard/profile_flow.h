@@ -1,14 +1,7 @@
-// The fixture of the profile-flow GUI tests (Parts 5.2 and 5.4): the real wizard, opened on
-// page 3 ("Add profile") with the targets that page 0 would have stored, against simulated
-// switches served on 127.0.0.1 ports by threads of the test (SimAgent of tests/native/acl;
-// each test program sets its own ACL_TEST_PORT_BASE). Helpers act on the pages like a person.
+// The profile flows under test: the real wizard opened on "Add profile" with the targets that
+// page 0 would have stored, against simulated switches served on 127.0.0.1 ports by threads
+// of the test (each program has its own ACL_TEST_PORT_BASE), and the steps a person takes.
 #pragma once
-#include <windows.h>
-#include <commctrl.h>
-#include <prsht.h>
-
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
 #include <utility>
@@ -18,28 +11,37 @@
 #include "acl/acl_mib.h"
 #include "acl/acl_staging.h"
 #include "acl/wizard/acl_wizard.h"
-#include "res/resource.h"
 #include "sim_agent.h"
-#include "tests/gui/support/wizard_driver.h"
-#include "tests/win/support/win_test_util.h"
-#include "ui/text.h"
+#include "tests/gui/support/gui_fixture.h"
 
 namespace profile_flow {
 
-using sentrel_gui::WizardDriver;
+using namespace gui;
 
-inline std::vector<std::string> Texts(const std::vector<sentrel_gui::CaughtBox>& boxes) {
-    std::vector<std::string> out;
-    for (const auto& b : boxes) out.push_back(b.text);
-    return out;
+// The "Add profile" radio, the definition page and its pending list, by type.
+struct TypeControls {
+    int radio, page, list, add;
+};
+inline TypeControls ControlsOf(AclType type) {
+    switch (type) {
+    case AclType::kEthernet: return {IDC_STEP2_ETHERNET, acl::pages::kPageEthProfile, IDC_ETH_LIST, IDC_ETH_ADD};
+    case AclType::kIPv4: return {IDC_STEP2_IPV4, acl::pages::kPageIPv4Profile, IDC_IPV4_LIST, IDC_IPV4_ADD};
+    case AclType::kIPv6: return {IDC_STEP2_IPV6, acl::pages::kPageIPv6Profile, IDC_IPV6_LIST, IDC_IPV6_ADD};
+    case AclType::kPacketContent:
+        return {IDC_STEP2_PACKET, acl::pages::kPagePacketProfile, IDC_PACKET_LIST, IDC_PACKET_ADD};
+    }
+    return {};
 }
 
-// Creates profiles on a simulated switch through the ACL core's writer, as an earlier apply
-// would have.
+// What a switch holds, read by the ACL core's reader.
+inline AclReadResult OnSwitch(SimAgent& agent, const std::string& model, AclOwner owner) {
+    return ReadProfiles(AclTarget{agent.address(), "public", "private", model}, owner);
+}
+
+// Profiles on a simulated switch, as an earlier apply would have left them.
 inline void CreateProfiles(SimAgent& agent, const std::string& model, AclOwner owner,
-                    const std::vector<std::pair<AclType, std::string>>& profiles) {
+                           const std::vector<std::pair<AclType, std::string>>& profiles) {
     const ModelEntry& m = *LookupModel(model);
-    const AclTarget target{agent.address(), "public", "private", model};
     for (const auto& [type, id] : profiles) {
         ProfileFields f;
         f.profileId = id;
@@ -48,31 +50,13 @@ inline void CreateProfiles(SimAgent& agent, const std::string& model, AclOwner o
         f.protocolGroup = 5;
         auto table = TableLayout(m, owner, AclKind::kProfiles, type);
         ASSERT_TRUE(table.has_value());
-        ASSERT_TRUE(SetRecord(target, *table, BuildProfile(type, owner, m, f))) << id;
+        ASSERT_TRUE(SetRecord({agent.address(), "public", "private", model}, *table, BuildProfile(type, owner, m, f)));
     }
 }
 
-inline void PickComboOf(WizardDriver& d, int id, const std::string& text) {
-    SendMessageA(d.Control(id), CB_SELECTSTRING, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text.c_str()));
-    d.Settle();
-}
-
-class ProfileFlowGui : public ::testing::Test {
+class ProfileFlowGui : public GuiTest {
 protected:
-    static void SetUpTestSuite() {
-        INITCOMMONCONTROLSEX icc{sizeof icc, ICC_WIN95_CLASSES};
-        InitCommonControlsEx(&icc);
-        ui::SetResourceInstance(GetModuleHandleA(nullptr));  // the plug-in's resources are linked in
-        sentrel_gui::SetScreenshotFolder(sentrel_test::WinPath(SCREENSHOT_DIR));
-    }
-    void SetUp() override {
-        m_folder = sentrel_test::MakeTempFolder("sentrel_gui_profiles_");
-        GetCurrentDirectoryA(MAX_PATH, m_oldDirectory);
-        SetCurrentDirectoryA(m_folder.c_str());
-    }
-    void TearDown() override { SetCurrentDirectoryA(m_oldDirectory); }
-
-    // The wizard on page 3 with `targets` (IP, model) and the ACL kind, as pages 0 to 2 leave it.
+    // The wizard on "Add profile" with `targets` (address, model) and the ACL kind.
     void Wizard(const std::vector<std::pair<std::string, std::string>>& targets, long nACLKind,
                 const std::function<void(WizardDriver&)>& script, int nStartPage = acl::pages::kPageAddProfile) {
         WizardDriver::Run(
@@ -91,41 +75,30 @@ protected:
             script);
     }
     acl::wizard::CACLStep2& Page() { return m_wizard->AddProfilePage(); }
-
-    static HWND ProfileList(WizardDriver& d) { return d.Control(IDC_STEP2_PROFILE_LIST); }
-    static std::vector<std::string> IdItems(WizardDriver& d) {
-        std::vector<std::string> out;
-        HWND combo = d.Control(IDC_STEP2_PROFILE_ID);
-        const int n = static_cast<int>(SendMessageA(combo, CB_GETCOUNT, 0, 0));
-        for (int i = 0; i < n; ++i) {
-            char text[32] = {};
-            SendMessageA(combo, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(text));
-            out.emplace_back(text);
+    bool ReaderRunning() { return Page().IsReaderRunning(static_cast<int>(m_wizard->m_nACLKind)); }
+    // Waits until the reader has listed `rows` profiles and ended.
+    bool ListedAfterReading(WizardDriver& d, int rows, DWORD timeoutMs = 10000) {
+        return d.WaitFor([&] { return d.RowCount(d.Control(IDC_STEP2_PROFILE_LIST)) == rows && !ReaderRunning(); },
+                         timeoutMs);
+    }
+    // From "Add profile" to the type's definition page (protocol "" leaves the list as it is).
+    static void ToDefinitionPage(WizardDriver& d, AclType type, const std::string& id, const std::string& protocol = "") {
+        ASSERT_EQ(acl::pages::kPageAddProfile, d.ActiveIndex());
+        d.ClickButton(ControlsOf(type).radio);
+        if (!protocol.empty()) {
+            ASSERT_TRUE(d.PickCombo(IDC_STEP2_PROTOCOL, protocol));
         }
-        return out;
+        ASSERT_TRUE(d.PickCombo(IDC_STEP2_PROFILE_ID, id));
+        d.Next();
+        ASSERT_EQ(ControlsOf(type).page, d.ActiveIndex()) << d.ActiveCaption();
     }
-    // Opens and closes the drop-down as a click on it does (CBN_DROPDOWN to the page).
-    static void OpenIdDropDown(WizardDriver& d) {
-        SendMessageA(d.Control(IDC_STEP2_PROFILE_ID), CB_SHOWDROPDOWN, TRUE, 0);
-        d.Settle();
-        SendMessageA(d.Control(IDC_STEP2_PROFILE_ID), CB_SHOWDROPDOWN, FALSE, 0);
-        d.Settle();
-    }
-    static void PickCombo(WizardDriver& d, int id, const std::string& text) {
-        SendMessageA(d.Control(id), CB_SELECTSTRING, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text.c_str()));
-        d.Settle();
-    }
-    static void PickDevice(WizardDriver& d, int index) {
-        HWND combo = d.Control(IDC_STEP2_DEVICE);
-        SendMessageA(combo, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
-        // The user's choice notifies the page (CB_SETCURSEL alone does not).
-        SendMessageA(GetParent(combo), WM_COMMAND, MAKEWPARAM(IDC_STEP2_DEVICE, CBN_SELCHANGE),
-                     reinterpret_cast<LPARAM>(combo));
-        d.Settle();
+    // "Apply to Switch" on the Confirmation Page: every switch's result word.
+    static Strings Apply(WizardDriver& d) {
+        EXPECT_EQ(acl::pages::kPageApply, d.ActiveIndex());
+        d.ClickButton(IDC_APPLY_APPLY);
+        return d.WaitForColumn(d.Control(IDC_APPLY_SWITCH_LIST), 2, 30000);
     }
 
-    std::string m_folder;
-    char m_oldDirectory[MAX_PATH] = {};
     acl::wizard::CACLWizard* m_wizard = nullptr;
 };
 

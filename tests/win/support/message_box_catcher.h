@@ -1,32 +1,8 @@
-// Catches the message boxes a test's own thread shows, the way a person sees them: a CBT
-// hook reads the caption and the text of each box as it activates and presses its OK button.
+// The Windows tests catch message boxes with the wizard driver's hook, so there is one.
 #pragma once
-#include <windows.h>
-
-#include <string>
-#include <vector>
+#include "host/wizard_driver/message_box_hook.h"
 
 namespace sentrel_test {
-
-struct CaughtMessageBox {
-    std::string caption;
-    std::string text;
-};
-
-class MessageBoxCatcher {
-public:
-    MessageBoxCatcher();   // starts catching on the calling thread
-    ~MessageBoxCatcher();  // stops
-    MessageBoxCatcher(const MessageBoxCatcher&) = delete;
-    MessageBoxCatcher& operator=(const MessageBoxCatcher&) = delete;
-
-    const std::vector<CaughtMessageBox>& Caught() const { return m_caught; }
-    void Clear() { m_caught.clear(); }
-
-private:
-    static LRESULT CALLBACK HookProc(int code, WPARAM wParam, LPARAM lParam);
-    HHOOK m_hook = nullptr;
-    std::vector<CaughtMessageBox> m_caught;
-};
-
+using CaughtMessageBox = sentrel_gui::CaughtBox;
+using MessageBoxCatcher = sentrel_gui::MessageBoxHook;  // on the calling thread
 }  // namespace sentrel_test

@@ -76,6 +76,17 @@ std::string MakeTempFolder(const std::string& prefix) {
     }
 }
 
+ScopedCurrentFolder::ScopedCurrentFolder(const std::string& prefix) : m_path(MakeTempFolder(prefix)) {
+    GetCurrentDirectoryA(MAX_PATH, m_old);
+    SetCurrentDirectoryA(m_path.c_str());
+}
+
+ScopedCurrentFolder::~ScopedCurrentFolder() { SetCurrentDirectoryA(m_old); }
+
+bool ScopedCurrentFolder::Exists(const std::string& name) const {
+    return GetFileAttributesA(File(name).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
 HRESULT CallDllExport(const std::string& dllPath, const char* exportName) {
     HMODULE module = LoadLibraryA(dllPath.c_str());
     if (!module) return HRESULT_FROM_WIN32(GetLastError());

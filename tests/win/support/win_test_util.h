@@ -23,6 +23,23 @@ std::string ReadTextFile(const std::string& path, bool* found = nullptr);
 // A fresh empty folder under the system's temp folder; returns its path.
 std::string MakeTempFolder(const std::string& prefix);
 
+// A fresh temp folder as the current folder for a test's life (the plug-in writes its staging
+// and device-list files there); the folder before comes back at the end.
+class ScopedCurrentFolder {
+public:
+    explicit ScopedCurrentFolder(const std::string& prefix);
+    ~ScopedCurrentFolder();
+    ScopedCurrentFolder(const ScopedCurrentFolder&) = delete;
+    ScopedCurrentFolder& operator=(const ScopedCurrentFolder&) = delete;
+    const std::string& Path() const { return m_path; }
+    std::string File(const std::string& name) const { return m_path + "\\" + name; }
+    bool Exists(const std::string& name) const;
+
+private:
+    std::string m_path;
+    char m_old[MAX_PATH] = {};
+};
+
 // Calls an export of a DLL by name (DllRegisterServer, DllUnregisterServer).
 HRESULT CallDllExport(const std::string& dllPath, const char* exportName);
 

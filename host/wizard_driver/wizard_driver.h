@@ -1,8 +1,8 @@
 // The wizard driver (DESIGN.md section 5): the real wizard runs modally on the calling
 // thread, as in the host; a driver thread acts on it like a person, by control IDs (clicks,
-// right clicks, header clicks, typing, Next/Back/Finish/Cancel through PSM_PRESSBUTTON), and
-// a CBT hook catches every message box, reads its text and presses OK. Screenshots of the
-// pages go under the build tree. One driver for the GUI tests and for orblane.exe's demo walk
+// right clicks, header clicks, typing, drop-down picks, Next/Back/Finish/Cancel through
+// PSM_PRESSBUTTON), and the message-box hook reads every box and presses OK. Screenshots of
+// the pages go under the build tree. One driver for orblane.exe's demo walk and the GUI tests
 // (library sentrel_wizard_driver, no gtest; the tests' failure handler comes from
 // sentrel_gui_support).
 #pragma once
@@ -10,16 +10,13 @@
 #include <commctrl.h>
 
 #include <functional>
-#include <mutex>
+#include <memory>
 #include <string>
 #include <vector>
 
-namespace sentrel_gui {
+#include "host/wizard_driver/message_box_hook.h"
 
-struct CaughtBox {
-    std::string caption;
-    std::string text;
-};
+namespace sentrel_gui {
 
 class WizardDriver {
 public:
@@ -47,7 +44,14 @@ public:
     std::string Text(int id) const;
     void ClickButton(int id);  // a click on a button or a radio
     bool IsChecked(int id) const;
+    bool IsVisible(int id) const { return IsWindowVisible(Control(id)) != FALSE; }
+    bool IsEnabled(int id) const { return IsWindowEnabled(Control(id)) != FALSE; }
     void TypeText(int id, const std::string& text);
+    // Picks a drop-down item as a user does: the selection, then the page hears of it.
+    bool PickCombo(int id, const std::string& text);
+    std::vector<std::string> ComboItems(int id) const;
+    // Opens and closes the drop-down as a click on it does (the page hears CBN_DROPDOWN).
+    void OpenDropDown(int id);
 
     // --- mouse on any window, in its client coordinates ---
     void LeftClick(HWND hwnd, POINT pt);
@@ -63,6 +67,9 @@ public:
     std::string HeaderText(HWND list, int column) const;
     int HeaderImage(HWND list, int column) const;
     int SelectedRow(HWND list) const;
+    // The column's texts, once every row has one (result words after an apply); empty when
+    // some row still has none after `timeoutMs`.
+    std::vector<std::string> WaitForColumn(HWND list, int column, DWORD timeoutMs);
 
     // --- tree views ---
     HTREEITEM FindTreeItem(HWND tree, const std::string& text) const;
@@ -72,7 +79,8 @@ public:
     POINT EmptyTreePoint(HWND tree) const;  // below the last visible item
 
     // --- message boxes seen so far (taken: the list is emptied) ---
-    std::vector<CaughtBox> TakeMessages();
+    std::vector<CaughtBox> TakeMessages() { return m_boxes->Take(); }
+    std::vector<std::string> TakeTexts() { return m_boxes->TakeTexts(); }
 
     // Waits until the user-interface thread has handled everything sent so far.
     void Settle();
@@ -82,7 +90,6 @@ public:
 
 private:
     WizardDriver() = default;
-    static LRESULT CALLBACK CbtHook(int code, WPARAM wParam, LPARAM lParam);
     static LRESULT CALLBACK GetMessageHook(int code, WPARAM wParam, LPARAM lParam);
     void Ping();
     void Click(HWND hwnd, POINT pt, UINT down, UINT up, WPARAM button);
@@ -90,8 +97,7 @@ private:
     HWND m_hwndSheet = nullptr;
     DWORD m_uiThread = 0;
     HANDLE m_pingEvent = nullptr;
-    std::mutex m_mutex;
-    std::vector<CaughtBox> m_boxes;
+    std::unique_ptr<MessageBoxHook> m_boxes;
 };
 
 // Where the screenshots go (a Windows path of the build tree); set by the test's main.

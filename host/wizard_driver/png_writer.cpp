@@ -1,4 +1,4 @@
-#include "tests/gui/support/png_writer.h"
+#include "host/wizard_driver/png_writer.h"
 
 #include <cstdint>
 #include <cstdio>

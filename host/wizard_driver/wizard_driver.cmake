@@ -1,8 +1,9 @@
-# The wizard driver and its PNG writer as one library without gtest, so the GUI tests and
-# orblane.exe's demo walk (DESIGN.md section 4) link the same driver. Included by
-# host/orblane (built in every Windows tree, tests or not) and by tests/gui/support.
+# The wizard driver, its PNG writer and the message-box hook as one library without gtest:
+# orblane.exe's demo walk drives the wizard with it, and the GUI and Windows tests link the
+# same driver. Included by host/orblane (built in every Windows tree) and by tests/gui/support.
 if(NOT TARGET sentrel_wizard_driver)
   add_library(sentrel_wizard_driver STATIC
+    "${CMAKE_CURRENT_LIST_DIR}/message_box_hook.cpp"
     "${CMAKE_CURRENT_LIST_DIR}/png_writer.cpp"
     "${CMAKE_CURRENT_LIST_DIR}/wizard_driver.cpp")
   target_include_directories(sentrel_wizard_driver PUBLIC "${CMAKE_SOURCE_DIR}")

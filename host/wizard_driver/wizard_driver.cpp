@@ -1,11 +1,11 @@
-#include "tests/gui/support/wizard_driver.h"
+#include "host/wizard_driver/wizard_driver.h"
 
 #include <prsht.h>
 
 #include <cstdio>
 #include <thread>
 
-#include "tests/gui/support/png_writer.h"
+#include "host/wizard_driver/png_writer.h"
 
 namespace sentrel_gui {
 namespace {
@@ -62,7 +62,7 @@ void WizardDriver::Run(const std::string& sheetCaption, const std::function<void
     g_driver = &driver;
     driver.m_uiThread = GetCurrentThreadId();
     driver.m_pingEvent = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-    HHOOK cbt = SetWindowsHookExA(WH_CBT, &WizardDriver::CbtHook, nullptr, driver.m_uiThread);
+    driver.m_boxes = std::make_unique<MessageBoxHook>(driver.m_uiThread);
     HHOOK getMessage = SetWindowsHookExA(WH_GETMESSAGE, &WizardDriver::GetMessageHook, nullptr, driver.m_uiThread);
 
     std::thread thread([&] {
@@ -91,26 +91,9 @@ void WizardDriver::Run(const std::string& sheetCaption, const std::function<void
     thread.join();
 
     UnhookWindowsHookEx(getMessage);
-    UnhookWindowsHookEx(cbt);
+    driver.m_boxes.reset();
     CloseHandle(driver.m_pingEvent);
     g_driver = nullptr;
-}
-
-LRESULT CALLBACK WizardDriver::CbtHook(int code, WPARAM wParam, LPARAM lParam) {
-    if (code == HCBT_ACTIVATE && g_driver) {
-        HWND hwnd = reinterpret_cast<HWND>(wParam);
-        char cls[64] = {};
-        GetClassNameA(hwnd, cls, sizeof cls);
-        HWND text = GetDlgItem(hwnd, 0xFFFF);  // a message box's text
-        if (lstrcmpA(cls, "#32770") == 0 && text) {
-            {
-                std::lock_guard<std::mutex> lock(g_driver->m_mutex);
-                g_driver->m_boxes.push_back({WindowText(hwnd), WindowText(text)});
-            }
-            PostMessageA(hwnd, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);  // the user presses OK
-        }
-    }
-    return CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
 LRESULT CALLBACK WizardDriver::GetMessageHook(int code, WPARAM wParam, LPARAM lParam) {
@@ -142,13 +125,6 @@ bool WizardDriver::WaitFor(const std::function<bool()>& condition, DWORD timeout
         Sleep(20);
     }
     return true;
-}
-
-std::vector<CaughtBox> WizardDriver::TakeMessages() {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    std::vector<CaughtBox> out;
-    out.swap(m_boxes);
-    return out;
 }
 
 // --- sheet ---------------------------------------------------------------------------------
@@ -187,6 +163,35 @@ std::string WizardDriver::Text(int id) const { return WindowText(Control(id)); }
 void WizardDriver::ClickButton(int id) {
     HWND button = Control(id);
     PostMessageA(button, BM_CLICK, 0, 0);
+    Settle();
+}
+
+bool WizardDriver::PickCombo(int id, const std::string& text) {
+    HWND combo = Control(id);
+    if (SendMessageA(combo, CB_SELECTSTRING, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text.c_str())) == CB_ERR)
+        return false;
+    // CB_SELECTSTRING alone does not notify the page; a user's pick does.
+    PostMessageA(GetParent(combo), WM_COMMAND, MAKEWPARAM(id, CBN_SELCHANGE), reinterpret_cast<LPARAM>(combo));
+    Settle();
+    return true;
+}
+
+std::vector<std::string> WizardDriver::ComboItems(int id) const {
+    HWND combo = Control(id);
+    std::vector<std::string> out;
+    const int n = static_cast<int>(SendMessageA(combo, CB_GETCOUNT, 0, 0));
+    for (int i = 0; i < n; ++i) {
+        char text[256] = {};
+        SendMessageA(combo, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(text));
+        out.emplace_back(text);
+    }
+    return out;
+}
+
+void WizardDriver::OpenDropDown(int id) {
+    SendMessageA(Control(id), CB_SHOWDROPDOWN, TRUE, 0);
+    Settle();
+    SendMessageA(Control(id), CB_SHOWDROPDOWN, FALSE, 0);
     Settle();
 }
 
@@ -289,6 +294,21 @@ int WizardDriver::HeaderImage(HWND list, int column) const {
 
 int WizardDriver::SelectedRow(HWND list) const {
     return static_cast<int>(SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+}
+
+std::vector<std::string> WizardDriver::WaitForColumn(HWND list, int column, DWORD timeoutMs) {
+    std::vector<std::string> texts;
+    const bool all = WaitFor(
+        [&] {
+            texts.clear();
+            for (int row = 0; row < RowCount(list); ++row) {
+                texts.push_back(CellText(list, row, column));
+                if (texts.back().empty()) return false;
+            }
+            return true;
+        },
+        timeoutMs);
+    return all ? texts : std::vector<std::string>();
 }
 
 // --- tree views ----------------------------------------------------------------------------
