@@ -33,6 +33,8 @@ void ApplyToTargets(WizardState& wizard, AclKind kind, HWND progress, controls::
     SendMessageA(progress, PBM_SETPOS, 0, 0);
     SendMessageA(progress, PBM_SETSTEP, 1, 0);
 
+    // The words of an earlier apply go, so every word on screen is this apply's.
+    for (int row = 0; row < switchList.GetItemCount(); ++row) switchList.SetItemText(row, 2, "");
     // Every target is of the first one's model (the device list allows one type).
     std::vector<AclTarget> targets;
     for (long i = 0; i < wizard.m_nTargetCount; ++i) {

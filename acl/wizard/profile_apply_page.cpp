@@ -88,8 +88,11 @@ BOOL CACLApply::OnCommand(WPARAM wParam, LPARAM) {
     switch (LOWORD(wParam)) {
     case IDC_APPLY_APPLY:
         // What was sent leaves the lists: a second Apply sends only the closing request.
+        // A second click while the switches are written would send every record again.
+        EnableWindow(GetDlgItem(IDC_APPLY_APPLY), FALSE);
         ApplyToTargets(State(), AclKind::kProfiles, GetDlgItem(IDC_APPLY_PROGRESS), m_switchList, m_lists,
                        [] { ::DeleteProfileStagingFiles(); });
+        EnableWindow(GetDlgItem(IDC_APPLY_APPLY), TRUE);
         m_profileList.DeleteAllItems();
         ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
         return TRUE;
