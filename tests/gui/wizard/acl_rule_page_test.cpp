@@ -118,7 +118,7 @@ TEST_F(RulePageGui, ChecksSpeakInTheirOrderAndThePageKeepsItsInput) {
             if (i == 0 || rows[static_cast<size_t>(i - 1)].page != row.page)
                 d.Screenshot("rule-page-" + std::to_string(row.page) + "-filled");
             d.ClickButton(IDC_RULE_ADD);
-            EXPECT_EQ(std::vector<std::string>{row.message}, Texts(d.TakeMessages()));
+            EXPECT_EQ(std::vector<std::string>{row.message}, d.TakeTexts());
             EXPECT_EQ(0, d.RowCount(d.Control(IDC_RULE_LIST))) << "nothing added";
             for (const auto& [id, text] : row.fields) EXPECT_EQ(text, d.Text(id)) << "the page keeps its input";
             ++shown;
@@ -132,10 +132,10 @@ TEST_F(RulePageGui, AddRulesPortTypingAndTheReplacementsExcludingEachOther) {
         HWND list = d.Control(IDC_RULE_LIST);
         // A letter after a valid port list: the message, then the text before it.
         d.TypeText(IDC_RULE_PORTS, "1,2,3a");
-        EXPECT_EQ(std::vector<std::string>{"Input port error!"}, Texts(d.TakeMessages()));
+        EXPECT_EQ(std::vector<std::string>{"Input port error!"}, d.TakeTexts());
         EXPECT_EQ("1,2,3", d.Text(IDC_RULE_PORTS));
         d.TypeText(IDC_RULE_PORTS, "--");
-        EXPECT_EQ(std::vector<std::string>{"Input port error!"}, Texts(d.TakeMessages()));
+        EXPECT_EQ(std::vector<std::string>{"Input port error!"}, d.TakeTexts());
         EXPECT_EQ("1,2,3-", d.Text(IDC_RULE_PORTS));
         // Empty optional fields: added, the empty MACs as zeros.
         d.TypeText(IDC_RULE_PORTS, "4");
