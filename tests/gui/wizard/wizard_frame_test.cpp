@@ -189,15 +189,16 @@ TEST_F(WizardFrameGui, AclKindRenamesTheActionsAndEveryJumpLandsWhereItShould) {
             const char* caption;
         } flows[] = {{IDC_SELECT_CHOICE2, 5, "Add Rules:Select Profile"},
                      {IDC_SELECT_CHOICE3, 12, "Modify Profile"},
-                     {IDC_SELECT_CHOICE4, 13, "Modify Rule"}};
+                     {IDC_SELECT_CHOICE4, 13, "Modify rule"}};
         for (const auto& f : flows) {
             d.ClickButton(f.choice);
             d.Next();
             ASSERT_EQ(f.page, d.ActiveIndex());
             EXPECT_EQ(f.caption, d.ActiveCaption());
             if (f.page == 5) {
-                d.Next();
-                EXPECT_EQ((Strings{"Have not profile,can not add rule!Please select profile first!"}), d.TakeTexts());
+                // Next waits for the device's profiles to be read, then asks for a selection.
+                const Strings noProfile{"Have not profile,can not add rule!Please select profile first!"};
+                EXPECT_TRUE(d.WaitFor([&] { d.Next(); return d.TakeTexts() == noProfile; }, 15000));
             } else {
                 EXPECT_TRUE(d.IsWizardButtonEnabled(kFinishButton));
             }
