@@ -198,13 +198,13 @@ TEST(AclRecord, RuleCellsAsTheDialogsBuildThem) {
   f.flagBits = "18";
   const struct {
     const char* protocol;
-    const char* filled;  // cells 7..13, 'x' filled
-  } cases[] = {{"2", "xx-----"}, {"3", "x------"}, {"4", "--xxx--"}, {"5", "--xx---"}, {"6", "-----xx"}};
+    const char* filled;  // cells 7..13, '#' filled
+  } cases[] = {{"2", "##-----"}, {"3", "#------"}, {"4", "--###--"}, {"5", "--##---"}, {"6", "-----##"}};
   for (const auto& c : cases) {
     f.protocol = c.protocol;
     AclRecord r = BuildRule(AclType::kIPv4, AclOwner::kAcl, M("TVR4820"), f);
     ASSERT_EQ(r.size(), 25u);
-    for (size_t k = 7; k <= 13; ++k) EXPECT_EQ(!r[k].empty(), c.filled[k - 7] == 'x') << c.protocol << " cell " << k;
+    for (size_t k = 7; k <= 13; ++k) EXPECT_EQ(!r[k].empty(), c.filled[k - 7] == '#') << c.protocol << " cell " << k;
   }
 }
 
