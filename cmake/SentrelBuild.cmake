@@ -4,6 +4,14 @@ option(SENTREL_SANITIZE "Build native code with ASan and UBSan" OFF)
 option(SENTREL_FUZZ "Build the libFuzzer targets (clang only)" OFF)
 option(SENTREL_TESTS "Build the tests" ON)
 
+# The four trees compile much of the same code again and again: ccache, where the machine has
+# it, makes a second build of an unchanged file cost nothing.
+find_program(SENTREL_CCACHE ccache)
+if(SENTREL_CCACHE)
+  set(CMAKE_C_COMPILER_LAUNCHER "${SENTREL_CCACHE}")
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${SENTREL_CCACHE}")
+endif()
+
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
   add_compile_options(-Wall -Wextra -Werror)
 endif()

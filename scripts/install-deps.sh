@@ -10,7 +10,7 @@ packages=(
   nlohmann-json3-dev libcli11-dev              # sentrel-acl: its files and its arguments
   snmp snmpd                                   # net-snmp: the outside referee
   clang libclang-rt-14-dev                     # libFuzzer and sanitizers
-  iproute2 util-linux
+  iproute2 util-linux ccache
 )
 missing=()
 for p in "${packages[@]}"; do
