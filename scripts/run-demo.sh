@@ -8,10 +8,11 @@
 # With a display: opens the host window; close it to end the demo.
 # Without one (or with --headless): runs under Xvfb, saves screenshots of the host window,
 # of its plug-in menu and of the ACL wizard under <tree>/screenshots/, then the scripted
-# walk: orblane.exe --walk create-profiles creates an Ethernet and an IPv4 profile on two
-# simulated switches through the wizard, a screenshot per page in <tree>/screenshots/walk/;
-# the script reads the profiles back from both switches with snmpwalk and fails if they are
-# not there.
+# walk: orblane.exe --walk profiles-and-rules creates a profile of every type the model offers
+# and a rule under each on two simulated switches through the wizard, then deletes an earlier
+# rule and its profile on the modify pages, a screenshot per page in
+# <tree>/screenshots/walk/; the script reads the profiles and rules back from both switches
+# with snmpwalk and fails if they are not there.
 #
 # Usage: scripts/run-demo.sh [--headless] [--no-build] [--no-sim] [--walk-only]
 #   --walk-only   headless: only the walk, not the three host screenshots (the test run)
@@ -191,9 +192,10 @@ fi
 
 # The scripted walk (DESIGN.md section 4): the host opens "Core" with core-sw1 selected and
 # runs the ACL command; orblane.exe --walk checks core-sw2 (the same model) beside it, picks
-# the ordinary ACL and "Create Profile", takes the first free profile ID for an Ethernet
-# profile, adds it and applies it to both switches, then the same with an IPv4 (TCP)
-# profile, and finishes, a screenshot per page.
+# the ordinary ACL and "Create Profile", makes a profile of each type the model offers with
+# the first free profile IDs and applies them to both switches, then "Create Rules" and a rule
+# under each of them, applied to both switches; "Modify Rule" and "Modify Profile" delete
+# core-sw1's earlier rule and profile; Finish. A screenshot per page.
 if [ -z "$sim_pid" ]; then
   if [ "$sim" = 0 ]; then
     echo "run-demo: --no-sim: no switches, so no walk; done; screenshots in $shots"
@@ -210,7 +212,7 @@ walk_rc=0
 # A virtual desktop draws the window frames; the time-outs only stop a walk that hangs.
 timeout 300 "$wine_run" explorer /desktop=Orblane,1024x720 "${orblane_args[@]}" \
   --select-node 11 --select-device 127.0.0.2 --run "&ACL Manager..." \
-  --walk create-profiles --shots "$(winpath "$walk_shots")" --exit-after 240000 \
+  --walk profiles-and-rules --shots "$(winpath "$walk_shots")" --exit-after 240000 \
   > "$demo/walk.log" 2>&1 || walk_rc=$?
 report=$walk_shots/walk.txt
 if [ ! -f "$report" ]; then
@@ -223,60 +225,64 @@ if ! grep -qx 'result ok' "$report"; then
   exit 1
 fi
 
-# The outside referee: net-snmp's snmpwalk reads the profile table of the type on
-# every switch the walk configured; each profile's row must be there and active (RowStatus 1).
-grep -q '^profile ' "$report" || { echo "run-demo: FAILED: the walk's report names no profile" >&2; exit 1; }
+# The outside referee: net-snmp's snmpwalk reads, on every switch the walk configured, the
+# table of each profile and rule the walk made; each row must be there and active (RowStatus
+# 1), unless the walk deleted it on a modify page, when it must be gone. The tables are those
+# of the demo's model, TVR4820: entry below 1.3.6.1.4.1.32473.12.9 and row-status column.
+table_of() {  # table_of <profile|rule> <type>: "<entry> <row-status column>"
+  case "$1 $2" in
+    "profile Ethernet") echo 2.1.1 8 ;;   "rule Ethernet") echo 3.1.1 15 ;;
+    "profile IPv4") echo 2.2.1 19 ;;      "rule IPv4") echo 3.2.1 22 ;;
+    "profile IPv6") echo 2.4.1 7 ;;       "rule IPv6") echo 3.4.1 15 ;;
+    "profile Packet_Content") echo 2.3.1 7 ;; "rule Packet_Content") echo 3.3.1 15 ;;
+  esac
+}
+for what in profile rule; do
+  grep -q "^$what " "$report" || { echo "run-demo: FAILED: the walk's report names no $what" >&2; exit 1; }
+done
+model=$(grep -m1 '^switch ' "$report" | awk '{print $3}')
+[ "$model" = TVR4820 ] || { echo "run-demo: FAILED: the read-back knows the tables of TVR4820, not $model" >&2; exit 1; }
 missing=0
-while read -r _ ip model; do
-  branch=2; [ "$model" = TVR4510 ] && branch=1      # TVR4510: profiles under branch 1
-  while read -r _ ptype pid pkind; do
-    case "$ptype" in
-      Ethernet) entry=1.3.6.1.4.1.32473.12.9.$branch.1.1; status=8 ;;
-      IPv4)     entry=1.3.6.1.4.1.32473.12.9.$branch.2.1; status=19 ;;
-      *) echo "run-demo: FAILED: no table known for $ptype profiles" >&2; missing=1; continue ;;
-    esac
-    rows=$(snmpwalk -v1 -c public -On -t 2 -r 1 "$ip" "$entry" 2>&1 | grep -E "^\.$entry\.[0-9]+\.$pid = " || true)
-    echo "run-demo: $ip ($model), $pkind $ptype profile $pid, read back with snmpwalk:"
-    if [ -n "$rows" ]; then sed 's/^/    /' <<<"$rows"; fi
-    if grep -qx "deleted profile $ptype $pid on $ip" "$report"; then
-      # Deleted on "Modify Profile": gone from the switch.
-      if [ -n "$rows" ]; then
-        echo "run-demo: FAILED: $ip still has $ptype profile $pid after its deletion" >&2
-        missing=1
-      else
-        echo "    (none: deleted on Modify Profile)"
-      fi
-    elif ! grep -qE "^\.$entry\.$status\.$pid = INTEGER: 1\$" <<<"$rows"; then
-      echo "run-demo: FAILED: $ip has no active $ptype profile $pid" >&2
+while read -r _ ip _; do
+  while read -r what type index; do
+    read -r entry status < <(table_of "$what" "$type")
+    entry=1.3.6.1.4.1.32473.12.9.$entry
+    rows=$(snmpwalk -v1 -c public -On -t 2 -r 1 "$ip" "$entry" 2>&1 | grep -E "^\.$entry\.[0-9]+\.$index = " || true)
+    cells=$(grep -c . <<<"$rows" || true)
+    if grep -qx "deleted $what $type ${index/./ } on $ip" "$report"; then
+      [ -z "$rows" ] && echo "run-demo: $ip, $type $what $index: gone (deleted on a modify page)" ||
+        { echo "run-demo: FAILED: $ip still has $type $what $index after its deletion" >&2; missing=1; }
+    elif grep -qE "^\.$entry\.$status\.$index = INTEGER: 1\$" <<<"$rows"; then
+      echo "run-demo: $ip, $type $what $index: $cells cells read back with snmpwalk, row active"
+    else
+      echo "run-demo: FAILED: $ip has no active $type $what $index; snmpwalk reads:" >&2
+      [ -z "$rows" ] || sed 's/^/    /' <<<"$rows" >&2
       missing=1
     fi
-  done < <(grep '^profile ' "$report")
+  done < <(awk '$1 == "profile" {print "profile", $2, $3} $1 == "rule" {print "rule", $2, $3 "." $4}' "$report")
 done < <(grep '^switch ' "$report")
 
-# The rule deleted on "Modify Rule" is gone from the switch (the rule tables of the first switch's
-# model, TVR4820: Ethernet 3.1, IPv4 3.2, IPv6 3.4, packet content 3.3).
-while read -r _ _ rtype pid aid _ ip; do
-  case "$rtype" in
-    Ethernet) entry=1.3.6.1.4.1.32473.12.9.3.1.1 ;;
-    IPv4) entry=1.3.6.1.4.1.32473.12.9.3.2.1 ;;
-    IPv6) entry=1.3.6.1.4.1.32473.12.9.3.4.1 ;;
-    *) entry=1.3.6.1.4.1.32473.12.9.3.3.1 ;;
-  esac
-  left=$(snmpwalk -v1 -c public -On -t 2 -r 1 "$ip" "$entry" 2>&1 | grep -cE "^\.$entry\.[0-9]+\.$pid\.$aid = " || true)
-  echo "run-demo: $ip, $rtype rule $pid.$aid deleted on Modify Rule: $left instance(s) left (snmpwalk)"
-  [ "$left" = 0 ] || { echo "run-demo: FAILED: $ip still has rule $pid.$aid" >&2; missing=1; }
-done < <(grep '^deleted rule ' "$report")
-grep -q '^deleted rule ' "$report" || { echo "run-demo: FAILED: the walk deleted no rule" >&2; missing=1; }
+# The earlier rule and profile that the modify pages deleted are gone from the first switch.
+for what in rule profile; do
+  line=$(grep -m1 "^deleted $what " "$report") || { echo "run-demo: FAILED: the walk deleted no $what" >&2; missing=1; continue; }
+  set -- $line
+  if [ "$what" = rule ]; then index=$4.$5; ip=$7; else index=$4; ip=$6; fi
+  read -r entry _ < <(table_of "$what" "$3")
+  entry=1.3.6.1.4.1.32473.12.9.$entry
+  left=$(snmpwalk -v1 -c public -On -t 2 -r 1 "$ip" "$entry" 2>&1 | grep -cE "^\.$entry\.[0-9]+\.$index = " || true)
+  echo "run-demo: $ip, $3 $what $index deleted on a modify page: $left instance(s) left (snmpwalk)"
+  [ "$left" = 0 ] || { echo "run-demo: FAILED: $ip still has $3 $what $index" >&2; missing=1; }
+done
 
 # What the modify pages listed for the first switch, less what they deleted, is what snmpwalk
 # reads from its profile tables now (row status of each TVR4820 profile table).
 first=$(grep -m1 '^switch ' "$report" | awk '{print $2}')
 listed=$(grep "^listed profile .* on $first\$" "$report" | awk '{print $3, $4}' | sort -u |
          grep -vxF -f <(grep "^deleted profile .* on $first\$" "$report" | awk '{print $3, $4}') || true)
-walked=$(for t in "Ethernet 1 8" "IPv4 2 19" "IPv6 4 7" "Packet_Content 3 7"; do
-           set -- $t
-           snmpwalk -v1 -c public -On -t 2 -r 1 "$first" ".1.3.6.1.4.1.32473.12.9.2.$2.1.$3" 2>/dev/null |
-             sed -nE "s/^\.1\.3\.6\.1\.4\.1\.32473\.12\.9\.2\.$2\.1\.$3\.([0-9]+) = .*/$1 \1/p"
+walked=$(for type in Ethernet IPv4 IPv6 Packet_Content; do
+           read -r entry status < <(table_of profile $type)
+           snmpwalk -v1 -c public -On -t 2 -r 1 "$first" ".1.3.6.1.4.1.32473.12.9.$entry.$status" 2>/dev/null |
+             sed -nE "s/^.*\.([0-9]+) = .*/$type \1/p"
          done | sort -u)
 if [ "$listed" = "$walked" ]; then
   echo "run-demo: $first: the modify pages listed what snmpwalk reads: $(tr '\n' ',' <<<"$walked" | sed 's/,$//')"
@@ -285,5 +291,5 @@ else
   missing=1
 fi
 [ "$missing" = 0 ] || exit 1
-echo "run-demo: the walk created $(grep '^profile ' "$report" | awk '{printf "%s%s %s %s", (NR>1?" and ":""), $4, $2, $3}') on $(grep -c '^switch ' "$report") switches"
+echo "run-demo: the walk created $(awk '$1 == "profile" {p = p (p ? ", " : "") $2 " " $3} $1 == "rule" {r = r (r ? ", " : "") $2 " " $3 "." $4} END {print "the profiles " p " and the rules " r}' "$report") on $(grep -c '^switch ' "$report") switches"
 echo "run-demo: done; screenshots in $shots, the walk's page by page in $walk_shots"

@@ -22,6 +22,9 @@ private:
     PacketShape Shape() const;
     int Rows() const { return Shape() == PacketShape::kChunks4 ? 4 : 5; }
     void EnableRow(int i);
+    void WidenValuesOverOffsets(bool widen);
+
+    LONG m_valueLeft = 0;  // where the dialog places the value column, in page pixels
 };
 
 }  // namespace acl::wizard

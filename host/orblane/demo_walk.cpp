@@ -6,10 +6,14 @@
 #include <prsht.h>
 #include <tlhelp32.h>
 
+#include <cctype>
 #include <cstdio>
+#include <utility>
 #include <set>
 
+#include "acl/acl_record.h"
 #include "acl/page_logic.h"
+#include "host/wizard_driver/acl_forms.h"
 #include "res/resource.h"
 #include "host/wizard_driver/wizard_driver.h"
 
@@ -19,7 +23,7 @@ namespace {
 using sentrel_gui::WizardDriver;
 namespace pages = acl::pages;
 
-constexpr char kCreateProfiles[] = "create-profiles";
+constexpr char kProfilesAndRules[] = "profiles-and-rules";
 constexpr int kWizardFinishButton = 0x3025;
 constexpr DWORD kReaderWaitMs = 15000;   // a reader asks a few dozen questions; 3 s per silence
 constexpr DWORD kApplyWaitMs = 60000;    // two switches, each its records and closing request
@@ -49,32 +53,40 @@ std::string Word(std::string text) {
     return text;
 }
 
+// "Ethernet", "IPv4", "IPv6" or "Packet Content", as the profile lists show a type.
+std::string TypeText(AclType type) { return ::TypeWord(type); }
+
 std::string Join(const std::vector<std::string>& items) {
     std::string out;
     for (const std::string& item : items) out += (out.empty() ? "" : " ") + item;
     return out;
 }
 
-// "create-profiles": two switches of one model, ordinary ACL, "Create Profile", an Ethernet
-// profile with the first free profile ID, Apply to Switch; Back to "Add profile" for an IPv4
-// (TCP) profile with the next free ID, Apply to Switch; back to the action choice, "Modify Rule"
-// deleting a rule of the first switch and "Modify Profile" deleting the IPv4 profile there;
-// Finish. One function per page.
-class CreateProfilesWalk {
+// "profiles-and-rules": two switches of one model, ordinary ACL, "Create Profile"; one
+// profile of every type the model offers, each with the first free profile ID, on its
+// definition page; Apply to Switch on the Confirmation Page; "Create Rules" and one rule under
+// each of those profiles on the rule page of its type; Apply to Switch on "Add rule"; back to
+// the action choice, "Modify Rule" deleting the first rule of the first switch and "Modify
+// Profile" deleting that rule's profile; Finish. One function per page.
+class ProfilesAndRulesWalk {
 public:
-    CreateProfilesWalk(WizardDriver& d, const WalkSettings& settings, WalkOutcome& out)
+    ProfilesAndRulesWalk(WizardDriver& d, const WalkSettings& settings, WalkOutcome& out)
         : d(d), m_settings(settings), m_out(out) {}
 
     void Run() {
-        m_out.ok = DeviceList() && AclKind() && CreateProfileChoice() &&
-                   AddProfile(IDC_STEP2_ETHERNET, pages::kPageEthProfile) && EthernetProfile() && Confirmation() &&
-                   ApplyToSwitch() && BackToAddProfile() && AddProfile(IDC_STEP2_IPV4, pages::kPageIPv4Profile) &&
-                   Ipv4Profile() && Confirmation() && ApplyToSwitch() && BackToChoice() &&
-                   ModifyRule() && BackToChoice() && ModifyProfile() && Finish();
+        m_out.ok = DeviceList() && AclKind() && CreateProfileChoice() && Profiles() &&
+                   Apply(IDC_APPLY_APPLY, IDC_APPLY_SWITCH_LIST, "profiles") && Rules() &&
+                   Apply(IDC_RAPPLY_APPLY, IDC_RAPPLY_SWITCH_LIST, "rules") && BackToChoice() && ModifyRule() &&
+                   BackToChoice() && ModifyProfile() && Finish();
         if (m_out.ok) Log("result ok");
     }
 
 private:
+    struct Made {
+        AclType type;
+        std::string id;
+    };
+
     // Page 0: the host's device is checked already; the walk checks a second
     // switch of its model (or, with no host device, the first two of one model).
     bool DeviceList() {
@@ -95,14 +107,15 @@ private:
             if (hostRow >= 0) break;  // the host's device stays checked: its model it is
         }
         if (picked.size() < 2) return Fail("no two switches of one model in the list");
+        m_model = LookupModel(type(picked[0]));
+        if (m_model == nullptr || !m_model->supported) return Fail(type(picked[0]) + " is no model the wizard serves");
         for (int row : picked) {
             if (row != hostRow) d.ClickCell(list, row, pages::kColCheck);
             m_switches.push_back(ip(row));
         }
-        m_model = type(picked[0]);
-        Log("page 0: checked " + Join(m_switches) + " (" + m_model + ")" +
+        Log("page 0: checked " + Join(m_switches) + " (" + std::string(m_model->typeText) + ")" +
             (hostRow >= 0 ? "; " + m_settings.hostDevice + " was checked as the host's device" : ""));
-        for (const std::string& s : m_switches) Log("switch " + s + " " + m_model);
+        for (const std::string& s : m_switches) Log("switch " + s + " " + std::string(m_model->typeText));
         Shot("device-list");
         return NextTo(pages::kPageAclKind);
     }
@@ -128,127 +141,177 @@ private:
         return NextTo(pages::kPageAddProfile);
     }
 
+    // A profile of every type the model offers, each through "Add profile" and its definition
+    // page; back to "Add profile" for the next one, so the Confirmation Page lists them all.
+    bool Profiles() {
+        for (AclType type : {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent}) {
+            if (!m_model->offersProfileType(AclOwner::kAcl, type)) continue;
+            if (!m_made.empty()) {
+                d.Back();  // to the definition page, then to "Add profile", which reads again
+                if (!OnPage(sentrel_gui::PagesOf(m_made.back().type).profilePage)) return false;
+                m_threadsBefore = ProcessThreads();
+                d.Back();
+                if (!NoMessages()) return false;
+            }
+            if (!AddProfile(type) || !DefinitionPage(type) || !Confirmation()) return false;
+        }
+        return !m_made.empty() || Fail(std::string(m_model->typeText) + " offers no profile type");
+    }
+
     // Page 3: wait until the reader has listed the first switch's profiles, then the type (IPv4
-    // with "TCP") and the first free profile ID (the drop-down leaves out the IDs in use when
-    // it opens).
-    bool AddProfile(int typeRadio, int definitionPage) {
+    // with "TCP") and the first free profile ID that no profile of this walk has taken (the
+    // drop-down leaves out the IDs in use on the switch when it opens).
+    bool AddProfile(AclType type) {
         if (!OnPage(pages::kPageAddProfile)) return false;
         const std::vector<std::string> devices = d.ComboItems(IDC_STEP2_DEVICE);
         if (devices != m_switches) return Fail("the Device list shows " + Join(devices) + ", not the checked switches");
         const DWORD start = GetTickCount();
-        const bool readerDone = d.WaitFor(
-            [&] {
-                for (DWORD id : ProcessThreads())
-                    if (!m_threadsBefore.count(id)) return false;
-                return true;
-            },
-            kReaderWaitMs);
-        if (!readerDone) return Fail("the profiles of " + m_switches[0] + " were still being read after 15 s");
+        if (!ReadersDone()) return Fail("the profiles of " + m_switches[0] + " were still being read after 15 s");
         HWND profiles = d.Control(IDC_STEP2_PROFILE_LIST);
         std::string existing;
         for (int row = 0; row < d.RowCount(profiles); ++row)
             existing += " " + d.CellText(profiles, row, 0) + "/" + d.CellText(profiles, row, 1);
         Log("page 3: " + m_switches[0] + " has " + std::to_string(d.RowCount(profiles)) + " profile(s)" + existing +
             " (read in " + std::to_string(GetTickCount() - start) + " ms)");
-        d.ClickButton(typeRadio);
-        if (typeRadio == IDC_STEP2_IPV4 && !d.PickCombo(IDC_STEP2_PROTOCOL, "TCP"))
+        const int radio = sentrel_gui::PagesOf(type).radio;
+        d.ClickButton(radio);
+        if (type == AclType::kIPv4 && !d.PickCombo(IDC_STEP2_PROTOCOL, "TCP"))
             return Fail("the protocol list offers no TCP");
-        m_pass = typeRadio == IDC_STEP2_ETHERNET ? "" : "-ipv4";
         d.OpenDropDown(IDC_STEP2_PROFILE_ID);
         const std::vector<std::string> free = d.ComboItems(IDC_STEP2_PROFILE_ID);
-        if (free.empty() || !d.PickCombo(IDC_STEP2_PROFILE_ID, free[0])) return Fail("no free profile ID");
-        m_profileId = free[0];
-        if (IsWindowVisible(d.Control(IDC_STEP2_PROFILE_NAME)))  // TVR4512 names its profiles
-            d.TypeText(IDC_STEP2_PROFILE_NAME, "demo" + m_profileId);
-        Log("page 3: " + d.Text(typeRadio) + ", profile ID " + m_profileId + ", the first of " +
-            std::to_string(free.size()) + " free (" + free.front() + " to " + free.back() + ")");
-        Shot("add-profile" + m_pass);
-        return NextTo(definitionPage);
+        std::string id;
+        for (const std::string& candidate : free)
+            if (id.empty() && !MadeId(candidate)) id = candidate;
+        if (id.empty() || !d.PickCombo(IDC_STEP2_PROFILE_ID, id)) return Fail("no free profile ID");
+        if (d.IsVisible(IDC_STEP2_PROFILE_NAME))  // TVR4512 names its profiles
+            d.TypeText(IDC_STEP2_PROFILE_NAME, "demo" + id);
+        m_made.push_back({type, id});
+        Log("page 3: " + d.Text(radio) + ", profile ID " + id + " of " + std::to_string(free.size()) + " free (" +
+            free.front() + " to " + free.back() + ")");
+        Shot("add-profile-" + Lower(type));
+        return NextTo(sentrel_gui::PagesOf(type).profilePage);
     }
 
-    // Page 7: a destination MAC mask and the Ethernet type, Add, one pending row.
-    bool EthernetProfile() {
-        if (!OnPage(pages::kPageEthProfile)) return false;
-        d.ClickButton(IDC_ETH_DST_MAC_CHECK);
-        d.TypeText(IDC_ETH_DST_MAC, "FFFFFFFFFFFF");
-        d.ClickButton(IDC_ETH_ETHERNET_TYPE);
-        d.ClickButton(IDC_ETH_ADD);
+    // Pages 6 to 9: the masks of the type, Add, one pending row.
+    bool DefinitionPage(AclType type) {
+        const sentrel_gui::TypePages p = sentrel_gui::PagesOf(type);
+        if (!OnPage(p.profilePage)) return false;
+        const std::string& id = m_made.back().id;
+        sentrel_gui::FillProfileAndAdd(d, type, *m_model, AclOwner::kAcl);
         if (!NoMessages()) return false;
-        HWND pending = d.Control(IDC_ETH_LIST);
-        if (d.RowCount(pending) != 1 || d.CellText(pending, 0, 0) != m_profileId)
-            return Fail("Add did not list profile " + m_profileId);
-        Log("page 7: pending profile " + m_profileId + ", destination MAC mask " + d.Text(IDC_ETH_DST_MAC));
-        Log("profile Ethernet " + m_profileId + " ACL");
-        Shot("ethernet-profile");
+        HWND pending = d.Control(p.profileList);
+        if (d.RowCount(pending) != 1 || d.CellText(pending, 0, 0) != id) return Fail("Add did not list profile " + id);
+        Log("page " + std::to_string(p.profilePage) + ": pending " + TypeText(type) + " profile " + id);
+        Log("profile " + Word(TypeText(type)) + " " + id + " ACL");
+        Shot(Lower(type) + "-profile");
         return NextTo(pages::kPageApply);
     }
 
-    // Page 6 with the TCP group: "TCP" and a destination port mask, Add, one pending row.
-    bool Ipv4Profile() {
-        if (!OnPage(pages::kPageIPv4Profile)) return false;
-        d.ClickButton(IDC_IPV4_TCP);
-        d.ClickButton(IDC_IPV4_TCP_DST_PORT_CHECK);
-        d.TypeText(IDC_IPV4_TCP_DST_PORT, "FFFF");
-        d.ClickButton(IDC_IPV4_ADD);
-        if (!NoMessages()) return false;
-        HWND pending = d.Control(IDC_IPV4_LIST);
-        if (d.RowCount(pending) != 1 || d.CellText(pending, 0, 0) != m_profileId)
-            return Fail("Add did not list profile " + m_profileId);
-        Log("page 6: pending profile " + m_profileId + ", " + d.Text(IDC_IPV4_TCP) + " destination port mask " +
-            d.Text(IDC_IPV4_TCP_DST_PORT));
-        Log("profile IPv4 " + m_profileId + " ACL");
-        Shot("ipv4-profile");
-        return NextTo(pages::kPageApply);
-    }
-
-    // After an apply, Back twice: the definition page (its pending list emptied),
-    // then "Add profile", whose reader reads the switch again.
-    bool BackToAddProfile() {
-        d.Back();
-        if (!OnPage(pages::kPageEthProfile)) return false;
-        m_threadsBefore = ProcessThreads();
-        d.Back();
-        return NoMessages();
-    }
-
-    // Page 10 before the apply: both switches and the pending profile, its details shown.
+    // Page 10 before the apply: both switches and every pending profile, the last one's
+    // details shown.
     bool Confirmation() {
         if (!OnPage(pages::kPageApply)) return false;
         HWND switches = d.Control(IDC_APPLY_SWITCH_LIST), profiles = d.Control(IDC_APPLY_PROFILE_LIST);
         std::vector<std::string> listed;
         for (int row = 0; row < d.RowCount(switches); ++row) listed.push_back(d.CellText(switches, row, 0));
         if (listed != m_switches) return Fail("the switch list shows " + Join(listed));
-        if (d.RowCount(profiles) != 1 || d.CellText(profiles, 0, 0) != m_profileId)
-            return Fail("the profile list does not show profile " + m_profileId);
-        d.ClickCell(profiles, 0, 0);
-        Log("page 10: " + Join(listed) + ", profile " + m_profileId + " " + d.CellText(profiles, 0, 1));
-        Shot("confirmation" + m_pass);
+        const int rows = d.RowCount(profiles);
+        if (rows != static_cast<int>(m_made.size()) || d.CellText(profiles, rows - 1, 0) != m_made.back().id)
+            return Fail("the profile list does not show the " + std::to_string(m_made.size()) + " pending profiles");
+        d.ClickCell(profiles, rows - 1, 0);
+        Log("page 10: " + Join(listed) + ", " + std::to_string(rows) + " pending profile(s)");
+        Shot("confirmation-" + std::to_string(rows));
         return true;
     }
 
-    // Apply to Switch: wait for every switch's result word.
-    bool ApplyToSwitch() {
-        HWND switches = d.Control(IDC_APPLY_SWITCH_LIST);
-        d.ClickButton(IDC_APPLY_APPLY);
+    // "Create Rules", then for every profile made whose type has rules on the model: the
+    // profile chosen on "Add Rules:Select Profile", one rule on the rule page of its type, and
+    // "Add rule" listing it; back to "Add Rules:Select Profile" for the next one.
+    bool Rules() {
+        d.ClickButton(IDC_APPLY_CREATE_RULES);
+        int rules = 0;
+        for (const Made& profile : m_made) {
+            if (!m_model->offersRuleType(AclOwner::kAcl, profile.type)) continue;
+            if (rules > 0) {
+                d.Back();  // to the rule page, then to "Add Rules:Select Profile", which reads again
+                d.Back();
+                if (!NoMessages()) return false;
+            }
+            if (!SelectProfile(profile) || !RulePage(profile) || !RuleConfirmation(++rules)) return false;
+        }
+        return rules > 0 || Fail(std::string(m_model->typeText) + " offers no rule type");
+    }
+
+    // Page 5: the profile's row once the first switch is read, Next when the read has ended.
+    bool SelectProfile(const Made& profile) {
+        if (!OnPage(pages::kPageSelectProfile)) return false;
+        HWND list = d.Control(IDC_STEP4_PROFILE_LIST);
+        int row = -1;
+        d.WaitFor(
+            [&] {
+                for (int r = 0; r < d.RowCount(list); ++r)
+                    if (d.CellText(list, r, 0) == profile.id && d.CellText(list, r, 1) == TypeText(profile.type)) row = r;
+                return row >= 0;
+            },
+            kReaderWaitMs);
+        if (row < 0) return Fail("the profiles of " + m_switches[0] + " do not list " + TypeText(profile.type) + " profile " + profile.id);
+        d.ClickCell(list, row, 0);
+        Log("page 5: " + TypeText(profile.type) + " profile " + profile.id + " of " + std::to_string(d.RowCount(list)));
+        Shot("select-profile-" + Lower(profile.type));
+        sentrel_gui::NextWhenRead(d);
+        return NoMessages();
+    }
+
+    // Pages 11, 14, 15 and 17: Access ID 1 and the fields the profile's masks enable, Add.
+    bool RulePage(const Made& profile) {
+        if (!OnPage(sentrel_gui::PagesOf(profile.type).rulePage)) return false;
+        sentrel_gui::FillRuleAndAdd(d, profile.type, *m_model, AclOwner::kAcl);
+        if (!NoMessages()) return false;
+        HWND pending = d.Control(IDC_RULE_LIST);
+        if (d.RowCount(pending) != 1 || d.CellText(pending, 0, 0) != profile.id)
+            return Fail("Add did not list the rule of profile " + profile.id);
+        const std::string access = d.CellText(pending, 0, 1);
+        Log("page " + std::to_string(d.ActiveIndex()) + ": pending rule " + access + " of " + TypeText(profile.type) +
+            " profile " + profile.id);
+        Log("rule " + Word(TypeText(profile.type)) + " " + profile.id + " " + access);
+        Shot(Lower(profile.type) + "-rule");
+        return NextTo(pages::kPageRuleApply);
+    }
+
+    // Page 16 before the apply: both switches and every pending rule.
+    bool RuleConfirmation(int rules) {
+        if (!OnPage(pages::kPageRuleApply)) return false;
+        HWND pending = d.Control(IDC_RAPPLY_RULE_LIST);
+        if (d.RowCount(pending) != rules)
+            return Fail("the rule list shows " + std::to_string(d.RowCount(pending)) + " rules, not " + std::to_string(rules));
+        d.ClickCell(pending, rules - 1, 0);
+        Log("page 16: " + std::to_string(rules) + " pending rule(s)");
+        Shot("add-rule-" + std::to_string(rules));
+        return true;
+    }
+
+    // Apply to Switch on the Confirmation Page or "Add rule": every switch's result word.
+    bool Apply(int button, int switchList, const std::string& what) {
+        HWND switches = d.Control(switchList);
+        d.ClickButton(button);
         const int rows = d.RowCount(switches);
         if (d.WaitForColumn(switches, 2, kApplyWaitMs).empty()) return Fail("no result word after 60 s");
         d.Settle();
         bool all = true;
         for (int row = 0; row < rows; ++row) {
             const std::string word = d.CellText(switches, row, 2);
-            Log("applied " + d.CellText(switches, row, 0) + " " + word);
-            // "Succeed" for ordinary-ACL profiles ("Success" for CPU-ACL ones).
-            all = all && (word == "Succeed" || word == "Success");
+            Log("applied " + what + " " + d.CellText(switches, row, 0) + " " + word);
+            all = all && word == "Succeed";  // ordinary-ACL profiles and rules alike
         }
-        Shot("confirmation" + m_pass + "-applied");
+        Shot("applied-" + what);
         if (!NoMessages()) return false;
-        return all || Fail("a switch did not take the profile");
+        return all || Fail("a switch did not take the " + what);
     }
 
-    // Back from the confirmation page (through the definition page and "Add profile") or from
-    // a modify page (through "Add profile") to the action choice.
+    // Back from "Add rule" (through the rule page, "Add Rules:Select Profile" and "Add
+    // profile") or from a modify page (through "Add profile") to the action choice.
     bool BackToChoice() {
-        for (int i = 0; i < 3 && d.ActiveIndex() != pages::kPageSelect; ++i) d.Back();
+        for (int i = 0; i < 4 && d.ActiveIndex() != pages::kPageSelect; ++i) d.Back();
         return OnPage(pages::kPageSelect) && NoMessages();
     }
 
@@ -285,35 +348,47 @@ private:
             if (!NoMessages()) return false;
             if (d.RowCount(rules) != before - 1) return Fail("the switch kept rule " + access + ": " + d.Text(IDC_MODIFY_STATUS));
             Log("deleted rule " + Word(type) + " " + id + " " + access + " on " + m_switches[0]);
+            m_ruleProfile = {type, id};
             Shot("modify-rule-deleted");
             return true;
         }
         return Fail("no profile on " + m_switches[0] + " has a rule");
     }
 
-    // Page 12: the profile the walk created last, clicked and deleted.
+    // Page 12: the profile whose rule "Modify Rule" deleted, clicked and deleted.
     bool ModifyProfile() {
         if (!OpenModifyPage(IDC_SELECT_CHOICE3, pages::kPageModifyProfile)) return false;
         HWND profiles = d.Control(IDC_MODIFY_PROFILE_LIST);
+        const auto& [type, id] = m_ruleProfile;
         for (int row = 0; row < d.RowCount(profiles); ++row) {
-            if (d.CellText(profiles, row, 0) != m_profileId) continue;
-            const std::string type = d.CellText(profiles, row, 1);
+            if (d.CellText(profiles, row, 0) != id || d.CellText(profiles, row, 1) != type) continue;
             d.ClickCell(profiles, row, 0);
-            Log("page 12: deleting " + type + " profile " + m_profileId);
+            Log("page 12: deleting " + type + " profile " + id);
             Shot("modify-profile");
             const int before = d.RowCount(profiles);
             d.ClickButton(IDC_MODIFY_DELETE);
             if (!NoMessages()) return false;
             if (d.RowCount(profiles) != before - 1)
-                return Fail("the switch kept profile " + m_profileId + ": " + d.Text(IDC_MODIFY_STATUS));
-            Log("deleted profile " + Word(type) + " " + m_profileId + " on " + m_switches[0]);
+                return Fail("the switch kept profile " + id + ": " + d.Text(IDC_MODIFY_STATUS));
+            Log("deleted profile " + Word(type) + " " + id + " on " + m_switches[0]);
             Shot("modify-profile-deleted");
             return true;
         }
-        return Fail("the profile list does not show profile " + m_profileId);
+        return Fail("the profile list does not show " + type + " profile " + id);
     }
 
     // The readers a page started have ended (their threads are gone).
+    bool MadeId(const std::string& id) const {
+        for (const Made& m : m_made)
+            if (m.id == id) return true;
+        return false;
+    }
+    // A type as a screenshot's name: "ethernet", "ipv4", "ipv6", "packet-content".
+    static std::string Lower(AclType type) {
+        std::string text = TypeText(type);
+        for (char& c : text) c = c == ' ' ? '-' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        return text;
+    }
     bool ReadersDone() {
         return d.WaitFor(
             [&] {
@@ -372,15 +447,16 @@ private:
     WalkOutcome& m_out;
     std::string m_caption;
     std::vector<std::string> m_switches;
-    std::string m_model, m_profileId;
-    std::string m_pass;  // "" for the Ethernet pass, "-ipv4" for the IPv4 one (screenshot names)
+    const ModelEntry* m_model = nullptr;
+    std::vector<Made> m_made;                             // the profiles of this walk, in order
+    std::pair<std::string, std::string> m_ruleProfile;   // type word and ID of the rule deleted
     std::set<DWORD> m_threadsBefore;
     int m_shots = 0;
 };
 
 }  // namespace
 
-std::vector<std::string> WalkNames() { return {kCreateProfiles}; }
+std::vector<std::string> WalkNames() { return {kProfilesAndRules}; }
 
 bool IsWalkName(const std::string& name) {
     for (const std::string& n : WalkNames())
@@ -397,7 +473,7 @@ WalkOutcome RunWalk(const WalkSettings& settings, const std::function<void()>& r
     bool ran = false;
     WizardDriver::Run("", runCommand, [&](WizardDriver& d) {
         ran = true;
-        if (settings.name == kCreateProfiles) CreateProfilesWalk(d, settings, out).Run();
+        if (settings.name == kProfilesAndRules) ProfilesAndRulesWalk(d, settings, out).Run();
     });
     sentrel_gui::SetFailureHandler(nullptr);
     if (!ran) {

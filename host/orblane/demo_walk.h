@@ -19,12 +19,13 @@ struct WalkSettings {
 struct WalkOutcome {
     bool ok = false;
     // The report, one line per step; the last is "result ok" or "result FAILED ...". Lines
-    // "switch <ip> <model>", "profile <type> <id> <kind>" and "applied <ip> <word>" are for
-    // the demo script, which reads the profiles back from the switches.
+    // "switch <ip> <model>", "profile <type> <id> <kind>", "rule <type> <profile id> <access
+    // id>", "applied <profiles|rules> <ip> <word>", "deleted rule ..." and "deleted profile
+    // ..." are for the demo script, which reads them back from the switches.
     std::vector<std::string> lines;
 };
 
-// The walks there are, e.g. "create-profiles".
+// The walks there are, e.g. "profiles-and-rules".
 std::vector<std::string> WalkNames();
 bool IsWalkName(const std::string& name);
 

@@ -29,7 +29,7 @@ constexpr wchar_t kUsage[] =
     L"  --dump-menus           print the menu bar (one line per item) and the plug-ins, then exit\n"
     L"  --walk <name>          with --run: walk through the command's wizard like a person, save a\n"
     L"                         screenshot of every page, write the report walk.txt and exit\n"
-    L"                         (0 when the walk succeeded, 3 when not); walks: create-profiles\n"
+    L"                         (0 when the walk succeeded, 3 when not); walks: profiles-and-rules\n"
     L"  --shots <folder>       where --walk puts its screenshots and walk.txt (default: .)\n"
     L"  --help                 this text\n";
 

@@ -28,127 +28,7 @@ std::string CaseName(const ::testing::TestParamInfo<Case>& info) {
     return name + (info.param.nACLKind == 1 ? "_Acl" : "_CpuAcl");
 }
 
-// The "Add profile" radio and the definition page of a type.
-int RadioOf(AclType type) {
-    switch (type) {
-    case AclType::kEthernet: return IDC_STEP2_ETHERNET;
-    case AclType::kIPv4: return IDC_STEP2_IPV4;
-    case AclType::kIPv6: return IDC_STEP2_IPV6;
-    case AclType::kPacketContent: return IDC_STEP2_PACKET;
-    }
-    return 0;
-}
-int PageOf(AclType type) {
-    switch (type) {
-    case AclType::kEthernet: return acl::pages::kPageEthProfile;
-    case AclType::kIPv4: return acl::pages::kPageIPv4Profile;
-    case AclType::kIPv6: return acl::pages::kPageIPv6Profile;
-    case AclType::kPacketContent: return acl::pages::kPagePacketProfile;
-    }
-    return -1;
-}
-int PendingListOf(AclType type) {
-    switch (type) {
-    case AclType::kEthernet: return IDC_ETH_LIST;
-    case AclType::kIPv4: return IDC_IPV4_LIST;
-    case AclType::kIPv6: return IDC_IPV6_LIST;
-    case AclType::kPacketContent: return IDC_PACKET_LIST;
-    }
-    return 0;
-}
-
-int RulePageOf(AclType type) {
-    switch (type) {
-    case AclType::kEthernet: return acl::pages::kPageEthRule;
-    case AclType::kIPv4: return acl::pages::kPageIPv4Rule;
-    case AclType::kIPv6: return acl::pages::kPageIPv6Rule;
-    case AclType::kPacketContent: return acl::pages::kPagePacketRule;
-    }
-    return -1;
-}
-
-class ProfileMatrixGui : public ProfileFlowGui, public ::testing::WithParamInterface<Case> {
-protected:
-    // On the rule page of `type`, under the profile FillAndAdd made: the fields its masks
-    // enable, then Add. The destination MAC is typed as the page's example shows it.
-    static void FillRuleAndAdd(WizardDriver& d, AclType type, const ModelEntry& model, AclOwner owner) {
-        d.TypeText(IDC_RULE_ACCESS_ID, "1");
-        if (IsWindowEnabled(d.Control(IDC_RULE_PORTS))) d.TypeText(IDC_RULE_PORTS, "1-2");
-        if (IsWindowVisible(d.Control(IDC_RULE_PRIORITY_CHECK))) {
-            d.ClickButton(IDC_RULE_PRIORITY_CHECK);
-            d.TypeText(IDC_RULE_PRIORITY, "3");
-        }
-        switch (type) {
-        case AclType::kEthernet:
-            d.TypeText(IDC_RULE_VLAN, "v1");
-            d.TypeText(IDC_RULE_DST_MAC, "00-11-22-33-44-55");
-            break;
-        case AclType::kIPv4:  // the TCP profile with a destination port mask
-            d.TypeText(IDC_RULE_VLAN, "v1");
-            d.TypeText(IDC_RULE_SECOND, "80");
-            break;
-        case AclType::kIPv6:
-            d.TypeText(IDC_RULE_CLASS, "5");
-            d.TypeText(IDC_RULE_DST_IPV6, "FE800000000000000000000000000001");
-            break;
-        case AclType::kPacketContent: {
-            const PacketShape shape = model.packetShape(owner, AclKind::kRules);
-            d.ClickButton(IDC_RULE_ITEM_FIRST);
-            if (shape != PacketShape::kBlock16) d.TypeText(IDC_RULE_ITEM_OFFSET_FIRST, "3");
-            d.TypeText(IDC_RULE_ITEM_DATA_FIRST, shape == PacketShape::kBlock16  ? "00112233445566778899AABBCCDDEEFF"
-                                                 : shape == PacketShape::kChunks4 ? "0800FFFF"
-                                                                                  : "0800");
-            break;
-        }
-        }
-        d.ClickButton(IDC_RULE_ADD);
-    }
-    // Next on "Add Rules:Select Profile" refuses while the device is read: press it again.
-    static void NextWhenRead(WizardDriver& d) {
-        for (int i = 0; i < 50 && d.ActiveIndex() == acl::pages::kPageSelectProfile; ++i) {
-            d.Next();
-            if (d.ActiveIndex() == acl::pages::kPageSelectProfile) {
-                d.TakeMessages();
-                Sleep(200);
-            }
-        }
-    }
-    // On the definition page of `type`: masks a user would set, then Add.
-    static void FillAndAdd(WizardDriver& d, AclType type, const ModelEntry& model, AclOwner owner) {
-        switch (type) {
-        case AclType::kEthernet:
-            d.ClickButton(IDC_ETH_VLAN);
-            d.ClickButton(IDC_ETH_DST_MAC_CHECK);
-            d.TypeText(IDC_ETH_DST_MAC, "FFFFFF000000");
-            d.ClickButton(IDC_ETH_ADD);
-            break;
-        case AclType::kIPv4:  // the TCP group (m_nFrameOption 5)
-            d.ClickButton(IDC_IPV4_VLAN);
-            d.ClickButton(IDC_IPV4_TCP);
-            d.ClickButton(IDC_IPV4_TCP_DST_PORT_CHECK);
-            d.TypeText(IDC_IPV4_TCP_DST_PORT, "00FF");
-            d.ClickButton(IDC_IPV4_ADD);
-            break;
-        case AclType::kIPv6:
-            d.ClickButton(IDC_IPV6_CLASS);
-            d.ClickButton(IDC_IPV6_DST_CHECK);
-            d.TypeText(IDC_IPV6_DST, "FFFFFFFFFFFFFFFF0000000000000000");
-            d.ClickButton(IDC_IPV6_ADD);
-            break;
-        case AclType::kPacketContent:
-            if (RecordKindFor(model, owner, AclKind::kProfiles, type).shape == PacketShape::kChunks4) {
-                d.ClickButton(IDC_PACKET_CHUNK1);
-                d.TypeText(IDC_PACKET_CHUNK1_OFFSET, "3");
-                d.TypeText(IDC_PACKET_CHUNK1_MASK, "FFFF0000");
-            } else {
-                d.ClickButton(IDC_PACKET_OFFSET0);
-                for (int k = 0; k < 4; ++k) d.TypeText(IDC_PACKET_RANGE_MASK_FIRST + k, k == 0 ? "FFFFFFFF" : "0000FFFF");
-            }
-            d.ClickButton(IDC_PACKET_ADD);
-            break;
-        }
-    }
-};
+class ProfileMatrixGui : public ProfileFlowGui, public ::testing::WithParamInterface<Case> {};
 
 TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadBack) {
     const Case c = GetParam();
@@ -178,18 +58,18 @@ TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadB
             ASSERT_EQ(acl::pages::kPageAddProfile, d.ActiveIndex());
             // Add profile enables exactly the radios of the types the model offers.
             for (AclType t : kTypes)
-                EXPECT_EQ(model.offersProfileType(owner, t), IsWindowEnabled(d.Control(RadioOf(t))) != FALSE)
+                EXPECT_EQ(model.offersProfileType(owner, t), d.IsEnabled(PagesOf(t).radio))
                     << TypeWord(t);
-            d.ClickButton(RadioOf(type));
+            d.ClickButton(PagesOf(type).radio);
             if (type == AclType::kIPv4) d.PickCombo(IDC_STEP2_PROTOCOL, "TCP");
             if (named) d.TypeText(IDC_STEP2_PROFILE_NAME, "web" + id);
             d.PickCombo(IDC_STEP2_PROFILE_ID, id);
             d.Next();
-            ASSERT_EQ(PageOf(type), d.ActiveIndex()) << TypeWord(type);
-            FillAndAdd(d, type, model, owner);
+            ASSERT_EQ(PagesOf(type).profilePage, d.ActiveIndex()) << TypeWord(type);
+            sentrel_gui::FillProfileAndAdd(d, type, model, owner);
             EXPECT_TRUE(d.TakeMessages().empty()) << TypeWord(type);
-            ASSERT_EQ(1, d.RowCount(d.Control(PendingListOf(type)))) << TypeWord(type);
-            d.Screenshot(std::string("matrix-") + CaseName({GetParam(), 0}) + "-page-0" + std::to_string(PageOf(type)));
+            ASSERT_EQ(1, d.RowCount(d.Control(PagesOf(type).profileList))) << TypeWord(type);
+            d.Screenshot(std::string("matrix-") + CaseName({GetParam(), 0}) + "-page-0" + std::to_string(PagesOf(type).profilePage));
             d.Next();
             ASSERT_EQ(acl::pages::kPageApply, d.ActiveIndex());
             if (i + 1 < offered.size()) {
@@ -230,12 +110,12 @@ TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadB
                 if (d.CellText(list, r, 0) == std::to_string(i + 1) && d.CellText(list, r, 1) == TypeWord(type)) row = r;
             ASSERT_GE(row, 0) << TypeWord(type);
             d.ClickCell(list, row, 0);
-            NextWhenRead(d);
-            ASSERT_EQ(RulePageOf(type), d.ActiveIndex()) << TypeWord(type);
-            FillRuleAndAdd(d, type, model, owner);
+            sentrel_gui::NextWhenRead(d);
+            ASSERT_EQ(PagesOf(type).rulePage, d.ActiveIndex()) << TypeWord(type);
+            sentrel_gui::FillRuleAndAdd(d, type, model, owner);
             EXPECT_TRUE(d.TakeMessages().empty()) << TypeWord(type) << " rule";
             ASSERT_EQ(1, d.RowCount(d.Control(IDC_RULE_LIST))) << TypeWord(type);
-            d.Screenshot(std::string("matrix-") + CaseName({GetParam(), 0}) + "-page-" + std::to_string(RulePageOf(type)));
+            d.Screenshot(std::string("matrix-") + CaseName({GetParam(), 0}) + "-page-" + std::to_string(PagesOf(type).rulePage));
             d.Next();
             ASSERT_EQ(acl::pages::kPageRuleApply, d.ActiveIndex());
         }

@@ -27,9 +27,9 @@ protected:
     }
     // Add, and the new row's cells (the message boxes Add showed go to `messages`).
     static Strings Add(WizardDriver& d, AclType type, Strings* messages = nullptr) {
-        HWND list = d.Control(ControlsOf(type).list);
+        HWND list = d.Control(PagesOf(type).profileList);
         const int before = d.RowCount(list);
-        d.ClickButton(ControlsOf(type).add);
+        d.ClickButton(PagesOf(type).profileAdd);
         const Strings texts = d.TakeTexts();
         if (messages) *messages = texts;
         Strings row;

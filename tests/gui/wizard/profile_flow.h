@@ -11,6 +11,7 @@
 #include "acl/acl_mib.h"
 #include "acl/acl_staging.h"
 #include "acl/wizard/acl_wizard.h"
+#include "host/wizard_driver/acl_forms.h"
 #include "sim_agent.h"
 #include "tests/gui/support/gui_fixture.h"
 
@@ -18,20 +19,7 @@ namespace profile_flow {
 
 using namespace gui;
 
-// The "Add profile" radio, the definition page and its pending list, by type.
-struct TypeControls {
-    int radio, page, list, add;
-};
-inline TypeControls ControlsOf(AclType type) {
-    switch (type) {
-    case AclType::kEthernet: return {IDC_STEP2_ETHERNET, acl::pages::kPageEthProfile, IDC_ETH_LIST, IDC_ETH_ADD};
-    case AclType::kIPv4: return {IDC_STEP2_IPV4, acl::pages::kPageIPv4Profile, IDC_IPV4_LIST, IDC_IPV4_ADD};
-    case AclType::kIPv6: return {IDC_STEP2_IPV6, acl::pages::kPageIPv6Profile, IDC_IPV6_LIST, IDC_IPV6_ADD};
-    case AclType::kPacketContent:
-        return {IDC_STEP2_PACKET, acl::pages::kPagePacketProfile, IDC_PACKET_LIST, IDC_PACKET_ADD};
-    }
-    return {};
-}
+using sentrel_gui::PagesOf;
 
 // What a switch holds, read by the ACL core's reader.
 inline AclReadResult OnSwitch(SimAgent& agent, const std::string& model, AclOwner owner) {
@@ -84,13 +72,13 @@ protected:
     // From "Add profile" to the type's definition page (protocol "" leaves the list as it is).
     static void ToDefinitionPage(WizardDriver& d, AclType type, const std::string& id, const std::string& protocol = "") {
         ASSERT_EQ(acl::pages::kPageAddProfile, d.ActiveIndex());
-        d.ClickButton(ControlsOf(type).radio);
+        d.ClickButton(PagesOf(type).radio);
         if (!protocol.empty()) {
             ASSERT_TRUE(d.PickCombo(IDC_STEP2_PROTOCOL, protocol));
         }
         ASSERT_TRUE(d.PickCombo(IDC_STEP2_PROFILE_ID, id));
         d.Next();
-        ASSERT_EQ(ControlsOf(type).page, d.ActiveIndex()) << d.ActiveCaption();
+        ASSERT_EQ(PagesOf(type).profilePage, d.ActiveIndex()) << d.ActiveCaption();
     }
     // "Apply to Switch" on the Confirmation Page: every switch's result word.
     static Strings Apply(WizardDriver& d) {
