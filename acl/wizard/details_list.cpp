@@ -18,10 +18,10 @@ constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6
 
 }  // namespace
 
-void SetUpDetailsList(controls::CXListCtrl& list, HWND hwndList, int labelWidth, int valueWidth) {
+void SetUpDetailsList(controls::CXListCtrl& list, HWND hwndList, int labelWidth, int valueWidth, UINT idsHeader) {
     list.Attach(hwndList);
     list.SetExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES);  // grid lines frame the values
-    list.InsertColumn(0, ui::LoadResString(IDS_DETAIL_HEADER), labelWidth);
+    list.InsertColumn(0, ui::LoadResString(idsHeader ? idsHeader : IDS_DETAIL_HEADER), labelWidth);
     list.InsertColumn(1, ui::LoadResString(IDS_COL_BLANK), valueWidth);
 }
 

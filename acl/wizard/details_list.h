@@ -14,8 +14,9 @@
 
 namespace acl::wizard {
 
-// Binds the list and makes its two columns ("ACL Profile Details" and " ").
-void SetUpDetailsList(controls::CXListCtrl& list, HWND hwndList, int labelWidth, int valueWidth);
+// Binds the list and makes its two columns: `idsHeader` ("ACL Profile Details" unless a rule's
+// list says "ACL Rule Details") and " ".
+void SetUpDetailsList(controls::CXListCtrl& list, HWND hwndList, int labelWidth, int valueWidth, UINT idsHeader = 0);
 // Replaces the rows with these (label, value) pairs and shows the list.
 void FillDetailsList(controls::CXListCtrl& list, const std::vector<std::pair<std::string, std::string>>& rows);
 // The record of type word `typeWord` ("Ethernet", "IPv4", "IPv6", "Packet Content") whose

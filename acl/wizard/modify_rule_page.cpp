@@ -17,7 +17,7 @@ BOOL CACLModifyRule::OnInitDialog() {
     m_ruleList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 80);
     m_ruleList.InsertColumn(1, ui::LoadResString(IDS_MODIFY_COL_ACCESS_ID), 80);
     m_ruleList.InsertColumn(2, ui::LoadResString(IDS_STEP2_COL_OWNER), 110);
-    SetUpDetailsList(m_ruleDetails, GetDlgItem(IDC_MODIFY_RULE_DETAILS), 120, 150);
+    SetUpDetailsList(m_ruleDetails, GetDlgItem(IDC_MODIFY_RULE_DETAILS), 120, 150, IDS_RULE_DETAILS_HEADER);
     // Only the clicked profile's rules: the rule table holds those of every profile of its type.
     m_ruleReader.OnRow([this](AclType type, const AclRecord& record, const AclSummaryLine& line) {
         if (line.profileId != m_strRuleProfileID) return;
@@ -37,7 +37,19 @@ BOOL CACLModifyRule::OnSetActive() {
     const std::string caption =
         ui::LoadResString(m_nACLKind == 1 ? IDS_MODIFY_RULE_CAPTION : IDS_MODIFY_CPU_RULE_CAPTION);
     SetWindowTextA(GetSafeHwnd(), caption.c_str());
-    PropSheet_SetTitle(Sheet()->GetSafeHwnd(), 0, caption.c_str());
+    // The sheet titles itself with the page's template caption once the page is active, so
+    // the kind's caption goes onto the title bar after that.
+    PostMessageA(GetSafeHwnd(), kRetitleMessage, 0, 0);
+    return TRUE;
+}
+
+BOOL CACLModifyRule::OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
+    if (msg != kRetitleMessage) return CACLModifyPage::OnMessage(msg, wParam, lParam, pResult);
+    char caption[64] = "";
+    GetWindowTextA(GetSafeHwnd(), caption, sizeof caption);
+    if (PropSheet_GetCurrentPageHwnd(Sheet()->GetSafeHwnd()) == GetSafeHwnd())
+        PropSheet_SetTitle(Sheet()->GetSafeHwnd(), 0, caption);
+    *pResult = 0;
     return TRUE;
 }
 

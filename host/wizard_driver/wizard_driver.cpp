@@ -143,6 +143,7 @@ HWND WizardDriver::PageHwnd(int index) const {
 }
 
 std::string WizardDriver::ActiveCaption() const { return WindowText(ActivePage()); }
+std::string WizardDriver::Title() const { return WindowText(m_hwndSheet); }
 
 bool WizardDriver::IsWizardButtonEnabled(int id) const {
     HWND button = GetDlgItem(m_hwndSheet, id);

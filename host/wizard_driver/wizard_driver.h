@@ -34,6 +34,7 @@ public:
     HWND ActivePage() const;
     HWND PageHwnd(int index) const;  // null while the page was never created
     std::string ActiveCaption() const;
+    std::string Title() const;  // the sheet's title bar
     bool IsWizardButtonEnabled(int id) const;  // 0x3023 Back, 0x3024 Next, 0x3025 Finish
     void PressButton(int psbtn);            // PSBTN_NEXT, PSBTN_BACK, PSBTN_FINISH, PSBTN_CANCEL
     void Next() { PressButton(PSBTN_NEXT); }

@@ -102,9 +102,12 @@ TEST_F(ModifyGui, ListsShowTheProfilesAndRulesOnTheSwitch) {
         for (const auto& [type, id] : profiles) CreateRules(a, model, owner, type, id, {"3", "7"});
         Wizard({{a.address(), model}}, kind, [&](WizardDriver& d) {
             ASSERT_EQ(acl::pages::kPageModifyRule, d.ActiveIndex());
-            EXPECT_EQ(kind == 1 ? "Modify rule" : "Modify CPU rule", d.ActiveCaption());
+            const std::string caption = kind == 1 ? "Modify rule" : "Modify CPU rule";
+            EXPECT_EQ(caption, d.ActiveCaption());
+            EXPECT_TRUE(d.WaitFor([&] { return d.Title() == caption; }, 3000)) << d.Title();
             EXPECT_EQ("Access Profile List", d.Text(IDC_MODIFY_GROUP));
             EXPECT_EQ("Rule", d.Text(IDC_MODIFY_RULE_GROUP));
+            EXPECT_EQ("ACL Rule Details", d.HeaderText(d.Control(IDC_MODIFY_RULE_DETAILS), 0));
             EXPECT_EQ(a.address(), d.Text(IDC_MODIFY_DEVICE));
             ASSERT_TRUE(Loaded(d, acl::pages::kPageModifyRule, Profiles(d), static_cast<int>(profiles.size())));
             EXPECT_EQ(expected, Rows(d, Profiles(d)));
