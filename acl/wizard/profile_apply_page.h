@@ -1,38 +1,24 @@
-// Page 10 `CACLApply` ("Confirmation Page"): the selected switches, the
-// pending profiles read back from the staging files, and "Apply to Switch" (shared with
-// "Add rule", acl/wizard/apply_run.h). "Configure Next
-// Device" goes to page 0, "Create Rules" to page 5. Finish and Cancel delete the four profile
-// staging files.
+// Page 10 `CACLApply` ("Confirmation Page"): the selected switches, the pending profiles read
+// back from the four profile staging files, sortable, with the details of a clicked profile,
+// and "Apply to Switch" (acl/wizard/apply_page_base.h). "Create Rules" goes to page 5.
 #pragma once
-#include <array>
-
-#include "acl/acl_record.h"
-#include "acl/wizard/page_base.h"
-#include "controls/xlist_ctrl.h"
+#include "acl/wizard/apply_page_base.h"
 
 namespace acl::wizard {
 
-class CACLApply : public CACLPage {
+class CACLApply : public CApplyPage {
 public:
     CACLApply();
 
 protected:
-    BOOL OnInitDialog() override;
-    BOOL OnSetActive() override;
-    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
-    BOOL OnNotify(const NMHDR* hdr, LRESULT* pResult) override;
-    BOOL OnWizardFinish() override;
-    void OnCancel() override;
-    void OnDestroy() override;
+    void SetUpColumns() override;
+    void ReadStaged(const WizardState& wizard, AclOwner owner) override;
+    std::span<const PendingColumn> DetailColumns(AclType type, const AclRecord& record) const override;
+    void DeleteStaged() const override;
+    BOOL OnPageCommand(int id) override;
+    BOOL OnPendingListNotify(const NMHDR* hdr, LRESULT* pResult) override;
 
 private:
-    void ShowDetails(int row);
-
-    long m_nACLKind = 1;
-    std::array<AclRecordList, 4> m_lists{};  // the hidden lists, by AclType
-    controls::CXListCtrl m_switchList;
-    controls::CXListCtrl m_profileList;
-    controls::CXListCtrl m_details;
     acl::pages::SortToggle m_sort;
 };
 

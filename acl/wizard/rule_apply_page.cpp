@@ -1,132 +1,67 @@
 #include "acl/wizard/rule_apply_page.h"
 
 #include "acl/acl_staging.h"
-#include "acl/wizard/apply_run.h"
 #include "acl/wizard/rule_columns.h"
 #include "res/resource.h"
 #include "ui/controls.h"
 #include "ui/text.h"
 
 namespace acl::wizard {
-namespace {
 
-constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent};
+CACLRuleApply::CACLRuleApply()
+    : CApplyPage(acl::pages::kPageRuleApply, IDD_ACL_RULE_APPLY, AclKind::kRules,
+                 {IDC_RAPPLY_SWITCH_LIST, IDC_RAPPLY_RULE_LIST, IDC_RAPPLY_DETAILS, IDC_RAPPLY_PROGRESS,
+                  IDC_RAPPLY_APPLY, IDC_RAPPLY_NEXT_DEVICE}) {}
 
-}  // namespace
-
-CACLRuleApply::CACLRuleApply() : CACLPage(acl::pages::kPageRuleApply, IDD_ACL_RULE_APPLY, kBackFinish) {}
-
-BOOL CACLRuleApply::OnInitDialog() {
-    SetUpSwitchList(m_switchList, GetDlgItem(IDC_RAPPLY_SWITCH_LIST));
-    m_ruleList.Attach(GetDlgItem(IDC_RAPPLY_RULE_LIST));
-    m_ruleList.SetExtendedStyle(LVS_EX_FULLROWSELECT);
-    m_ruleList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 60);
-    m_ruleList.InsertColumn(1, ui::LoadResString(IDS_RCOL_ACCESS_ID), 60);
-    m_ruleList.InsertColumn(2, ui::LoadResString(IDS_RCOL_TYPE), 90);
-    m_ruleList.InsertColumn(3, ui::LoadResString(IDS_RCOL_ACTION), 60);
-    m_details.Attach(GetDlgItem(IDC_RAPPLY_DETAILS));
+void CACLRuleApply::SetUpColumns() {
+    m_pendingList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 60);
+    m_pendingList.InsertColumn(1, ui::LoadResString(IDS_RCOL_ACCESS_ID), 60);
+    m_pendingList.InsertColumn(2, ui::LoadResString(IDS_RCOL_TYPE), 90);
+    m_pendingList.InsertColumn(3, ui::LoadResString(IDS_RCOL_ACTION), 60);
     m_details.InsertColumn(0, ui::LoadResString(IDS_RULE_DETAILS_HEADER), 100);
     m_details.InsertColumn(1, ui::LoadResString(IDS_COL_BLANK), 110);
-    return TRUE;
 }
 
-void CACLRuleApply::OnDestroy() {
-    m_switchList.Detach();
-    m_ruleList.Detach();
-    m_details.Detach();
-}
-
+// The group is titled by the ACL kind: "Rule" or "CPU Rule".
 BOOL CACLRuleApply::OnSetActive() {
-    CACLPage::OnSetActive();  // Back and Finish
-    WizardState& wizard = State();
-    const AclOwner owner = wizard.m_nACLKind == 1 ? AclOwner::kAcl : AclOwner::kCpu;
-    m_ruleList.DeleteAllItems();
-    m_details.DeleteAllItems();
-    ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
-    FillSwitchList(m_switchList, wizard);
     ui::Button group(GetDlgItem(IDC_RAPPLY_GROUP_RULE));
-    group.SetText(ui::LoadResString(owner == AclOwner::kCpu ? IDS_RULE_APPLY_CPU_GROUP : IDS_RULE_APPLY_GROUP));
+    group.SetText(ui::LoadResString(OwnerOf(State()) == AclOwner::kCpu ? IDS_RULE_APPLY_CPU_GROUP : IDS_RULE_APPLY_GROUP));
     group.SetFont(GroupFont());
-    // The rule files of the kind, for the types the model has rules of; a missing file gives
-    // an empty list.
+    return CApplyPage::OnSetActive();
+}
+
+// The rule files of the kind, for the types the model has rules of; a missing file gives an
+// empty list.
+void CACLRuleApply::ReadStaged(const WizardState& wizard, AclOwner owner) {
     const ModelEntry* model = wizard.m_nTargetCount > 0 ? LookupModel(wizard.m_aTargets[0].strDeviceType) : nullptr;
-    for (AclType type : kTypes) {
-        AclRecordList& list = m_lists[static_cast<size_t>(type)];
-        list.clear();
-        if (model == nullptr || !model->offersRuleType(owner, type)) continue;
+    if (model == nullptr) return;
+    for (AclType type : {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent}) {
+        if (!model->offersRuleType(owner, type)) continue;
         const auto file = StagingFileFor(*model, owner, AclKind::kRules, type);
         if (!file) continue;
+        AclRecordList& list = m_lists[static_cast<size_t>(type)];
         list = ReadStagingFile(file->name, file->cellCount, file->bufferSize);
         const auto columns = RuleColumnsFor(type, owner, model->packetShape(owner, AclKind::kRules));
         for (size_t i = 0; i < list.size(); ++i) {
             const AclRecord& r = list[i];
-            const int row = m_ruleList.InsertItem(m_ruleList.GetItemCount(), r.empty() ? "" : r[0]);
-            // Which record the row shows: type in the high bits.
-            m_ruleList.SetRowData(row, (static_cast<DWORD_PTR>(type) << 16) | i);
-            m_ruleList.SetItemText(row, 1, r.size() > 1 ? r[1] : "");
-            m_ruleList.SetItemText(row, 2, TypeWord(type));
+            const int row = AddRow(type, i, r.empty() ? "" : r[0]);
+            m_pendingList.SetItemText(row, 1, r.size() > 1 ? r[1] : "");
+            m_pendingList.SetItemText(row, 2, TypeWord(type));
             for (size_t c = 0; c < r.size() && c < columns.size(); ++c)
-                if (columns[c].idsHeader == IDS_RCOL_PERMIT) m_ruleList.SetItemText(row, 3, ActionStagingWord(r[c]));
+                if (columns[c].idsHeader == IDS_RCOL_PERMIT) m_pendingList.SetItemText(row, 3, ActionStagingWord(r[c]));
         }
     }
-    return TRUE;
 }
 
-// Clicking a pending rule shows its fields under the names of the rule pages' columns.
-void CACLRuleApply::ShowDetails(int row) {
-    if (row < 0 || row >= m_ruleList.GetItemCount()) return;
+// A rule's fields under the names of the rule pages' columns.
+std::span<const PendingColumn> CACLRuleApply::DetailColumns(AclType type, const AclRecord&) const {
     const WizardState& wizard = State();
     const ModelEntry* model = wizard.m_nTargetCount > 0 ? LookupModel(wizard.m_aTargets[0].strDeviceType) : nullptr;
-    if (model == nullptr) return;
-    const AclOwner owner = wizard.m_nACLKind == 1 ? AclOwner::kAcl : AclOwner::kCpu;
-    const DWORD_PTR data = m_ruleList.GetRowData(row);
-    const auto type = static_cast<AclType>((data >> 16) & 0x3);
-    const size_t index = data & 0xFFFF;
-    const AclRecordList& list = m_lists[static_cast<size_t>(type)];
-    if (index >= list.size()) return;
-    const AclRecord& record = list[index];
-    const auto columns = RuleColumnsFor(type, owner, model->packetShape(owner, AclKind::kRules));
-    m_details.DeleteAllItems();
-    for (size_t c = 0; c < columns.size() && c < record.size(); ++c) {
-        if (columns[c].idsHeader == 0) continue;
-        const int line = m_details.InsertItem(m_details.GetItemCount(), ui::LoadResString(columns[c].idsHeader));
-        m_details.SetItemText(line, 1, record[c]);
-    }
-    ShowWindow(m_details.GetSafeHwnd(), SW_SHOW);
+    if (model == nullptr) return {};
+    const AclOwner owner = OwnerOf(wizard);
+    return RuleColumnsFor(type, owner, model->packetShape(owner, AclKind::kRules));
 }
 
-BOOL CACLRuleApply::OnCommand(WPARAM wParam, LPARAM) {
-    if (HIWORD(wParam) != BN_CLICKED) return FALSE;
-    switch (LOWORD(wParam)) {
-    case IDC_RAPPLY_APPLY:
-        ApplyToTargets(State(), AclKind::kRules, GetDlgItem(IDC_RAPPLY_PROGRESS), m_switchList, m_lists,
-                       [] { ::DeleteRuleStagingFiles(); });
-        m_ruleList.DeleteAllItems();
-        ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
-        return TRUE;
-    case IDC_RAPPLY_NEXT_DEVICE:
-        Sheet()->SetActivePage(acl::pages::kPageDeviceList);
-        return TRUE;
-    default:
-        return FALSE;
-    }
-}
-
-BOOL CACLRuleApply::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
-    if (hdr->hwndFrom == m_ruleList.GetSafeHwnd() && hdr->code == NM_CLICK) {
-        ShowDetails(reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem);
-        *pResult = 0;
-        return TRUE;
-    }
-    return FALSE;
-}
-
-BOOL CACLRuleApply::OnWizardFinish() {
-    ::DeleteRuleStagingFiles();
-    return TRUE;
-}
-
-// Runs whenever the wizard is cancelled after this page was created, whichever page shows.
-void CACLRuleApply::OnCancel() { ::DeleteRuleStagingFiles(); }
+void CACLRuleApply::DeleteStaged() const { ::DeleteRuleStagingFiles(); }
 
 }  // namespace acl::wizard
