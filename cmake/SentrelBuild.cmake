@@ -4,12 +4,15 @@ option(SENTREL_SANITIZE "Build native code with ASan and UBSan" OFF)
 option(SENTREL_FUZZ "Build the libFuzzer targets (clang only)" OFF)
 option(SENTREL_TESTS "Build the tests" ON)
 
-# The four trees compile much of the same code again and again: ccache, where the machine has
-# it, makes a second build of an unchanged file cost nothing.
+# The trees compile much of the same code again and again: ccache, where the machine has it,
+# makes a second build of an unchanged file cost nothing. Paths are hashed relative to the
+# checkout, so a fresh clone elsewhere on the machine reuses what an earlier one compiled.
 find_program(SENTREL_CCACHE ccache)
 if(SENTREL_CCACHE)
-  set(CMAKE_C_COMPILER_LAUNCHER "${SENTREL_CCACHE}")
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${SENTREL_CCACHE}")
+  set(SENTREL_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1
+      "${SENTREL_CCACHE}")
+  set(CMAKE_C_COMPILER_LAUNCHER ${SENTREL_LAUNCHER})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${SENTREL_LAUNCHER})
 endif()
 
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
