@@ -3,6 +3,7 @@
 // and communities that never show.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -11,6 +12,7 @@
 #include <sstream>
 
 #include "acl/acl_audit.h"
+#include "acl/acl_mib.h"
 #include "cli/commands.h"
 #include "cli/json_fields.h"
 #include "snmp/snmp_ops.h"
@@ -189,12 +191,9 @@ TEST_F(CliTest, EveryRecordTypeOnEveryModelIsPlannedAppliedAuditedAndVerified) {
     ++requests;
     std::vector<std::string> oids;
     for (const Json& b : j["set"]) {
-      std::string value = b["value"];
-      if (b["type"] == "STRING") {  // the switch's log shows every octet string as bytes
-        std::string hex;
-        for (unsigned char c : value) hex += (hex.empty() ? "" : " ") + BindingValueText(SnmpBinding::Bytes("", std::string(1, static_cast<char>(c))));
-        value = hex;
-      }
+      std::string value = b["value"];  // octet strings compare as their bytes in hex
+      if (b["type"] == "STRING") value = BytesToHex(value);
+      if (b["type"] == "Hex-STRING") value.erase(std::remove(value.begin(), value.end(), ' '), value.end());
       oids.push_back(b["oid"].get<std::string>() + "=" + value);
     }
     auditSets[j["address"]].push_back(oids);
@@ -213,15 +212,8 @@ TEST_F(CliTest, EveryRecordTypeOnEveryModelIsPlannedAppliedAuditedAndVerified) {
       for (const snmp::VarBind& vb : e.varbinds) {
         std::string line = sim::FormatWalkLine(vb);  // "OID = TYPE: value"
         const std::string oid = line.substr(0, line.find(" = "));
-        std::string value = line.substr(line.find(": ") + 2);
-        if (vb.value.tag == snmp::kTagOctetString) {
-          value.clear();
-          for (unsigned char c : vb.value.bytes) {
-            char b[4];
-            std::snprintf(b, sizeof b, value.empty() ? "%02X" : " %02X", c);
-            value += b;
-          }
-        }
+        const std::string value = vb.value.tag == snmp::kTagOctetString ? BytesToHex(vb.value.bytes)
+                                                                           : line.substr(line.find(": ") + 2);
         oids.push_back((oid[0] == '.' ? oid.substr(1) : oid) + "=" + value);
       }
       logged.push_back(oids);
