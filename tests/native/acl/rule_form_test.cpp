@@ -126,30 +126,4 @@ TEST(RuleForm, PendingRuleLoadedBackRebuildsTheSameRow) {
   }
 }
 
-TEST(RuleForm, RowsAndLabelsFollowTheModel) {
-  const struct {
-    const char* model;
-    AclOwner owner;
-    AclType type;
-    bool rx, dscp, tos, fixedZero;
-    const char* accessLabel;
-  } cases[] = {
-      {"TVG5690", AclOwner::kAcl, AclType::kEthernet, true, true, true, false, "Access ID(1-128)"},
-      {"TVR4510", AclOwner::kAcl, AclType::kIPv4, false, true, true, false, "Access ID(1-65535)"},
-      {"TVR4060", AclOwner::kAcl, AclType::kPacketContent, false, false, false, false, "Access ID(1-65535)"},
-      {"TVR4820", AclOwner::kCpu, AclType::kEthernet, false, false, false, true, "Access ID(1-65535)"},
-      {"TVG5470", AclOwner::kCpu, AclType::kPacketContent, false, false, false, false, "Access ID(1-200)"},
-  };
-  for (const auto& c : cases) {
-    const acl::RuleRows r = acl::RuleRowsFor(M(c.model), c.owner, c.type);
-    EXPECT_EQ(std::tuple(c.rx, c.dscp, c.tos, c.fixedZero, !c.fixedZero),
-              std::tuple(r.rxRate, r.replaceDscp, r.replaceTos, r.portsFixedZero, r.allPorts))
-        << c.model << " " << TypeWord(c.type);
-    EXPECT_EQ(c.accessLabel, acl::AccessIdLabel(M(c.model), c.owner, c.type)) << c.model;
-  }
-  EXPECT_EQ("Rx Rate (1-15624)", acl::RxRateLabel(M("TVR4512"), AclType::kPacketContent));
-  EXPECT_EQ("12", acl::DropLastCharacter("12a"));
-  EXPECT_EQ("", acl::DropLastCharacter(""));
-}
-
 }  // namespace
