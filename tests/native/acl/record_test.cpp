@@ -266,6 +266,4 @@ TEST(AclRecord, KeysAreUniqueInTheirList) {
   EXPECT_TRUE(AddProfile(profiles, {"6", "z"}));
   EXPECT_EQ(rules, (AclRecordList{{"3", "12", "a"}, {"4", "12", "b"}}));
   EXPECT_EQ(profiles, (AclRecordList{{"5", "x"}, {"6", "z"}})) << "appended at the end, the first kept";
-  EXPECT_EQ(ActionStagingWord("3"), "miror");
-  EXPECT_STREQ(ActionDetailWord("3"), "mirror");
 }
