@@ -5,24 +5,13 @@
 // snmpd listens on 127.0.5.1:161, the simulator on 127.0.5.10-14:161 (root).
 #include <gtest/gtest.h>
 
-#include <cerrno>
-#include <fcntl.h>
-#include <chrono>
-#include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
+#include <memory>
 
 #include "sim/walk_dump.h"
 #include "snmp/snmp_client.h"
 #include "snmp/snmp_ops.h"
-
-extern char** environ;
+#include "tests/interop/processes.h"
 
 namespace {
 
@@ -37,52 +26,15 @@ const std::string kRule = "1.3.6.1.4.1.32473.12.9.3.1.1";
 std::string g_dir;          // scratch folder of this run
 std::string g_snmpdDump;    // snmpd's walk, as snmpwalk -v1 -On printed it
 std::string g_simLog;
-pid_t g_snmpd = -1, g_sim = -1;
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream ss;
-  ss << in.rdbuf();
-  return ss.str();
-}
-
-pid_t Spawn(const std::vector<std::string>& argv, const std::string& logPath) {
-  posix_spawn_file_actions_t fa;
-  posix_spawn_file_actions_init(&fa);
-  posix_spawn_file_actions_addopen(&fa, 1, logPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  posix_spawn_file_actions_adddup2(&fa, 1, 2);
-  std::vector<char*> args;
-  for (const std::string& a : argv) args.push_back(const_cast<char*>(a.c_str()));
-  args.push_back(nullptr);
-  pid_t pid = -1;
-  int rc = posix_spawnp(&pid, args[0], &fa, nullptr, args.data(), environ);
-  posix_spawn_file_actions_destroy(&fa);
-  return rc == 0 ? pid : -1;
-}
-
-void Stop(pid_t& pid) {
-  if (pid <= 0) return;
-  kill(pid, SIGTERM);
-  int status = 0;
-  waitpid(pid, &status, 0);
-  pid = -1;
-}
+std::unique_ptr<Spawned> g_snmpd, g_sim;
 
 // Runs a net-snmp tool (SNMPv1, no MIBs, numeric OIDs) against `agent` and returns its output;
 // `rc` gets its status. snmpwalk and snmpget read with "public", snmpset writes with "private".
 std::string Tool(const std::string& tool, const std::string& agent, const std::string& args, int* rc = nullptr,
                  const char* community = nullptr) {
   if (!community) community = tool == "snmpset" ? "private" : "public";
-  std::string cmd = "SNMP_PERSISTENT_DIR='" + g_dir + "/persist' MIBS= " + tool + " -v1 -c " + community +
-                    " -On -t 2 -r 0 " + agent + " " + args + " 2>&1";
-  FILE* p = popen(cmd.c_str(), "r");
-  std::string out;
-  char buf[4096];
-  size_t n;
-  while ((n = fread(buf, 1, sizeof buf, p)) > 0) out.append(buf, n);
-  int status = pclose(p);
-  if (rc) *rc = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return out;
+  return RunShell("SNMP_PERSISTENT_DIR='" + g_dir + "/persist' MIBS= " + tool + " -v1 -c " + community +
+                      " -On -t 2 -r 0 " + agent + " " + args + " 2>&1", rc);
 }
 
 bool Answers(const char* agent, const char* community) {
@@ -118,10 +70,10 @@ class Interop : public ::testing::Environment {
            << "rwcommunity private 127.0.0.0/8\n";
     }
     setenv("SNMP_PERSISTENT_DIR", (g_dir + "/persist").c_str(), 1);
-    g_snmpd = Spawn({"snmpd", "-f", "-Lf", g_dir + "/snmpd.log", "-C", "-c", g_dir + "/snmpd.conf",
-                     "-p", g_dir + "/snmpd.pid", "-I", "-smux"},
-                    g_dir + "/snmpd.out");
-    ASSERT_GT(g_snmpd, 0) << "snmpd (Debian package snmpd) not found";
+    g_snmpd.reset(new Spawned({"snmpd", "-f", "-Lf", g_dir + "/snmpd.log", "-C", "-c", g_dir + "/snmpd.conf", "-p",
+                               g_dir + "/snmpd.pid", "-I", "-smux"},
+                              g_dir + "/snmpd.out"));
+    ASSERT_GT(g_snmpd->pid(), 0) << "snmpd (Debian package snmpd) not found";
     bool up = false;
     for (int i = 0; i < 100 && !up; ++i) up = Answers(kSnmpd, "public");
     ASSERT_TRUE(up) << "snmpd did not answer on " << kSnmpd << ":161: " << ReadFile(g_dir + "/snmpd.log");
@@ -138,15 +90,12 @@ class Interop : public ::testing::Environment {
             << kSimRefuse << " TVR4820 public private refuse-set=2\n";
     }
     g_simLog = g_dir + "/sim.out";
-    g_sim = Spawn({SENTREL_SIM_PATH, "--fleet", g_dir + "/fleet.txt", "--dump", g_dir + "/sim.dump"}, g_simLog);
-    ASSERT_GT(g_sim, 0);
-    for (int i = 0; i < 100 && ReadFile(g_simLog).find("ready") == std::string::npos; ++i)
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    ASSERT_NE(ReadFile(g_simLog).find("ready"), std::string::npos) << ReadFile(g_simLog);
+    g_sim.reset(new Spawned({SENTREL_SIM_PATH, "--fleet", g_dir + "/fleet.txt", "--dump", g_dir + "/sim.dump"}, g_simLog));
+    ASSERT_TRUE(WaitForText(g_simLog, "ready")) << ReadFile(g_simLog);
   }
   void TearDown() override {
-    Stop(g_sim);
-    Stop(g_snmpd);
+    g_sim.reset();
+    g_snmpd.reset();
     if (!g_dir.empty() && getenv("SENTREL_KEEP_INTEROP") == nullptr)
       (void)!system(("rm -rf '" + g_dir + "'").c_str());
   }
@@ -314,7 +263,7 @@ TEST(ToolsVsSimulator, RefusedSetIsGenErrAndTheDumpShowsTheState) {
   out = Tool("snmpset", kSimRefuse, close + " i 4", &rc);
   EXPECT_NE(out.find("(genError)"), std::string::npos) << out;
   // SIGUSR1 writes the state of every switch in snmpwalk form.
-  kill(g_sim, SIGUSR1);
+  kill(g_sim->pid(), SIGUSR1);
   std::string dump;
   for (int i = 0; i < 40 && dump.find(kSimRefuse) == std::string::npos; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
