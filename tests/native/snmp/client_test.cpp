@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <map>
-#include <mutex>
 #include <set>
 #include <thread>
 
@@ -19,9 +18,9 @@ namespace {
 
 const char* kEthRule = "1.3.6.1.4.1.32473.12.9.3.1.1";
 
-// A tiny MIB: GetNext and Set over an ordered map, noSuchName past the end (SNMPv1).
+// A tiny MIB: GetNext over an ordered map, noSuchName past the end (SNMPv1). The agent calls
+// the handler under its own lock.
 struct MapMib {
-  std::mutex mu;
   std::map<Oid, Value, bool (*)(const Oid&, const Oid&)> values{
       [](const Oid& a, const Oid& b) { return CompareOids(a, b) < 0; }};
 
@@ -29,13 +28,7 @@ struct MapMib {
 
   FakeAgent::Handler Handler() {
     return [this](FakeAgent& agent, const Message& req, const Endpoint& from) {
-      std::lock_guard<std::mutex> lock(mu);
       std::vector<VarBind> out;
-      if (req.pdu.type == kTagSetRequest) {
-        for (const VarBind& vb : req.pdu.varbinds) values[vb.name] = vb.value;
-        agent.Reply(req, from, req.pdu.varbinds);
-        return;
-      }
       for (size_t i = 0; i < req.pdu.varbinds.size(); ++i) {
         auto it = values.upper_bound(req.pdu.varbinds[i].name);
         if (it == values.end()) {
