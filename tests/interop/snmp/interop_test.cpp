@@ -9,7 +9,6 @@
 #include <memory>
 
 #include "sim/walk_dump.h"
-#include "snmp/snmp_client.h"
 #include "snmp/snmp_ops.h"
 #include "tests/interop/processes.h"
 
@@ -35,18 +34,6 @@ std::string Tool(const std::string& tool, const std::string& agent, const std::s
   if (!community) community = tool == "snmpset" ? "private" : "public";
   return RunShell("SNMP_PERSISTENT_DIR='" + g_dir + "/persist' MIBS= " + tool + " -v1 -c " + community +
                       " -On -t 2 -r 0 " + agent + " " + args + " 2>&1", rc);
-}
-
-bool Answers(const char* agent, const char* community) {
-  CSnmpV1 r(0);
-  r.setType(kSnmpGetNextRequest);
-  r.clearVarBindList();
-  r.setCommunity(community);
-  r.addValue("1.3.6.1", kSnmpNull, nullptr);
-  CSnmp* a = nullptr;
-  if (r.send(agent, a, 200) != 0) return false;
-  delete a;
-  return true;
 }
 
 std::vector<snmp::VarBind> ParseDump(const std::string& text) {
@@ -75,7 +62,7 @@ class Interop : public ::testing::Environment {
                               g_dir + "/snmpd.out"));
     ASSERT_GT(g_snmpd->pid(), 0) << "snmpd (Debian package snmpd) not found";
     bool up = false;
-    for (int i = 0; i < 100 && !up; ++i) up = Answers(kSnmpd, "public");
+    for (int i = 0; i < 100 && !up; ++i) up = SnmpWalk(kSnmpd, "public", {"1.3.6.1.2.1.1.9.1.2"}, nullptr, 200) > 0;
     ASSERT_TRUE(up) << "snmpd did not answer on " << kSnmpd << ":161: " << ReadFile(g_dir + "/snmpd.log");
 
     // snmpd's own MIB-2, as net-snmp prints it, is the replay switch's content.
