@@ -43,9 +43,10 @@ std::vector<std::string> Apply(AclKind kind, const std::vector<AclTarget>& targe
   return words;
 }
 
-std::vector<std::string> SetOids(const std::vector<sim::SetEvent>& events, bool last = true) {
+// The OID of each SET's last binding, in order.
+std::vector<std::string> SetOids(const std::vector<sim::SetEvent>& events) {
   std::vector<std::string> s;
-  for (const auto& e : events) s.push_back(snmp::FormatOid((last ? e.varbinds.back() : e.varbinds.front()).name));
+  for (const auto& e : events) s.push_back(snmp::FormatOid(e.varbinds.back().name));
   return s;
 }
 
