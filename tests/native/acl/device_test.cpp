@@ -36,10 +36,7 @@ std::vector<std::string> Apply(AclKind kind, const std::vector<AclTarget>& targe
     EXPECT_EQ(i, words.size()) << "result words in target order";
     words.push_back(w);
   };
-  if (kind == AclKind::kProfiles)
-    ApplyProfiles(targets, owner, lists, cb, kTimeout);
-  else
-    ApplyRules(targets, owner, lists, cb, kTimeout);
+  (kind == AclKind::kProfiles ? ApplyProfiles : ApplyRules)(targets, owner, lists, cb, kTimeout);
   return words;
 }
 
