@@ -2,49 +2,21 @@
 // profiles and rules, and the cells a reader checks first (ports, action) read the same.
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
-#include <fstream>
 #include <map>
 #include <set>
-#include <spawn.h>
-#include <sstream>
-#include <sys/wait.h>
-#include <thread>
 
 #include "acl/acl_fields.h"
 #include "acl/acl_mib.h"
 #include "cli/json_fields.h"
 #include "sim/walk_dump.h"
 #include "snmp/ber.h"
-
-extern char** environ;
+#include "tests/interop/processes.h"
 
 namespace {
 
 const std::vector<std::pair<std::string, std::string>> kFleet = {{"127.0.15.10", "TVR4820"},
                                                                  {"127.0.15.11", "TVG5240-10"}};
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-// Runs a command through the shell; its standard output (standard error to `errPath`).
-std::string Shell(const std::string& command, const std::string& errPath, int& rc) {
-  FILE* p = popen((command + " 2>" + errPath).c_str(), "r");
-  std::string out;
-  char buf[4096];
-  for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) out.append(buf, n);
-  const int status = pclose(p);
-  rc = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return out;
-}
 
 // A port bitmap as a port list: the first octet's high bit is port 1.
 std::string PortsOf(const std::string& bitmap) {
@@ -53,16 +25,6 @@ std::string PortsOf(const std::string& bitmap) {
     if (static_cast<unsigned char>(bitmap[i / 8]) & (0x80 >> (i % 8))) list += std::to_string(i + 1) + ",";
   return CompactPortList(list);
 }
-
-// Stops the simulator however the test ends.
-struct Process {
-  pid_t pid = -1;
-  ~Process() {
-    if (pid <= 0) return;
-    kill(pid, SIGTERM);
-    waitpid(pid, nullptr, 0);
-  }
-};
 
 TEST(ShowJsonVsSnmpwalk, ProfilesRulesPortsAndActionsAgree) {
   char tmpl[] = "/tmp/sentrel-cli-interop-XXXXXX";
@@ -91,31 +53,22 @@ TEST(ShowJsonVsSnmpwalk, ProfilesRulesPortsAndActionsAgree) {
   std::ofstream(dir + "/state.json")
       << Json{{"switches", {{"sw-TVR4820", {{"acl", acl}, {"cpu_acl", cpu}}}, {"sw-TVG5240-10", {{"acl", acl}}}}}}.dump();
 
-  posix_spawn_file_actions_t fa;
-  posix_spawn_file_actions_init(&fa);
-  posix_spawn_file_actions_addopen(&fa, 1, (dir + "/sim.out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  posix_spawn_file_actions_adddup2(&fa, 1, 2);
-  std::string fleetPath = dir + "/fleet.txt";
-  char* simArgs[] = {const_cast<char*>(SENTREL_SIM_PATH), const_cast<char*>("--fleet"), fleetPath.data(), nullptr};
-  Process sim;
-  ASSERT_EQ(posix_spawn(&sim.pid, SENTREL_SIM_PATH, &fa, nullptr, simArgs, environ), 0);
-  posix_spawn_file_actions_destroy(&fa);
-  for (int i = 0; i < 100 && ReadFile(dir + "/sim.out").find("ready") == std::string::npos; ++i)
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  Spawned sim({SENTREL_SIM_PATH, "--fleet", dir + "/fleet.txt"}, dir + "/sim.out");
+  ASSERT_TRUE(WaitForText(dir + "/sim.out", "ready")) << ReadFile(dir + "/sim.out");
 
   const std::string acl_cmd = std::string(SENTREL_ACL_PATH) + " -i " + dir + "/inventory.json ";
   int rc = 0;
-  const std::string applied = Shell(acl_cmd + "apply --audit-log " + dir + "/audit.jsonl " + dir + "/state.json",
-                                  dir + "/apply.err", rc);
+  const std::string applied =
+      RunShell(acl_cmd + "apply --audit-log " + dir + "/audit.jsonl " + dir + "/state.json 2>" + dir + "/apply.err", &rc);
   ASSERT_EQ(rc, 0) << applied << ReadFile(dir + "/apply.err") << ReadFile(dir + "/sim.out");
-  const std::string shown = Shell(acl_cmd + "show --json", dir + "/show.err", rc);
+  const std::string shown = RunShell(acl_cmd + "show --json 2>" + dir + "/show.err", &rc);
   ASSERT_EQ(rc, 0) << ReadFile(dir + "/show.err");
   const Json state = Json::parse(shown);
 
   for (const auto& [address, model] : kFleet) {
     SCOPED_TRACE(model);
-    const std::string walk = Shell("MIBS= snmpwalk -v1 -c public -On -t 2 -r 0 " + address + " " + kAclMibPrefix,
-                                 dir + "/walk.err", rc);
+    const std::string walk =
+        RunShell("MIBS= snmpwalk -v1 -c public -On -t 2 -r 0 " + address + " " + kAclMibPrefix + " 2>" + dir + "/walk.err", &rc);
     ASSERT_EQ(rc, 0) << ReadFile(dir + "/walk.err");
     std::vector<snmp::VarBind> binds;
     std::string error;

@@ -141,10 +141,7 @@ TEST(AclPinned, RequestsOnTheWire) {
     std::array<AclRecordList, 4> lists;
     lists[static_cast<size_t>(p.type)].push_back(p.record);
     AclTarget t{agent.address(), "public", "private", p.model};
-    if (p.kind == AclKind::kProfiles)
-      ApplyProfiles({t}, p.owner, lists, {}, kTimeout);
-    else
-      ApplyRules({t}, p.owner, lists, {}, kTimeout);
+    (p.kind == AclKind::kProfiles ? ApplyProfiles : ApplyRules)({t}, p.owner, lists, {}, kTimeout);
     auto sets = agent.sets();
     ASSERT_EQ(sets.size(), p.requests.size());
     for (size_t r = 0; r < sets.size(); ++r) {

@@ -6,6 +6,7 @@
 #include "acl/acl_fields.h"
 #include "acl/rule_form.h"
 #include "tests/native/acl/model_for_test.h"
+#include "tests/native/acl/sample_records.h"
 
 namespace {
 
@@ -83,7 +84,7 @@ TEST(RuleForm, ProfilesOfTheDefinitionPagesEnableTheirFields) {
   EXPECT_TRUE(acl::ChosenProfileFields(AclType::kIPv4, {"1", "2"}).empty());  // a short record
 }
 
-// Every rule kind of every model: the row built from fields, loaded back into fields, builds
+// Every rule kind of every model: a row built from fields, loaded back into fields, builds
 // the same row (a click on a pending rule shows what Add sent).
 TEST(RuleForm, PendingRuleLoadedBackRebuildsTheSameRow) {
   for (const ModelEntry* m = CatalogueBegin(); m != CatalogueEnd(); ++m) {
@@ -91,65 +92,14 @@ TEST(RuleForm, PendingRuleLoadedBackRebuildsTheSameRow) {
     for (AclOwner owner : {AclOwner::kAcl, AclOwner::kCpu}) {
       for (AclType type : kTypes) {
         if (!m->offersRuleType(owner, type)) continue;
-        const acl::RuleRows rows = acl::RuleRowsFor(*m, owner, type);
-        RuleFields f;
-        f.profileId = "7";
-        f.accessId = "3";
-        f.action = owner == AclOwner::kAcl && type != AclType::kPacketContent ? "3" : "1";
-        f.ports = rows.portsFixedZero ? "0" : "1-4";
-        if (rows.rxRate) f.rxRate = "100";
-        f.priorityChecked = rows.priority;
-        if (rows.priority) f.priority = "5";
-        f.replaceDscpChecked = rows.replaceDscp;
-        if (rows.replaceDscp) f.replaceDscp = "9";
-        f.vlan = "v1";
-        f.srcMac = "00A0C9FFEE01";
-        f.p8021 = "3";
-        f.ethertype = "0800";
-        f.srcIp = "10.0.0.1";
-        f.dscp = "8";
-        f.protocol = "4";
-        f.value1 = "80";
-        f.value2 = "443";
-        f.flagBits = "18";
-        f.ipv6Class = "5";
-        f.flowLabel = "ABC";
-        f.dstIpv6 = "FE800000000000000000000000000001";
-        f.items[1] = {true, "4", "0800FFFF"};
-        const std::string what = std::string(m->typeText) + " " + TypeWord(type) + (owner == AclOwner::kCpu ? " CPU" : "");
-        ASSERT_EQ(ValidateRule(type, owner, *m, f), nullptr) << what;
-        const AclRecord row = BuildRule(type, owner, *m, f);
-        EXPECT_EQ(row, BuildRule(type, owner, *m, RuleFieldsFromRecord(type, owner, *m, row, type == AclType::kIPv4 ? row[6] : ""))) << what;
-        EXPECT_EQ("3", RuleFieldsFromRecord(type, owner, *m, row, type == AclType::kIPv4 ? row[6] : "").accessId) << what;
+        // The sample with every field filled (the other types 0.0.0.0, which loads back empty).
+        const AclRecord row = SampleRules(*m, owner, type).front();
+        const RuleFields back = RuleFieldsFromRecord(type, owner, *m, row, type == AclType::kIPv4 ? row[6] : "");
+        EXPECT_EQ(row, BuildRule(type, owner, *m, back))
+            << m->typeText << " " << TypeWord(type) << (owner == AclOwner::kCpu ? " CPU" : "");
       }
     }
   }
-}
-
-TEST(RuleForm, RowsAndLabelsFollowTheModel) {
-  const struct {
-    const char* model;
-    AclOwner owner;
-    AclType type;
-    bool rx, dscp, tos, fixedZero;
-    const char* accessLabel;
-  } cases[] = {
-      {"TVG5690", AclOwner::kAcl, AclType::kEthernet, true, true, true, false, "Access ID(1-128)"},
-      {"TVR4510", AclOwner::kAcl, AclType::kIPv4, false, true, true, false, "Access ID(1-65535)"},
-      {"TVR4060", AclOwner::kAcl, AclType::kPacketContent, false, false, false, false, "Access ID(1-65535)"},
-      {"TVR4820", AclOwner::kCpu, AclType::kEthernet, false, false, false, true, "Access ID(1-65535)"},
-      {"TVG5470", AclOwner::kCpu, AclType::kPacketContent, false, false, false, false, "Access ID(1-200)"},
-  };
-  for (const auto& c : cases) {
-    const acl::RuleRows r = acl::RuleRowsFor(M(c.model), c.owner, c.type);
-    EXPECT_EQ(std::tuple(c.rx, c.dscp, c.tos, c.fixedZero, !c.fixedZero),
-              std::tuple(r.rxRate, r.replaceDscp, r.replaceTos, r.portsFixedZero, r.allPorts))
-        << c.model << " " << TypeWord(c.type);
-    EXPECT_EQ(c.accessLabel, acl::AccessIdLabel(M(c.model), c.owner, c.type)) << c.model;
-  }
-  EXPECT_EQ("Rx Rate (1-15624)", acl::RxRateLabel(M("TVR4512"), AclType::kPacketContent));
-  EXPECT_EQ("12", acl::DropLastCharacter("12a"));
-  EXPECT_EQ("", acl::DropLastCharacter(""));
 }
 
 }  // namespace

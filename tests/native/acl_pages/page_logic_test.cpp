@@ -38,52 +38,41 @@ TEST(DeviceListSort, FirstClickAscendingThenToggles) {
 namespace {
 CheckedDevice Dev(const std::string& type, const std::string& ip) { return {type, ip, "public", "private"}; }
 const std::vector<std::string> kSupported = {"TVR4820", "TVG5690", "TVG5240-10"};
+// n checked rows of one type, then `more`.
+std::vector<CheckedDevice> Rows(int n, std::vector<CheckedDevice> more = {}) {
+    std::vector<CheckedDevice> rows;
+    for (int i = 0; i < n; ++i) rows.push_back(Dev("TVR4820", "127.0.1." + std::to_string(i)));
+    rows.insert(rows.end(), more.begin(), more.end());
+    return rows;
+}
 }  // namespace
 
 // Page 0's rules in their order: something checked, a supported type (exact text), the same
-// type on every row; the rows before a refused one stay targets.
-TEST(TargetSelection, TypeRulesInOrder) {
+// type on every row, then at most ten targets; the rows before a refused one stay targets.
+TEST(TargetSelection, TypeRulesInOrderThenTheCount) {
     const struct {
         std::vector<CheckedDevice> rows;
         TargetVerdict verdict;
         size_t kept;
     } cases[] = {
         {{}, TargetVerdict::kNoDevice, 0},
-        {{Dev("TVR4820", "127.0.0.2"), Dev("TVR4820", "127.0.0.3")}, TargetVerdict::kAccepted, 2},
-        {{Dev("TVR4820", "127.0.0.2"), Dev("TVG5690", "127.0.0.4")}, TargetVerdict::kDifferentType, 1},
+        {Rows(2), TargetVerdict::kAccepted, 2},
+        {Rows(1, {Dev("TVG5690", "127.0.0.4")}), TargetVerdict::kDifferentType, 1},
         {{Dev("TVG-5240", "127.0.0.9"), Dev("TVR4820", "127.0.0.2")}, TargetVerdict::kNotSupported, 0},
         {{Dev("tvr4820", "1.1.1.1")}, TargetVerdict::kNotSupported, 0},
         {{Dev("TVR482", "1.1.1.1")}, TargetVerdict::kNotSupported, 0},
+        {Rows(10), TargetVerdict::kAccepted, 10},
+        {Rows(11), TargetVerdict::kTooManyDevices, 10},
+        {Rows(11, {Dev("TVG5690", "127.0.2.1")}), TargetVerdict::kDifferentType, 10},
     };
     for (const auto& c : cases) {
         auto s = SelectTargets(c.rows, kSupported);
         EXPECT_EQ(c.verdict, s.verdict) << c.rows.size();
-        ASSERT_EQ(c.kept, s.targets.size());
+        ASSERT_EQ(c.kept, s.targets.size()) << c.rows.size();
         for (size_t i = 0; i < c.kept; ++i) EXPECT_EQ(c.rows[i].strIP, s.targets[i].strIP);
     }
-    auto s = SelectTargets({Dev("TVR4820", "127.0.0.2")}, kSupported);
-    EXPECT_EQ("private", s.targets.at(0).strWriteCommunity);
-}
-
-TEST(TargetSelection, TenDevicesAreAcceptedElevenRefusedWithTheFirstTenKept) {
-    std::vector<CheckedDevice> rows;
-    for (int i = 0; i < 10; ++i) rows.push_back(Dev("TVR4820", "127.0.1." + std::to_string(i)));
-    auto ten = SelectTargets(rows, kSupported);
-    EXPECT_EQ(TargetVerdict::kAccepted, ten.verdict);
-    EXPECT_EQ(10u, ten.targets.size());
-
-    rows.push_back(Dev("TVR4820", "127.0.1.10"));
-    auto eleven = SelectTargets(rows, kSupported);
-    EXPECT_EQ(TargetVerdict::kTooManyDevices, eleven.verdict);
-    EXPECT_EQ(11, eleven.nCheckedCount);
-    EXPECT_EQ(10u, eleven.targets.size());
-}
-
-TEST(TargetSelection, TypeRulesComeBeforeTheCount) {
-    std::vector<CheckedDevice> rows;
-    for (int i = 0; i < 11; ++i) rows.push_back(Dev("TVR4820", "127.0.1." + std::to_string(i)));
-    rows.push_back(Dev("TVG5690", "127.0.2.1"));
-    EXPECT_EQ(TargetVerdict::kDifferentType, SelectTargets(rows, kSupported).verdict);
+    EXPECT_EQ(11, SelectTargets(Rows(11), kSupported).nCheckedCount);
+    EXPECT_EQ("private", SelectTargets(Rows(1), kSupported).targets.at(0).strWriteCommunity);
 }
 
 // --- "Add profile" ----------------------------------------------------------------------

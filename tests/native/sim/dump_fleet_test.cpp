@@ -10,26 +10,13 @@ using namespace snmp;
 
 namespace {
 
-Oid O(const std::string& t) {
-  Oid o;
-  EXPECT_TRUE(ParseOid(t, o)) << t;
-  return o;
-}
-
-// Lines as net-snmp 5.9 prints them (taken from `snmpwalk -v1 -On` of Debian's snmpd).
+// Lines in the forms net-snmp 5.9's `snmpwalk -v1 -On` prints that a walk of snmpd's own
+// MIB-2 seldom shows; the common forms are read from snmpd's live walk in tests/interop.
 const char* kDump =
-    ".1.3.6.1.2.1.1.1.0 = STRING: \"Linux vm 6.1 #1 SMP\"\n"
-    ".1.3.6.1.2.1.1.2.0 = OID: .1.3.6.1.4.1.8072.3.2.10\n"
-    ".1.3.6.1.2.1.1.3.0 = Timeticks: (169) 0:00:01.69\n"
     ".1.3.6.1.2.1.1.4.0 = STRING: \"two\n"
     "lines with \\\"quotes\\\" and \\\\\"\n"
     ".1.3.6.1.2.1.1.5.0 = \"\"\n"
-    ".1.3.6.1.2.1.2.2.1.6.2 = Hex-STRING: C6 76 55 F0 B7 5F \n"
-    ".1.3.6.1.2.1.2.2.1.7.1 = INTEGER: up(1)\n"
     ".1.3.6.1.2.1.2.2.1.8.1 = INTEGER: -3\n"
-    ".1.3.6.1.2.1.2.2.1.10.1 = Counter32: 4294967295\n"
-    ".1.3.6.1.2.1.2.2.1.5.1 = Gauge32: 10000000\n"
-    ".1.3.6.1.2.1.4.20.1.1.127.0.0.1 = IpAddress: 127.0.0.1\n"
     ".1.3.6.1.2.1.9.9.9.0 = Hex-STRING: 00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F \n"
     "10 11 \n"
     ".1.3.6.1.2.1.9.9.10.0 = Wrong Type (should be INTEGER): Gauge32: 7\n"
@@ -40,30 +27,21 @@ const char* kDump =
 
 }  // namespace
 
-TEST(WalkDump, ReadsEveryValueFormOfNetSnmp) {
+TEST(WalkDump, ReadsTheRareValueFormsOfNetSnmp) {
   std::vector<VarBind> v;
   std::string e;
   size_t skipped = 0;
   ASSERT_TRUE(sim::ParseWalkDump(kDump, v, e, &skipped)) << e;
   EXPECT_EQ(skipped, 1u) << "the Opaque float";
-  ASSERT_EQ(v.size(), 15u);
-  EXPECT_EQ(v[0].value, Value::OctetString("Linux vm 6.1 #1 SMP"));
-  EXPECT_EQ(v[1].value, Value::ObjectId(O("1.3.6.1.4.1.8072.3.2.10")));
-  EXPECT_EQ(v[2].value, Value::Unsigned(kTagTimeTicks, 169));
-  EXPECT_EQ(v[3].value, Value::OctetString("two\nlines with \"quotes\" and \\"));
-  EXPECT_EQ(v[4].value, Value::OctetString(""));
-  EXPECT_EQ(v[5].value, Value::OctetString("\xC6\x76\x55\xF0\xB7\x5F"));
-  EXPECT_EQ(v[6].value, Value::Integer(1));
-  EXPECT_EQ(v[7].value, Value::Integer(-3));
-  EXPECT_EQ(v[8].value, Value::Unsigned(kTagCounter, 4294967295u));
-  EXPECT_EQ(v[9].value, Value::Unsigned(kTagGauge, 10000000));
-  EXPECT_EQ(v[10].value, Value::IpAddress(0x7F000001));
-  EXPECT_EQ(v[11].value.bytes.size(), 18u) << "wrapped Hex-STRING";
-  EXPECT_EQ(v[12].value, Value::Unsigned(kTagGauge, 7));
-  EXPECT_EQ(v[13].value.tag, kTagCounter64);
-  EXPECT_EQ(v[13].value.counter64, 18446744073709551615ull);
-  EXPECT_EQ(v[14].value, Value::Null());
-  EXPECT_EQ(FormatOid(v[10].name), "1.3.6.1.2.1.4.20.1.1.127.0.0.1");
+  ASSERT_EQ(v.size(), 7u);
+  EXPECT_EQ(v[0].value, Value::OctetString("two\nlines with \"quotes\" and \\"));
+  EXPECT_EQ(v[1].value, Value::OctetString(""));
+  EXPECT_EQ(v[2].value, Value::Integer(-3));
+  EXPECT_EQ(v[3].value.bytes.size(), 18u) << "wrapped Hex-STRING";
+  EXPECT_EQ(v[4].value, Value::Unsigned(kTagGauge, 7));
+  EXPECT_EQ(v[5].value.tag, kTagCounter64);
+  EXPECT_EQ(v[5].value.counter64, 18446744073709551615ull);
+  EXPECT_EQ(v[6].value, Value::Null());
 }
 
 TEST(WalkDump, WritesWhatItReads) {
@@ -75,7 +53,6 @@ TEST(WalkDump, WritesWhatItReads) {
   std::vector<VarBind> back;
   ASSERT_TRUE(sim::ParseWalkDump(text, back, e)) << e;
   EXPECT_EQ(back, v);
-  EXPECT_EQ(sim::FormatWalkLine(v[5]), ".1.3.6.1.2.1.2.2.1.6.2 = Hex-STRING: C6 76 55 F0 B7 5F ");
 }
 
 TEST(WalkDump, RefusesBrokenLines) {

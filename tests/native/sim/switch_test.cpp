@@ -6,7 +6,6 @@
 
 #include "sim/fleet.h"
 #include "sim/switch.h"
-#include "sim/walk_dump.h"
 
 using namespace snmp;
 
@@ -62,11 +61,6 @@ class SwitchTest : public ::testing::Test {
     return a;
   }
   Answer Set(std::vector<VarBind> vbs) { return Send(kTagSetRequest, std::move(vbs), "private"); }
-  Answer Next(const std::vector<std::string>& oids, const std::string& community = "public") {
-    std::vector<VarBind> v;
-    for (auto& o : oids) v.push_back(VarBind{O(o), Value::Null()});
-    return Send(kTagGetNextRequest, v, community);
-  }
   bool Has(const std::string& oid) const { return sw_->store().count(O(oid)) != 0; }
   Value Get(const std::string& oid) const { return sw_->store().at(O(oid)); }
 

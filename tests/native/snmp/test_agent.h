@@ -87,7 +87,6 @@ class FakeAgent {
           snmp::Message m;
           if (snmp::DecodeMessage(d, m) != snmp::DecodeError::kOk) return;
           requests_.push_back(m);
-          raw_.push_back(d);
           handler_(*this, m, from);
         }) {}
   ~FakeAgent() { udp_.Stop(); }
@@ -111,20 +110,15 @@ class FakeAgent {
   }
   void SendRaw(const std::string& bytes, const snmp::Endpoint& to) { udp_.SendTo(to, bytes); }
 
-  // Copies taken under the agent's lock: every decoded request and its bytes, in arrival order.
+  // A copy taken under the agent's lock: every decoded request, in arrival order.
   std::vector<snmp::Message> Requests() {
     std::lock_guard<std::mutex> lock(udp_.mutex());
     return requests_;
-  }
-  std::vector<std::string> RawRequests() {
-    std::lock_guard<std::mutex> lock(udp_.mutex());
-    return raw_;
   }
 
  private:
   Handler handler_;
   std::vector<snmp::Message> requests_;
-  std::vector<std::string> raw_;
   UdpAgent udp_;  // last: its thread stops before the members it uses go
 };
 

@@ -7,29 +7,14 @@
 
 #include "acl/acl_device.h"
 #include "acl/acl_staging.h"
+#include "tests/win/support/win_test_util.h"
 
 namespace {
 
 const ModelEntry& M(const char* text) { return *LookupModel(text); }
 
-// Every test runs in a fresh current directory, since the files live there.
 class StagingTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    char tmp[MAX_PATH];
-    ASSERT_NE(GetTempPathA(MAX_PATH, tmp), 0u);
-    dir_ = std::string(tmp) + "sentrel_staging_" + std::to_string(GetCurrentProcessId()) + "_" +
-           ::testing::UnitTest::GetInstance()->current_test_info()->name();
-    CreateDirectoryA(dir_.c_str(), nullptr);
-    GetCurrentDirectoryA(MAX_PATH, old_);
-    ASSERT_TRUE(SetCurrentDirectoryA(dir_.c_str()));
-  }
-  void TearDown() override {
-    DeleteProfileStagingFiles();
-    DeleteRuleStagingFiles();
-    SetCurrentDirectoryA(old_);
-    RemoveDirectoryA(dir_.c_str());
-  }
   static bool Exists(const char* name) {
     return GetFileAttributesA(StagingPath(name).c_str()) != INVALID_FILE_ATTRIBUTES;
   }
@@ -45,8 +30,8 @@ class StagingTest : public ::testing::Test {
     for (DWORD i = 0; i < n; ++i) s += buf[i] ? buf[i] : '|';
     return s;
   }
-  std::string dir_;
-  char old_[MAX_PATH] = {0};
+  // The files live in the current folder: a fresh one for every test.
+  sentrel_test::ScopedCurrentFolder folder_{"sentrel_staging_"};
 };
 
 }  // namespace
@@ -122,11 +107,14 @@ TEST_F(StagingTest, DamagedOrRefusedContentNeitherRunsAwayNorLosesTheFile) {
   padded[0] = "7";
   padded[1] = "1";
   EXPECT_EQ(ReadStagingFile(kStagingIpv4, 22, 120), AclRecordList{padded}) << "fewer separators than cells";
+  WritePrivateProfileStringA("0", "0", "7?1?2?3?4?5?6?7?8?9?10?11?12?13?14?15?16?17?18?19?20?21?22?", path.c_str());
+  EXPECT_EQ(ReadStagingFile(kStagingIpv4, 22, 120).at(0).size(), 22u) << "more separators than cells";
   WritePrivateProfileStringA("Section1", "Item1", "99999999999", path.c_str());
   EXPECT_EQ(ReadStagingFile(kStagingIpv4, 22, 120).size(), 65536u) << "a damaged count is bounded";
   // A cell holding the separator is refused and the file kept.
   ASSERT_TRUE(WriteStagingFile(kStagingEthernet, {{"1", "ok"}}, 2));
   EXPECT_FALSE(WriteStagingFile(kStagingEthernet, {{"2", "a?b"}}, 2));
+  EXPECT_FALSE(WriteStagingFile(kStagingEthernet, {{"2", "a"}, {"3", "x\n"}}, 2)) << "nor a line break";
   EXPECT_EQ(ReadStagingFile(kStagingEthernet, 2, 80), (AclRecordList{{"1", "ok"}}));
 }
 

@@ -242,27 +242,17 @@ TEST_F(ComObjects, HostPlugInDispatchComesFromTheHostTypeLibraryAndFailsWithoutI
 }
 
 // What page 0 shows of the host's inventory, read from a second thread as a person reads the
-// screen, after which the wizard is cancelled.
+// screen, after which the wizard is cancelled. (Its captions and buttons: the GUI flows.)
 struct FirstPage {
-    std::string sheetCaption, pageCaption, selectedNode = "<none>";
+    std::string selectedNode = "<none>";
     int rows = -1;
-    bool helpVisible = true;
     bool seen = false;
 
-    static std::string Text(HWND hwnd) {
-        char text[256] = {};
-        GetWindowTextA(hwnd, text, sizeof text);
-        return text;
-    }
     // A CALLBACK function, not a lambda: the i686 build needs the stdcall convention.
     static BOOL CALLBACK Look(HWND hwnd, LPARAM lParam) {
         auto* self = reinterpret_cast<FirstPage*>(lParam);
         HWND page = reinterpret_cast<HWND>(SendMessageA(hwnd, PSM_GETCURRENTPAGEHWND, 0, 0));
         if (!IsWindowVisible(hwnd) || !page) return TRUE;
-        self->sheetCaption = Text(hwnd);
-        self->pageCaption = Text(page);
-        HWND help = GetDlgItem(hwnd, IDHELP);
-        self->helpVisible = help && IsWindowVisible(help);
         HWND tree = GetDlgItem(page, IDC_STEP0_TREE);
         if (HTREEITEM sel = TreeView_GetSelection(tree)) {
             char text[256] = {};
@@ -292,8 +282,8 @@ struct FirstPage {
 // none open (-1) it lists nothing. The root's ID is 0, the value before any report, so a
 // method that stored nothing would show the root's device.
 TEST_F(ComObjects, OpenedSubmapReachesTheWizardThatExecuteShowsModally) {
-    const std::string folder = MakeTempFolder("sentrel_com_");
-    const std::string site = folder + "\\site.xml";
+    ScopedCurrentFolder folder("sentrel_com_");  // the device list file is written here
+    const std::string site = folder.File("site.xml");
     ASSERT_TRUE(WriteTextFile(site,
         "<OrblaneSite><DomainTree><Operation><DDS><Root ID=\"0\">"
         "<Domain ID=\"10\" Name=\"D\" Type=\"0\"><Submap ID=\"11\" Name=\"Core\" Type=\"0\"/></Domain>"
@@ -302,9 +292,6 @@ TEST_F(ComObjects, OpenedSubmapReachesTheWizardThatExecuteShowsModally) {
         "<DeviceList Node=\"11\"><DEVICELIST>" + DeviceXml("2", "a", "TVR4820", "127.0.0.2") +
             DeviceXml("3", "b", "TVR4820", "127.0.0.3") + "</DEVICELIST></DeviceList></OrblaneSite>"));
     SetEnvironmentVariableA("ORBLANE_SITE", site.c_str());
-    char oldDirectory[MAX_PATH] = {};
-    GetCurrentDirectoryA(MAX_PATH, oldDirectory);
-    SetCurrentDirectoryA(folder.c_str());  // the device list file is written here
 
     const struct {
         long submap;
@@ -339,9 +326,6 @@ TEST_F(ComObjects, OpenedSubmapReachesTheWizardThatExecuteShowsModally) {
         watcher.join();
         EXPECT_EQ(E_NOTIMPL, hr);
         ASSERT_TRUE(page.seen) << c.submap;
-        EXPECT_EQ("ACL: Device List", page.sheetCaption) << "a wizard shows its page's caption";
-        EXPECT_EQ("ACL: Device List", page.pageCaption) << "the first page is active";
-        EXPECT_FALSE(page.helpVisible);
         if (c.selected) {
             EXPECT_EQ(c.selected, page.selectedNode);
         }
@@ -351,7 +335,6 @@ TEST_F(ComObjects, OpenedSubmapReachesTheWizardThatExecuteShowsModally) {
         cfg->Release();
     }
     EXPECT_EQ(S_OK, dll.canUnloadNow());
-    SetCurrentDirectoryA(oldDirectory);
     SetEnvironmentVariableA("ORBLANE_SITE", nullptr);
 }
 

@@ -61,11 +61,7 @@ protected:
     static void TearDownTestSuite() { CoUninitialize(); }
 
     void SetUp() override {
-        m_folder = MakeTempFolder("sentrel_inventory_");
-        ASSERT_FALSE(m_folder.empty());
-        GetCurrentDirectoryA(MAX_PATH, m_oldDirectory);
-        SetCurrentDirectoryA(m_folder.c_str());
-        m_site = m_folder + "\\site.xml";
+        ASSERT_FALSE(m_folder.Path().empty());
         SetEnvironmentVariableA("ORBLANE_SITE", m_site.c_str());
         DeleteRegTree(HKEY_CURRENT_USER, kSettingsKey);
         shell::g_lOpenedSubmapID = 0;
@@ -74,7 +70,6 @@ protected:
     }
     void TearDown() override {
         DestroyWindow(m_tree);
-        SetCurrentDirectoryA(m_oldDirectory);
         SetEnvironmentVariableA("ORBLANE_SITE", nullptr);
     }
 
@@ -131,10 +126,10 @@ protected:
         long dummy = 0;
         shell::FillDeviceListFromTree(m_tree, rows, current ? current : &dummy, nullptr);
     }
-    std::string SavedList() const { return ReadTextFile(m_folder + "\\RListDeviceFromGroup.xml"); }
+    std::string SavedList() const { return ReadTextFile(m_folder.File("RListDeviceFromGroup.xml")); }
 
-    std::string m_folder, m_site;
-    char m_oldDirectory[MAX_PATH] = {};
+    ScopedCurrentFolder m_folder{"sentrel_inventory_"};  // the device list file is written here
+    const std::string m_site = m_folder.File("site.xml");
     HWND m_tree = nullptr;
 };
 
@@ -301,7 +296,7 @@ TEST_F(HostInventory, DeviceListFailuresLeaveItEmptyAndOnlyAnUnsavableFileIsRepo
     EXPECT_TRUE(boxes.Caught().empty());
 
     // A folder in the file's place: the save fails as in a read-only directory.
-    ASSERT_TRUE(CreateDirectoryA((m_folder + "\\RListDeviceFromGroup.xml").c_str(), nullptr));
+    ASSERT_TRUE(CreateDirectoryA(m_folder.File("RListDeviceFromGroup.xml").c_str(), nullptr));
     WriteDevices(DeviceXml("1", "x", "TVR4820", "127.0.0.2"));
     FillFrom(11, rows);
     ASSERT_EQ(1u, boxes.Caught().size());
