@@ -92,7 +92,8 @@ if build win64; then
   wineserver -k 2>/dev/null || true
   # The demo's scripted walk (DESIGN.md section 4), so it cannot rot: orblane.exe creates
   # profiles and rules on two simulated switches through the wizard, deletes an earlier rule
-  # and profile on the modify pages, and snmpwalk reads the switches back (under a minute). Its switches listen on UDP 161 of 127.0.0.x, which needs root (CI runs as root).
+  # and profile on the modify pages, and snmpwalk reads the switches back (under a minute).
+  # Its switches listen on UDP 161 of 127.0.0.x, which needs root (CI runs as root).
   step "demo: the scripted walk through the wizard (scripts/run-demo.sh --walk-only)"
   if [ "$(id -u)" != 0 ]; then
     echo "run-tests: not root, so no simulated switches on UDP 161: the demo walk is skipped"

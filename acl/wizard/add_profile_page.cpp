@@ -79,8 +79,7 @@ BOOL CACLStep2::OnSetActive() {
 
     // Steps 4 and 5: caption, model table, used IDs zeroed, "1" to "N", the reader.
     const std::string caption = ui::LoadResString(cpu ? IDS_STEP2_CPU_CAPTION : IDS_STEP2_CAPTION);
-    SetWindowTextA(GetSafeHwnd(), caption.c_str());
-    PropSheet_SetTitle(Sheet()->GetSafeHwnd(), 0, caption.c_str());
+    SetCaption(caption);
     ApplyModelTable();
     for (int i = 0; i < m_nProfileIds && i < static_cast<int>(wizard.m_anUsedProfileIDs.size()); ++i)
         wizard.m_anUsedProfileIDs[static_cast<size_t>(i)] = 0;
@@ -149,7 +148,7 @@ void CACLStep2::OnDestroy() {
 }
 
 BOOL CACLStep2::OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
-    if (!SwitchReader::Deliver(msg, wParam, lParam)) return FALSE;
+    if (!SwitchReader::Deliver(msg, wParam, lParam)) return CACLPage::OnMessage(msg, wParam, lParam, pResult);
     *pResult = 0;
     return TRUE;
 }

@@ -64,7 +64,7 @@ BOOL CApplyPage::OnInitDialog() {
     m_pendingList.Attach(GetDlgItem(m_controls.pendingList));
     m_pendingList.SetExtendedStyle(LVS_EX_FULLROWSELECT);
     m_details.Attach(GetDlgItem(m_controls.details));
-    SetUpColumns();
+    SetUpLists();
     return TRUE;
 }
 
@@ -100,9 +100,15 @@ int CApplyPage::AddRow(AclType type, size_t index, const std::string& firstColum
 }
 
 void CApplyPage::Apply() {
-    // A second click while the switches are written would send every record again.
+    // The apply holds the user-interface thread: clicks and keys given meanwhile wait in the
+    // queue. They were meant for a busy page, so they go rather than start a second apply whose
+    // closing requests would turn a switch's "Fail" into "Succeed".
     EnableWindow(GetDlgItem(m_controls.apply), FALSE);
     ApplyToTargets(State(), m_kind, GetDlgItem(m_controls.progress), m_switchList, m_lists, [this] { DeleteStaged(); });
+    MSG queued;
+    while (PeekMessageA(&queued, nullptr, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE) ||
+           PeekMessageA(&queued, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) {
+    }
     EnableWindow(GetDlgItem(m_controls.apply), TRUE);
     m_pendingList.DeleteAllItems();
     ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);

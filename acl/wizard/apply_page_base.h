@@ -37,8 +37,8 @@ protected:
     void OnCancel() override;  // whenever the wizard is cancelled after the page was created
     void OnDestroy() override;
 
-    // The pending list's and the details list's columns.
-    virtual void SetUpColumns() = 0;
+    // The pending list's and the details list's columns, and the pending list's group.
+    virtual void SetUpLists() = 0;
     // Reads the staging files of the ACL kind into m_lists and lists each record (AddRow).
     virtual void ReadStaged(const WizardState& wizard, AclOwner owner) = 0;
     // The header of each cell of a record in the details; 0 leaves the cell out.

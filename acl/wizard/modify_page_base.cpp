@@ -93,7 +93,7 @@ void CACLModifyPage::OnDestroy() {
 }
 
 BOOL CACLModifyPage::OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
-    if (!SwitchReader::Deliver(msg, wParam, lParam)) return FALSE;
+    if (!SwitchReader::Deliver(msg, wParam, lParam)) return CACLPage::OnMessage(msg, wParam, lParam, pResult);
     *pResult = 0;
     return TRUE;
 }

@@ -36,20 +36,7 @@ BOOL CACLModifyRule::OnSetActive() {
     CACLModifyPage::OnSetActive();
     const std::string caption =
         ui::LoadResString(m_nACLKind == 1 ? IDS_MODIFY_RULE_CAPTION : IDS_MODIFY_CPU_RULE_CAPTION);
-    SetWindowTextA(GetSafeHwnd(), caption.c_str());
-    // The sheet titles itself with the page's template caption once the page is active, so
-    // the kind's caption goes onto the title bar after that.
-    PostMessageA(GetSafeHwnd(), kRetitleMessage, 0, 0);
-    return TRUE;
-}
-
-BOOL CACLModifyRule::OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
-    if (msg != kRetitleMessage) return CACLModifyPage::OnMessage(msg, wParam, lParam, pResult);
-    char caption[64] = "";
-    GetWindowTextA(GetSafeHwnd(), caption, sizeof caption);
-    if (PropSheet_GetCurrentPageHwnd(Sheet()->GetSafeHwnd()) == GetSafeHwnd())
-        PropSheet_SetTitle(Sheet()->GetSafeHwnd(), 0, caption);
-    *pResult = 0;
+    SetCaption(caption);
     return TRUE;
 }
 

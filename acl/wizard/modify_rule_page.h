@@ -15,7 +15,6 @@ public:
 protected:
     BOOL OnInitDialog() override;
     BOOL OnSetActive() override;
-    BOOL OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
     void OnDestroy() override;
     std::vector<SwitchReader*> Readers() override { return {&m_profileReader, &m_ruleReader}; }
     void OnProfileClicked() override;
@@ -25,8 +24,6 @@ protected:
     BOOL OnListNotify(const NMHDR* hdr, LRESULT* pResult) override;
 
 private:
-    static constexpr UINT kRetitleMessage = WM_APP + 40;
-
     void ClearRules();
     void ShowRuleDetails(int row);
     void DeleteRules(bool bAll);

@@ -47,19 +47,20 @@ void CACLAddPacketRule::EnableTypeFields(const acl::RuleEnabling&) {
 // A 16-byte block's value is 32 hexadecimal digits and has no offset: without the offset
 // column the value fields and their label start where it would be, so the value shows whole.
 void CACLAddPacketRule::WidenValuesOverOffsets(bool widen) {
-    auto place = [&](int id, int leftOf) {
+    auto place = [&](size_t k, int id, int leftOf) {
         RECT own{}, left{};
         GetWindowRect(GetDlgItem(id), &own);
         GetWindowRect(GetDlgItem(leftOf), &left);
         MapWindowPoints(nullptr, GetSafeHwnd(), reinterpret_cast<POINT*>(&own), 2);
         MapWindowPoints(nullptr, GetSafeHwnd(), reinterpret_cast<POINT*>(&left), 2);
-        if (!m_valueLeft) m_valueLeft = own.left;  // the dialog's own place, before any move
-        const LONG x = widen ? left.left : m_valueLeft;
+        if (!m_valueLeft[k]) m_valueLeft[k] = own.left;  // the dialog's own place, before any move
+        const LONG x = widen ? left.left : m_valueLeft[k];
         SetWindowPos(GetDlgItem(id), nullptr, x, own.top, own.right - x, own.bottom - own.top,
                      SWP_NOZORDER | SWP_NOACTIVATE);
     };
-    place(IDC_RULE_VALUE_LABEL, IDC_RULE_OFFSET_LABEL);
-    for (int i = 0; i < kMaxRows; ++i) place(IDC_RULE_ITEM_DATA_FIRST + i, IDC_RULE_ITEM_OFFSET_FIRST + i);
+    place(0, IDC_RULE_VALUE_LABEL, IDC_RULE_OFFSET_LABEL);
+    for (int i = 0; i < kMaxRows; ++i)
+        place(static_cast<size_t>(i) + 1, IDC_RULE_ITEM_DATA_FIRST + i, IDC_RULE_ITEM_OFFSET_FIRST + i);
 }
 
 void CACLAddPacketRule::EnableRow(int i) {

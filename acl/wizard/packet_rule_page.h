@@ -2,6 +2,8 @@
 // the packet the model's layout matches, each with a check box that enables its fields: four
 // chunks (offset and value), five content items (offset and value) or five 16-byte ranges.
 #pragma once
+#include <array>
+
 #include "acl/wizard/rule_definition_page.h"
 
 namespace acl::wizard {
@@ -24,7 +26,8 @@ private:
     void EnableRow(int i);
     void WidenValuesOverOffsets(bool widen);
 
-    LONG m_valueLeft = 0;  // where the dialog places the value column, in page pixels
+    // Where the dialog places the value label and the five value fields, in page pixels.
+    std::array<LONG, 6> m_valueLeft{};
 };
 
 }  // namespace acl::wizard

@@ -6,6 +6,12 @@
 #include "ui/win_handles.h"
 
 namespace acl::wizard {
+namespace {
+
+// Posted to a page by SetCaption; the switch readers use WM_APP + 0x31.
+constexpr UINT kRetitleMessage = WM_APP + 0x28;
+
+}  // namespace
 
 HFONT CACLPage::GroupFont() {
     static const ui::UniqueGdiObject font(ui::CreateGroupTitleFont(ui::LoadResString(IDS_GROUP_FONT)));
@@ -48,6 +54,21 @@ LRESULT CACLPage::Go(const acl::pages::Jump& jump) {
 
 BOOL CACLPage::OnSetActive() {
     if (m_dwButtons != kKeepButtons) Sheet()->SetWizardButtons(m_dwButtons);
+    return TRUE;
+}
+
+void CACLPage::SetCaption(const std::string& caption) {
+    SetWindowTextA(GetSafeHwnd(), caption.c_str());
+    PostMessageA(GetSafeHwnd(), kRetitleMessage, 0, 0);
+}
+
+BOOL CACLPage::OnMessage(UINT msg, WPARAM, LPARAM, LRESULT* pResult) {
+    if (msg != kRetitleMessage) return FALSE;
+    char caption[128] = "";
+    GetWindowTextA(GetSafeHwnd(), caption, sizeof caption);
+    if (PropSheet_GetCurrentPageHwnd(Sheet()->GetSafeHwnd()) == GetSafeHwnd())
+        PropSheet_SetTitle(Sheet()->GetSafeHwnd(), 0, caption);
+    *pResult = 0;
     return TRUE;
 }
 

@@ -3,6 +3,7 @@
 // elsewhere than its neighbour activates that page itself, so the pages passed on the way
 // run their activation as the user would see them do.
 #pragma once
+#include <string>
 #include <windows.h>
 
 #include "acl/page_logic.h"
@@ -38,8 +39,12 @@ protected:
     virtual acl::pages::NavInput MakeNavInput() const;
     // Carries out a jump of the table; the result is what PSN_WIZNEXT/PSN_WIZBACK return.
     LRESULT Go(const acl::pages::Jump& jump);
+    // The page's caption by ACL kind, on the page and on the title bar. The sheet titles itself
+    // with the template's caption once the activation is over, so the title follows after it.
+    void SetCaption(const std::string& caption);
 
     BOOL OnSetActive() override;
+    BOOL OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
     LRESULT OnWizardNext() override;
     LRESULT OnWizardBack() override;
 

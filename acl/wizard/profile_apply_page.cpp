@@ -13,7 +13,7 @@ CACLApply::CACLApply()
                  {IDC_APPLY_SWITCH_LIST, IDC_APPLY_PROFILE_LIST, IDC_APPLY_DETAILS, IDC_APPLY_PROGRESS,
                   IDC_APPLY_APPLY, IDC_APPLY_NEXT_DEVICE}) {}
 
-void CACLApply::SetUpColumns() {
+void CACLApply::SetUpLists() {
     m_pendingList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 80);
     m_pendingList.InsertColumn(1, ui::LoadResString(IDS_STEP2_COL_PROFILE_TYPE), 110);
     m_pendingList.InsertColumn(2, ui::LoadResString(IDS_STEP2_COL_OWNER), 110);

@@ -11,7 +11,7 @@ public:
     CACLApply();
 
 protected:
-    void SetUpColumns() override;
+    void SetUpLists() override;
     void ReadStaged(const WizardState& wizard, AclOwner owner) override;
     std::span<const PendingColumn> DetailColumns(AclType type, const AclRecord& record) const override;
     void DeleteStaged() const override;

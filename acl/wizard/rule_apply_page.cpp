@@ -13,7 +13,7 @@ CACLRuleApply::CACLRuleApply()
                  {IDC_RAPPLY_SWITCH_LIST, IDC_RAPPLY_RULE_LIST, IDC_RAPPLY_DETAILS, IDC_RAPPLY_PROGRESS,
                   IDC_RAPPLY_APPLY, IDC_RAPPLY_NEXT_DEVICE}) {}
 
-void CACLRuleApply::SetUpColumns() {
+void CACLRuleApply::SetUpLists() {
     m_pendingList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 60);
     m_pendingList.InsertColumn(1, ui::LoadResString(IDS_RCOL_ACCESS_ID), 60);
     m_pendingList.InsertColumn(2, ui::LoadResString(IDS_RCOL_TYPE), 90);

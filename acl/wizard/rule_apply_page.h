@@ -13,7 +13,7 @@ public:
 
 protected:
     BOOL OnSetActive() override;
-    void SetUpColumns() override;
+    void SetUpLists() override;
     void ReadStaged(const WizardState& wizard, AclOwner owner) override;
     std::span<const PendingColumn> DetailColumns(AclType type, const AclRecord& record) const override;
     void DeleteStaged() const override;

@@ -79,7 +79,7 @@ void CACLStep4::ReadDevice(int index) {
 }
 
 BOOL CACLStep4::OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
-    if (!SwitchReader::Deliver(msg, wParam, lParam)) return FALSE;
+    if (!SwitchReader::Deliver(msg, wParam, lParam)) return CACLPage::OnMessage(msg, wParam, lParam, pResult);
     *pResult = 0;
     return TRUE;
 }

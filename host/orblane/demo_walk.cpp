@@ -377,7 +377,7 @@ private:
         return Fail("the profile list does not show " + type + " profile " + id);
     }
 
-    // The readers a page started have ended (their threads are gone).
+    // Whether a profile of this walk took the ID.
     bool MadeId(const std::string& id) const {
         for (const Made& m : m_made)
             if (m.id == id) return true;
@@ -389,6 +389,7 @@ private:
         for (char& c : text) c = c == ' ' ? '-' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
         return text;
     }
+    // The readers a page started have ended (their threads are gone).
     bool ReadersDone() {
         return d.WaitFor(
             [&] {

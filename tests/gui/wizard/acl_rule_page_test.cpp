@@ -23,24 +23,12 @@ protected:
     // The wizard on `page` after "Add Rules:Select Profile" chose the profiles above.
     void RulePage(const std::vector<std::pair<std::string, std::string>>& targets, long nACLKind, int page,
                   const std::function<void(WizardDriver&)>& script) {
-        WizardDriver::Run(
-            "",
-            [&] {
-                acl::wizard::CACLWizard wizard;
-                for (size_t i = 0; i < targets.size(); ++i)
-                    wizard.m_aTargets[i] = {targets[i].first, "public", "private", targets[i].second};
-                wizard.m_nTargetCount = static_cast<long>(targets.size());
-                wizard.m_nACLKind = nACLKind;
-                wizard.m_astrEthProfile = kEthProfile;
-                wizard.m_astrIPv4Profile = kIPv4Profile;
-                wizard.m_astrIPv6Profile = kIPv6Profile;
-                wizard.m_strPacketProfileID = "4";
-                wizard.SetStartPage(page);
-                m_wizard = &wizard;
-                wizard.DoModal(nullptr);
-                m_wizard = nullptr;
-            },
-            script);
+        Wizard(targets, nACLKind, script, page, [](acl::wizard::CACLWizard& wizard) {
+            wizard.m_astrEthProfile = kEthProfile;
+            wizard.m_astrIPv4Profile = kIPv4Profile;
+            wizard.m_astrIPv6Profile = kIPv6Profile;
+            wizard.m_strPacketProfileID = "4";
+        });
     }
     // Leaves the page (for "Add rule", which reads no switch) and comes back to `page`.
     void Reenter(WizardDriver& d, int page) {
@@ -175,6 +163,7 @@ TEST_F(RulePageGui, AddRulesPortTypingAndTheReplacementsExcludingEachOther) {
 
 // The result words of rule rows: a silent switch, a good one, one refusing the record, one
 // not answering the closing request; only the CPU ACL tells that last one apart ("fail").
+// Finish, or Cancel, then deletes the rule staging files and no others.
 TEST_F(RulePageGui, ApplyWordsPerSwitchAndASecondApplySendsOnlyTheClosingRequest) {
     for (long kind : {1L, 2L}) {
         SCOPED_TRACE(kind == 1 ? "ACL" : "CPU ACL");
@@ -195,6 +184,7 @@ TEST_F(RulePageGui, ApplyWordsPerSwitchAndASecondApplySendsOnlyTheClosingRequest
             d.Next();
             ASSERT_EQ(acl::pages::kPageRuleApply, d.ActiveIndex());
             ASSERT_EQ(1, d.RowCount(d.Control(IDC_RAPPLY_RULE_LIST)));
+            EXPECT_EQ(kind == 1 ? "Rule" : "CPU Rule", d.Text(IDC_RAPPLY_GROUP_RULE));
             d.ClickButton(IDC_RAPPLY_APPLY);
             HWND switches = d.Control(IDC_RAPPLY_SWITCH_LIST);
             ASSERT_TRUE(d.WaitFor([&] { return !d.CellText(switches, 3, 2).empty(); }, 30000));
@@ -207,7 +197,12 @@ TEST_F(RulePageGui, ApplyWordsPerSwitchAndASecondApplySendsOnlyTheClosingRequest
             ASSERT_TRUE(d.WaitFor([&] { return !a.sets().empty(); }, 30000));
             d.Settle();
             EXPECT_EQ(1u, a.sets().size()) << "no record the second time, only the closing request";
+            for (const char* file : {"ACLEthrule.ini", "ACLEthernet.ini"}) sentrel_test::WriteTextFile(m_folder.File(file), "[Section1]\nItem1=0\n");
+            d.PressButton(kind == 1 ? PSBTN_FINISH : PSBTN_CANCEL);
+            EXPECT_TRUE(d.WaitFor([&] { return !d.IsOpen(); }));
         });
+        EXPECT_FALSE(m_folder.Exists("ACLEthrule.ini"));
+        EXPECT_TRUE(m_folder.Exists("ACLEthernet.ini")) << "a profile file is the Confirmation Page's";
     }
 }
 

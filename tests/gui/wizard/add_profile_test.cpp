@@ -82,6 +82,7 @@ TEST_F(AddProfileGui, CaptionIdsAndTypesFollowTheModelAndTheAclKind) {
     for (const auto& c : cases) {
         Wizard({{"127.0.0.1:46899", c.model}}, c.kind, [&](WizardDriver& d) {
             EXPECT_EQ(c.caption, d.ActiveCaption()) << c.model;
+            EXPECT_TRUE(d.WaitFor([&] { return d.Title() == c.caption; }, 3000)) << d.Title();
             EXPECT_EQ(c.group, d.Text(IDC_STEP2_GROUP_ADD));
             EXPECT_EQ(c.ids, d.ComboItems(IDC_STEP2_PROFILE_ID).size());
             EXPECT_EQ(c.ipv6, d.IsEnabled(IDC_STEP2_IPV6));

@@ -13,7 +13,8 @@ namespace {
 
 // What the user-interface thread does to the progress bar during an apply: every position it
 // is set to, and whether "Apply to Switch" was enabled at that moment. A hook on that thread
-// sees it even while the thread is busy sending.
+// sees it even while the thread is busy sending; at the first position it queues a user's
+// impatient click on the button.
 struct ProgressWatch {
     static inline std::mutex mutex;
     static inline std::vector<int> positions;
@@ -22,8 +23,13 @@ struct ProgressWatch {
         const auto* msg = reinterpret_cast<const CWPSTRUCT*>(lParam);
         if (code == HC_ACTION && msg->message == PBM_SETPOS && GetDlgCtrlID(msg->hwnd) == IDC_APPLY_PROGRESS) {
             std::lock_guard<std::mutex> lock(mutex);
+            HWND button = GetDlgItem(GetParent(msg->hwnd), IDC_APPLY_APPLY);
+            if (positions.empty()) {
+                PostMessageA(button, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+                PostMessageA(button, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
+            }
             positions.push_back(static_cast<int>(msg->wParam));
-            buttonEnabled = buttonEnabled || IsWindowEnabled(GetDlgItem(GetParent(msg->hwnd), IDC_APPLY_APPLY));
+            buttonEnabled = buttonEnabled || IsWindowEnabled(button);
         }
         return CallNextHookEx(nullptr, code, wParam, lParam);
     }
@@ -74,6 +80,8 @@ TEST_F(ApplyGui, ResultWordsProgressAndASecondApplyThatSendsOnlyTheClosingReques
                    EXPECT_EQ((std::vector<int>{0, 25, 50, 75, 100}), p) << "one step per switch";
                    EXPECT_FALSE(ProgressWatch::buttonEnabled) << "no second click while the switches are written";
                }
+               d.Settle();
+               EXPECT_EQ(2u, b.sets().size()) << "the click queued during the apply started no second apply";
                EXPECT_TRUE(d.IsEnabled(IDC_APPLY_APPLY));
                EXPECT_FALSE(d.IsVisible(IDC_APPLY_PROGRESS));
                EXPECT_EQ(0, d.RowCount(profiles)) << "the switches hold the profile now";

@@ -44,9 +44,11 @@ inline void CreateProfiles(SimAgent& agent, const std::string& model, AclOwner o
 
 class ProfileFlowGui : public GuiTest {
 protected:
-    // The wizard on "Add profile" with `targets` (address, model) and the ACL kind.
+    // The wizard on "Add profile" (or `nStartPage`) with `targets` (address, model) and the ACL
+    // kind, and what `prepare` sets in the sheet's state, as earlier pages would have.
     void Wizard(const std::vector<std::pair<std::string, std::string>>& targets, long nACLKind,
-                const std::function<void(WizardDriver&)>& script, int nStartPage = acl::pages::kPageAddProfile) {
+                const std::function<void(WizardDriver&)>& script, int nStartPage = acl::pages::kPageAddProfile,
+                const std::function<void(acl::wizard::CACLWizard&)>& prepare = {}) {
         WizardDriver::Run(
             "",
             [&] {
@@ -55,6 +57,7 @@ protected:
                     wizard.m_aTargets[i] = {targets[i].first, "public", "private", targets[i].second};
                 wizard.m_nTargetCount = static_cast<long>(targets.size());
                 wizard.m_nACLKind = nACLKind;
+                if (prepare) prepare(wizard);
                 wizard.SetStartPage(nStartPage);
                 m_wizard = &wizard;
                 wizard.DoModal(nullptr);
