@@ -3,7 +3,9 @@
 // the Confirmation Page, then a rule of each offered type under the profile of that type
 // through "Create Rules", "Add Rules:Select Profile" and the rule page, applied on "Add rule";
 // every cell the writer sent reads back the same from the simulated switch.
+#include <algorithm>
 #include <array>
+#include <functional>
 #include <vector>
 
 #include "record_compare.h"
@@ -28,7 +30,39 @@ std::string CaseName(const ::testing::TestParamInfo<Case>& info) {
     return name + (info.param.nACLKind == 1 ? "_Acl" : "_CpuAcl");
 }
 
-class ProfileMatrixGui : public ProfileFlowGui, public ::testing::WithParamInterface<Case> {};
+class ProfileMatrixGui : public ProfileFlowGui, public ::testing::WithParamInterface<Case> {
+protected:
+    // What the staging files of `kind` hold for `types`, one record each: what the apply sends.
+    static std::array<AclRecordList, 4> Staged(const ModelEntry& model, AclOwner owner, AclKind kind,
+                                               const std::vector<AclType>& types) {
+        std::array<AclRecordList, 4> out{};
+        for (AclType type : types) {
+            const auto file = StagingFileFor(model, owner, kind, type);
+            if (file) out[static_cast<size_t>(type)] = ReadStagingFile(file->name, file->cellCount, file->bufferSize);
+            EXPECT_EQ(1u, out[static_cast<size_t>(type)].size()) << TypeWord(type);
+        }
+        return out;
+    }
+    // "Apply to Switch" and the switch's result word.
+    static std::string ApplyWord(WizardDriver& d, int button, int switchList) {
+        d.ClickButton(button);
+        HWND switches = d.Control(switchList);
+        d.WaitFor([&] { return !d.CellText(switches, 0, 2).empty(); }, 20000);
+        return d.CellText(switches, 0, 2);
+    }
+    // Every cell the writer sent reads back the same from the switch.
+    static void ExpectReadBack(const ModelEntry& model, AclOwner owner, AclKind kind, const std::vector<AclType>& types,
+                               const std::array<AclRecordList, 4>& sent, const std::function<AclReadResult(AclType)>& read) {
+        for (AclType type : types) {
+            const auto layout = TableLayout(model, owner, kind, type);
+            ASSERT_TRUE(layout.has_value());
+            const AclRecordList& rows = read(type).records[static_cast<size_t>(type)];
+            ASSERT_EQ(1u, rows.size()) << TypeWord(type) << " read back";
+            ExpectSameCells(model, *layout, sent[static_cast<size_t>(type)][0], rows[0],
+                            std::string(model.typeText) + " " + TypeWord(type));
+        }
+    }
+};
 
 TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadBack) {
     const Case c = GetParam();
@@ -39,12 +73,8 @@ TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadB
         if (model.offersProfileType(owner, type)) offered.push_back(type);
     ASSERT_FALSE(offered.empty());
 
-    int host = 1;
-    for (const char* m : kModels) {
-        if (std::string(m) == c.model) break;
-        host += 2;
-    }
-    SimAgent agent(host + static_cast<int>(c.nACLKind) - 1, c.model);
+    const auto index = std::find_if(std::begin(kModels), std::end(kModels), [&](const char* m) { return std::string(m) == c.model; });
+    SimAgent agent(1 + 2 * static_cast<int>(index - std::begin(kModels)) + static_cast<int>(c.nACLKind) - 1, c.model);
     ASSERT_TRUE(agent.ok()) << agent.error();
     const bool named = std::string(c.model) == "TVR4512" && c.nACLKind == 1;
     std::array<AclRecordList, 4> sent{};
@@ -79,17 +109,8 @@ TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadB
         }
         HWND profiles = d.Control(IDC_APPLY_PROFILE_LIST);
         ASSERT_EQ(static_cast<int>(offered.size()), d.RowCount(profiles));
-        // What the staging files hold is what the apply sends.
-        for (AclType type : offered) {
-            const auto file = StagingFileFor(model, owner, AclKind::kProfiles, type);
-            ASSERT_TRUE(file.has_value());
-            sent[static_cast<size_t>(type)] = ReadStagingFile(file->name, file->cellCount, file->bufferSize);
-            ASSERT_EQ(1u, sent[static_cast<size_t>(type)].size()) << TypeWord(type);
-        }
-        d.ClickButton(IDC_APPLY_APPLY);
-        HWND switches = d.Control(IDC_APPLY_SWITCH_LIST);
-        ASSERT_TRUE(d.WaitFor([&] { return !d.CellText(switches, 0, 2).empty(); }, 20000));
-        EXPECT_EQ(c.nACLKind == 1 ? "Succeed" : "Success", d.CellText(switches, 0, 2));
+        sent = Staged(model, owner, AclKind::kProfiles, offered);
+        EXPECT_EQ(c.nACLKind == 1 ? "Succeed" : "Success", ApplyWord(d, IDC_APPLY_APPLY, IDC_APPLY_SWITCH_LIST));
         d.Screenshot(std::string("matrix-") + CaseName({GetParam(), 0}) + "-page-10-applied");
 
         // Rules: one of each offered type under the profile of that type just made.
@@ -121,39 +142,16 @@ TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadB
         }
         if (ruleTypes.empty()) return;
         ASSERT_EQ(static_cast<int>(ruleTypes.size()), d.RowCount(d.Control(IDC_RAPPLY_RULE_LIST)));
-        for (AclType type : ruleTypes) {
-            const auto file = StagingFileFor(model, owner, AclKind::kRules, type);
-            ASSERT_TRUE(file.has_value());
-            rules[static_cast<size_t>(type)] = ReadStagingFile(file->name, file->cellCount, file->bufferSize);
-            ASSERT_EQ(1u, rules[static_cast<size_t>(type)].size()) << TypeWord(type);
-        }
-        d.ClickButton(IDC_RAPPLY_APPLY);
-        HWND ruleSwitches = d.Control(IDC_RAPPLY_SWITCH_LIST);
-        ASSERT_TRUE(d.WaitFor([&] { return !d.CellText(ruleSwitches, 0, 2).empty(); }, 20000));
-        EXPECT_EQ("Succeed", d.CellText(ruleSwitches, 0, 2));
+        rules = Staged(model, owner, AclKind::kRules, ruleTypes);
+        EXPECT_EQ("Succeed", ApplyWord(d, IDC_RAPPLY_APPLY, IDC_RAPPLY_SWITCH_LIST));
         EXPECT_EQ(0, d.RowCount(d.Control(IDC_RAPPLY_RULE_LIST)));
         d.Screenshot(std::string("matrix-") + CaseName({GetParam(), 0}) + "-page-16-applied");
     });
 
-    const AclReadResult read = ReadProfiles(AclTarget{agent.address(), "public", "private", c.model}, owner);
-    for (AclType type : offered) {
-        const auto layout = TableLayout(model, owner, AclKind::kProfiles, type);
-        ASSERT_TRUE(layout.has_value());
-        const AclRecordList& rows = read.records[static_cast<size_t>(type)];
-        ASSERT_EQ(1u, rows.size()) << TypeWord(type) << " read back";
-        ExpectSameCells(model, *layout, sent[static_cast<size_t>(type)][0], rows[0],
-                        std::string(c.model) + " " + TypeWord(type));
-    }
     const AclTarget target{agent.address(), "public", "private", c.model};
-    for (AclType type : ruleTypes) {
-        const auto layout = TableLayout(model, owner, AclKind::kRules, type);
-        ASSERT_TRUE(layout.has_value());
-        const AclReadResult read = ReadRules(target, owner, type);
-        const AclRecordList& rows = read.records[static_cast<size_t>(type)];
-        ASSERT_EQ(1u, rows.size()) << TypeWord(type) << " rule read back";
-        ExpectSameCells(model, *layout, rules[static_cast<size_t>(type)][0], rows[0],
-                        std::string(c.model) + " " + TypeWord(type) + " rule");
-    }
+    const AclReadResult profiles = ReadProfiles(target, owner);
+    ExpectReadBack(model, owner, AclKind::kProfiles, offered, sent, [&](AclType) { return profiles; });
+    ExpectReadBack(model, owner, AclKind::kRules, ruleTypes, rules, [&](AclType type) { return ReadRules(target, owner, type); });
 }
 
 std::vector<Case> AllCases() {

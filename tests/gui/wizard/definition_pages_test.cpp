@@ -193,7 +193,7 @@ TEST_F(DefinitionPagesGui, Ipv4PageGroupsEnablingEditsAndWhatSurvivesBackAndNext
 }
 
 // The IPv6 page's masks and the packet page's two layouts: the layout by model and ACL kind,
-// each one's checks on Add, and the form of its staging file.
+// and each one's checks on Add (the staging files of every layout: the profile matrix).
 TEST_F(DefinitionPagesGui, Ipv6MasksAndPacketLayoutsByModelAndAclKind) {
     Wizard({{"127.0.0.1:47098", "TVR4820"}}, 1, [&](WizardDriver& d) {
         ToDefinitionPage(d, AclType::kIPv6, "1");
@@ -208,8 +208,6 @@ TEST_F(DefinitionPagesGui, Ipv6MasksAndPacketLayoutsByModelAndAclKind) {
         EXPECT_EQ((Strings{"Invalid IPv6 Mask! Enter 32 hexadecimal digits (0-9, A-F)."}), messages);
         d.ClickButton(IDC_IPV6_DST_CHECK);
         EXPECT_EQ("3", Add(d, AclType::kIPv6)[3]) << "source only";
-        d.Next();
-        EXPECT_EQ(3, m_wizard->m_nProfileType);
     });
     const struct {
         const char* model;
@@ -244,12 +242,6 @@ TEST_F(DefinitionPagesGui, Ipv6MasksAndPacketLayoutsByModelAndAclKind) {
             EXPECT_FALSE(Add(d, AclType::kPacketContent, &messages).empty());
             EXPECT_TRUE(messages.empty());
             d.Screenshot(std::string("page-09-packet-") + l.model + (l.kind == 1 ? "" : "-cpu"));
-            d.Next();
-            EXPECT_EQ(5, m_wizard->m_nProfileType);
-            const auto file = StagingFileFor(*LookupModel(l.model), l.kind == 1 ? AclOwner::kAcl : AclOwner::kCpu,
-                                             AclKind::kProfiles, AclType::kPacketContent);
-            ASSERT_TRUE(file.has_value());
-            EXPECT_EQ(1u, ReadStagingFile(file->name, file->cellCount, file->bufferSize).size());
         });
     }
 }

@@ -6,13 +6,11 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "Sentrel.h"
 #include "orblane.h"
 #include "res/resource.h"
 #include "tests/win/shell/shell_test_env.h"
-#include "tests/win/support/message_box_catcher.h"
+#include "host/wizard_driver/wizard_driver.h"
 
 using namespace sentrel_test;
 
@@ -241,42 +239,6 @@ TEST_F(ComObjects, HostPlugInDispatchComesFromTheHostTypeLibraryAndFailsWithoutI
     plugIn->Release();
 }
 
-// What page 0 shows of the host's inventory, read from a second thread as a person reads the
-// screen, after which the wizard is cancelled. (Its captions and buttons: the GUI flows.)
-struct FirstPage {
-    std::string selectedNode = "<none>";
-    int rows = -1;
-    bool seen = false;
-
-    // A CALLBACK function, not a lambda: the i686 build needs the stdcall convention.
-    static BOOL CALLBACK Look(HWND hwnd, LPARAM lParam) {
-        auto* self = reinterpret_cast<FirstPage*>(lParam);
-        HWND page = reinterpret_cast<HWND>(SendMessageA(hwnd, PSM_GETCURRENTPAGEHWND, 0, 0));
-        if (!IsWindowVisible(hwnd) || !page) return TRUE;
-        HWND tree = GetDlgItem(page, IDC_STEP0_TREE);
-        if (HTREEITEM sel = TreeView_GetSelection(tree)) {
-            char text[256] = {};
-            TVITEMA item{};
-            item.mask = TVIF_TEXT;
-            item.hItem = sel;
-            item.pszText = text;
-            item.cchTextMax = sizeof text;
-            SendMessageA(tree, TVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item));
-            self->selectedNode = text;
-        }
-        self->rows = ListView_GetItemCount(GetDlgItem(page, IDC_STEP0_LIST));
-        self->seen = true;
-        PostMessageA(hwnd, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
-        return FALSE;
-    }
-    void Watch(DWORD uiThread) {
-        for (int i = 0; i < 400 && !seen; ++i) {  // at most 20 s
-            EnumThreadWindows(uiThread, &Look, reinterpret_cast<LPARAM>(this));
-            Sleep(50);
-        }
-    }
-};
-
 // The host reports the opened submap by name through IDispatch, then picks "&ACL Manager...":
 // page 0 of the wizard, shown modally, has that submap selected and lists its devices; with
 // none open (-1) it lists nothing. The root's ID is 0, the value before any report, so a
@@ -319,18 +281,19 @@ TEST_F(ComObjects, OpenedSubmapReachesTheWizardThatExecuteShowsModally) {
 
         IHostPlugIn* plugIn = nullptr;
         ASSERT_EQ(S_OK, cfg->QueryInterface(IID_IHostPlugIn, reinterpret_cast<void**>(&plugIn)));
-        FirstPage page;
-        MessageBoxCatcher boxes;
-        std::thread watcher([&page, ui = GetCurrentThreadId()] { page.Watch(ui); });
-        hr = plugIn->Execute(0);  // returns only once the wizard has closed
-        watcher.join();
-        EXPECT_EQ(E_NOTIMPL, hr);
-        ASSERT_TRUE(page.seen) << c.submap;
-        if (c.selected) {
-            EXPECT_EQ(c.selected, page.selectedNode);
-        }
-        EXPECT_EQ(c.rows, page.rows) << c.submap;
-        EXPECT_TRUE(boxes.Caught().empty());
+        // Page 0 as a person reads it; the driver cancels the wizard after its script.
+        bool seen = false;
+        sentrel_gui::WizardDriver::Run("", [&] { hr = plugIn->Execute(0); }, [&](sentrel_gui::WizardDriver& d) {
+            seen = true;
+            HWND tree = d.Control(IDC_STEP0_TREE);
+            if (c.selected) {
+                EXPECT_EQ(d.FindTreeItem(tree, c.selected), d.SelectedTreeItem(tree)) << c.submap;
+            }
+            EXPECT_EQ(c.rows, d.RowCount(d.Control(IDC_STEP0_LIST))) << c.submap;
+            EXPECT_TRUE(d.TakeMessages().empty());
+        });
+        EXPECT_TRUE(seen) << c.submap;
+        EXPECT_EQ(E_NOTIMPL, hr) << "Execute returns once the wizard has closed";
         plugIn->Release();
         cfg->Release();
     }
