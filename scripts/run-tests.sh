@@ -81,10 +81,11 @@ if build win64; then
   build/win64/wine-run --prefix-only
   export WINEPREFIX=$root/build/win64/wineprefix
   wineserver -p 2>/dev/null || true   # one server for the whole run, not one per test
-  # Side by side: the GUI tests, one after the other in their own prefix, beside the other
-  # Windows tests; tests that change the same registration take turns (ctest resource locks).
+  # Each GUI program has a prefix and a display of its own, and tests that change the same
+  # registration take turns (ctest resource locks). The GUI programs mostly wait for windows
+  # and simulated switches, not for the processor: twice as many run as there are cores.
   xvfb_log=$(mktemp)
-  xvfb-run -a -s "-screen 0 1280x1024x24" bash -c "$(declare -f run_ctest); total_pass=0; total_fail=0; failed_steps=(); run_ctest win64 --test-dir build/win64 --output-on-failure -j$jobs; echo \"\$total_pass \$total_fail \${#failed_steps[@]}\" > '$xvfb_log'"
+  xvfb-run -a -s "-screen 0 1280x1024x24" bash -c "$(declare -f run_ctest); total_pass=0; total_fail=0; failed_steps=(); run_ctest win64 --test-dir build/win64 --output-on-failure -j$((jobs * 2)); echo \"\$total_pass \$total_fail \${#failed_steps[@]}\" > '$xvfb_log'"
   read -r p f s < "$xvfb_log" || { p=0; f=1; s=1; }
   total_pass=$((total_pass + p)); total_fail=$((total_fail + f))
   [ "${s:-1}" = 0 ] || failed_steps+=("win64 tests")

@@ -56,7 +56,7 @@ protected:
         for (AclType type : types) {
             const auto layout = TableLayout(model, owner, kind, type);
             ASSERT_TRUE(layout.has_value());
-            const AclRecordList& rows = read(type).records[static_cast<size_t>(type)];
+            const AclRecordList rows = read(type).records[static_cast<size_t>(type)];
             ASSERT_EQ(1u, rows.size()) << TypeWord(type) << " read back";
             ExpectSameCells(model, *layout, sent[static_cast<size_t>(type)][0], rows[0],
                             std::string(model.typeText) + " " + TypeWord(type));
