@@ -13,12 +13,14 @@ CACLRuleApply::CACLRuleApply()
                  {IDC_RAPPLY_SWITCH_LIST, IDC_RAPPLY_RULE_LIST, IDC_RAPPLY_DETAILS, IDC_RAPPLY_PROGRESS,
                   IDC_RAPPLY_APPLY, IDC_RAPPLY_NEXT_DEVICE}) {}
 
+// The four columns fit the list without scrolling; the details show a field's name whole and
+// the start of its value.
 void CACLRuleApply::SetUpLists() {
-    m_pendingList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 60);
+    m_pendingList.InsertColumn(0, ui::LoadResString(IDS_STEP2_COL_PROFILE_ID), 56);
     m_pendingList.InsertColumn(1, ui::LoadResString(IDS_RCOL_ACCESS_ID), 60);
-    m_pendingList.InsertColumn(2, ui::LoadResString(IDS_RCOL_TYPE), 90);
-    m_pendingList.InsertColumn(3, ui::LoadResString(IDS_RCOL_ACTION), 60);
-    m_details.InsertColumn(0, ui::LoadResString(IDS_RULE_DETAILS_HEADER), 100);
+    m_pendingList.InsertColumn(2, ui::LoadResString(IDS_RCOL_TYPE), 88);
+    m_pendingList.InsertColumn(3, ui::LoadResString(IDS_RCOL_ACTION), 46);
+    m_details.InsertColumn(0, ui::LoadResString(IDS_RULE_DETAILS_HEADER), 96);
     m_details.InsertColumn(1, ui::LoadResString(IDS_COL_BLANK), 110);
 }
 
