@@ -147,6 +147,7 @@ struct Common {
   std::vector<std::string> limit;
   unsigned long timeoutMs = kSnmpTimeoutMs;
   int parallel = 10;
+  int retries = 0;
   std::string auditLog;
 };
 
@@ -196,7 +197,9 @@ struct Session {
 
   void ReadOne(SwitchPlan& plan, std::array<bool, 2> owners) {
     const auto start = std::chrono::steady_clock::now();
-    plan.before = ReadSwitch(*plan.sw, owners, c.timeoutMs);
+    // Reading twice does no harm: a lost answer is simply asked again.
+    for (int attempt = 0; attempt <= c.retries && !plan.before.reached; ++attempt)
+      plan.before = ReadSwitch(*plan.sw, owners, c.timeoutMs);
     plan.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     // SNMPv1 agents drop a request with a wrong community without a word.
     if (!plan.before.reached)
@@ -278,6 +281,7 @@ struct Session {
       Progress progress(err, plans, terminal, !json);
       RunOptions options;
       options.timeoutMs = c.timeoutMs;
+      options.retries = c.retries;
       options.progress = [&](size_t i, const std::string& s) { progress.Update(i, s); };
       options.stop = &InterruptGuard::Requested;
       ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
@@ -484,6 +488,10 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
       ->allow_extra_args(false);
   app.add_option("-t,--timeout", s.c.timeoutMs, "Wait this many ms for each answer")->check(CLI::Range(100, 60000));
   app.add_option("-p,--parallel", s.c.parallel, "Work on up to N switches at a time")->check(CLI::Range(1, 256));
+  app.add_option("-r,--retries", s.c.retries,
+                 "Ask a switch again when an answer is lost, up to N times: reads simply again; a record\n"
+                 "only after reading that its row is still absent (one that landed counts as sent)")
+      ->check(CLI::Range(0, 10));
   app.footer(std::string("\n") + kExitText +
              "\nExamples:\n"
              "  export SENTREL_INVENTORY=site.json ACL_READ=... ACL_WRITE=...\n"

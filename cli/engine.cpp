@@ -344,6 +344,49 @@ void Verify(SwitchPlan& plan, const SwitchHoldings& expected) {
   }
 }
 
+// --retries: a record whose answer was lost may have landed. A record SET is safe to repeat
+// only while its row is absent (a second createAndGo onto a row that exists is refused, or
+// would change what someone else put there), so the switch is read first: a record that
+// landed as planned counts as sent, an absent one goes out again, a different one is left
+// alone and reported. Only when every fault of the kind was a lost answer: the closing
+// request follows the wizard's rule and goes only when every record of the kind landed.
+void RetryLost(SwitchPlan& plan, size_t o, AclKind kind, const RunOptions& options, const std::function<bool()>& stopped,
+               const std::function<void(const std::vector<PlanItem*>&)>& sendAgain) {
+  const SwitchEntry& sw = *plan.sw;
+  for (int attempt = 0; attempt < options.retries && !stopped(); ++attempt) {
+    std::vector<PlanItem*> lost;
+    bool refused = false;
+    for (PlanItem& i : plan.items) {
+      if (OwnerIndex(i.owner) != o || i.kind != kind || !Creates(i.change) || i.failure.empty() || i.skipped) continue;
+      if (i.lost) lost.push_back(&i);
+      else refused = true;
+    }
+    if (lost.empty() || refused) return;
+    std::array<bool, 2> owners{};
+    owners[o] = true;
+    const SwitchHoldings now = ReadSwitch(sw, owners, options.timeoutMs);
+    if (!now.reached) continue;
+    std::vector<PlanItem*> again;
+    for (PlanItem* i : lost) {
+      const auto found = Find(now.acls[o], kind, i->wanted);
+      const auto table = TableOf(sw, *i);
+      if (!found) {
+        again.push_back(i);
+      } else if (found->type == i->type && table && DiffRecordCells(*sw.model, *table, i->wanted, *found->record).empty()) {
+        i->done = true;
+        i->lost = false;
+        i->failure.clear();
+      } else {
+        i->lost = false;
+        i->failure += "; a different record holds its row now: not sent again";
+      }
+    }
+    if (std::any_of(lost.begin(), lost.end(), [](const PlanItem* i) { return !i->done && !i->lost; })) return;
+    for (PlanItem* i : again) i->failure.clear();
+    sendAgain(again);
+  }
+}
+
 }  // namespace
 
 void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
@@ -377,35 +420,45 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
   // Then, per ACL kind, the profiles and the rules through the wizard's apply: one SET per
   // record in the order Ethernet, IPv4, IPv6, packet content, and the closing request.
   std::set<std::pair<AclOwner, AclKind>> closed;
+  auto send = [&](size_t o, AclKind kind, const std::vector<PlanItem*>& items) {
+    std::array<AclRecordList, 4> lists;
+    std::array<std::vector<PlanItem*>, 4> owners;
+    for (PlanItem* i : items) {
+      lists[static_cast<size_t>(i->type)].push_back(i->wanted);
+      owners[static_cast<size_t>(i->type)].push_back(i);
+    }
+    AclApplyCallbacks cb;
+    cb.stop = stopped;
+    cb.recordSent = [&](size_t, AclType type, size_t r, bool ok) {
+      PlanItem& i = *owners[static_cast<size_t>(type)][r];
+      i.done = ok;
+      i.lost = !ok && !outcomes.empty() && !outcomes.back().result.responded;
+      if (!ok) i.failure = outcomes.empty() ? "create: not sent" : "create: " + Describe(outcomes.back());
+      tick();
+    };
+    const size_t before = outcomes.size();
+    (kind == AclKind::kProfiles ? ApplyProfiles : ApplyRules)({sw.target}, OwnerAt(o), lists, cb, options.timeoutMs);
+    for (size_t k = before; k < outcomes.size(); ++k)
+      if (outcomes[k].op == AclWriteOp::kClose) {
+        if (!Ok(outcomes[k])) plan.failure = "closing request: " + Describe(outcomes[k]);
+        else closed.insert({OwnerAt(o), kind});
+      }
+  };
   for (size_t o = 0; o < 2; ++o)
     for (AclKind kind : {AclKind::kProfiles, AclKind::kRules}) {
       if (kind == AclKind::kRules) SkipRulesOfFailedProfiles(plan, OwnerAt(o));
-      std::array<AclRecordList, 4> lists;
-      std::array<std::vector<PlanItem*>, 4> owners;
+      std::vector<PlanItem*> items;
       for (PlanItem& i : plan.items)
-        if (OwnerIndex(i.owner) == o && i.kind == kind && Creates(i.change) && i.failure.empty()) {
-          lists[static_cast<size_t>(i.type)].push_back(i.wanted);
-          owners[static_cast<size_t>(i.type)].push_back(&i);
-        }
-      size_t n = 0;
-      for (const auto& l : lists) n += l.size();
-      if (n == 0 || stopped()) continue;
-      AclApplyCallbacks cb;
-      cb.stop = stopped;
-      cb.recordSent = [&](size_t, AclType type, size_t r, bool ok) {
-        PlanItem& i = *owners[static_cast<size_t>(type)][r];
-        i.done = ok;
-        if (!ok && !outcomes.empty()) i.failure = "create: " + Describe(outcomes.back());
-        if (!ok && outcomes.empty()) i.failure = "create: not sent";
-        tick();
-      };
-      const size_t before = outcomes.size();
-      (kind == AclKind::kProfiles ? ApplyProfiles : ApplyRules)({sw.target}, OwnerAt(o), lists, cb, options.timeoutMs);
-      for (size_t k = before; k < outcomes.size(); ++k)
-        if (outcomes[k].op == AclWriteOp::kClose) {
-          if (!Ok(outcomes[k])) plan.failure = "closing request: " + Describe(outcomes[k]);
-          else closed.insert({OwnerAt(o), kind});
-        }
+        if (OwnerIndex(i.owner) == o && i.kind == kind && Creates(i.change) && i.failure.empty()) items.push_back(&i);
+      if (items.empty() || stopped()) continue;
+      send(o, kind, items);
+      RetryLost(plan, o, kind, options, stopped, [&](const std::vector<PlanItem*>& again) {
+        if (!again.empty()) return send(o, kind, again);
+        // Every lost answer's record had landed: the closing request the first round held back.
+        const SnmpSetResult r = SendClosingRequest(sw.target, OwnerAt(o), kind, options.timeoutMs);
+        if (r.responded && r.errorStatus == 0) closed.insert({OwnerAt(o), kind});
+        else plan.failure = "closing request: " + OutcomeWord(r);
+      });
     }
   // A closing request an earlier apply owes (it stopped after its records landed) goes out
   // once this apply has done its part without a fault.

@@ -34,6 +34,7 @@ struct PlanItem {
   bool done = false;
   bool verified = false;
   bool skipped = false;   // not sent: what it depends on failed, or the run was interrupted
+  bool lost = false;      // sent, but its answer never came (it may have landed)
   std::string failure;    // the switch's answer when it refused, or why it was skipped
 };
 
@@ -61,6 +62,7 @@ SwitchHoldings PlannedHoldings(const SwitchPlan& plan);
 struct RunOptions {
   unsigned long timeoutMs = kSnmpTimeoutMs;
   int parallel = 10;
+  int retries = 0;        // rounds for records whose answer was lost: read, then re-sent if absent
   // Asked before each request that starts something new: true stops the apply, which
   // finishes the request in flight and the closing request of what already landed.
   std::function<bool()> stop;
