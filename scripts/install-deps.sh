@@ -11,6 +11,7 @@ packages=(
   snmp snmpd                                   # net-snmp: the outside referee
   clang libclang-rt-14-dev                     # libFuzzer and sanitizers
   iproute2 util-linux ccache
+  python3-jsonschema                           # sentrel-acl: its JSON output checked against its schemas
 )
 missing=()
 for p in "${packages[@]}"; do
