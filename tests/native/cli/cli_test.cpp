@@ -540,6 +540,34 @@ TEST_F(CliTest, CtrlCFinishesTheRequestInFlightClosesWhatLandedAndExits130) {
 }
 #endif
 
+TEST_F(CliTest, EachSwitchGetsTheMostSpecificCommunities) {
+  // name, groups, the read community its switch answers to: its own, its first group's, the default.
+  const std::vector<std::tuple<std::string, std::vector<std::string>, std::string>> fleet{
+      {"sw-own", {"edge"}, "rd-own"}, {"sw-group", {"edge"}, "rd-edge"}, {"sw-first", {"core", "edge"}, "rd-core"},
+      {"sw-default", {}, "rd-default"}};
+  Json inv{{"communities", {{"secrets", "layered.json"}}}, {"switches", Json::object()}};
+  Json secrets = Json::object();
+  for (const auto& [name, groups, read] : fleet) {
+    agents_.push_back(std::make_unique<SimAgent>(static_cast<int>(agents_.size()) + 2, "TVR4820", sim::Faults{}, read, "w-" + read));
+    ASSERT_TRUE(agents_.back()->ok()) << agents_.back()->error();
+    inv["switches"][name] = {{"address", agents_.back()->address()}, {"model", "TVR4820"}, {"groups", groups}};
+  }
+  for (const char* key : {"sw-own", "edge", "core", "default"}) {
+    const std::string read = std::string("rd-") + (std::string_view(key) == "sw-own" ? "own" : key);
+    secrets[key] = {{"read", read}, {"write", "w-" + read}};
+  }
+  Write("layered.json", secrets.dump());
+  Write("inventory.json", inv.dump());
+  Result shown = Run({"show"});
+  EXPECT_EQ(shown.status, kExitOk) << shown.out << shown.err;
+  EXPECT_EQ(shown.out.find("no answer"), std::string::npos) << shown.out;
+  // And the write community of the same entry: an apply lands on every switch.
+  Json state{{"switches", Json::object()}};
+  for (const auto& entry : fleet) state["switches"][std::get<0>(entry)] = Json::parse(R"({"acl": [{"id": 2, "type": "ethernet", "vlan": true}]})");
+  EXPECT_EQ(Run({"apply", Write("state.json", state.dump())}).status, kExitOk);
+  for (auto& a : agents_) EXPECT_EQ(a->sets().size(), 2u) << a->address();
+}
+
 TEST_F(CliTest, OneSwitchWithoutInventoryPlansOfflineAndAppliesAsOneJsonDocument) {
   Fleet({{"unused", "TVR4820", {}}});
   const std::string state = R"({"switches": {"edge": {"acl": [{"id": 10, "type": "ipv4", "dst_ip_mask": "255.255.255.0",
