@@ -5,8 +5,10 @@
 #     `apply --parallel 10` against `--parallel 1`, and the parallel run against its slowest
 #     switch (read, write, read back);
 #  2. the same 200 records on 10 switches without delay: sentrel-acl against a shell loop of
-#     net-snmp `snmpset`, one call per record (and per closing request), as engineers script it.
-# Usage: scripts/bench-apply.sh
+#     net-snmp `snmpset`, one call per record (and per closing request), as engineers script it;
+#  3. 1,000 switches x 10 records: the apply with its progress on a terminal (a tmux pane)
+#     against the same apply into a pipe.
+# Usage: scripts/bench-apply.sh [terminal]   (terminal: part 3 only)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 if [ "${SENTREL_BENCH_NETNS:-}" != 1 ]; then
@@ -70,6 +72,8 @@ apply_run() {  # $1: --parallel value; prints wall seconds, keeps the recap in $
 }
 slowest() { grep -Eo '[0-9.]+s$' "$work/recap.txt" | tr -d s | sort -g | tail -1; }
 
+part3_only=0; [ "${1:-}" = terminal ] && part3_only=1
+if [ "$part3_only" = 0 ]; then
 echo "== 1. distant site: 10 switches, 20 ms answer delay, 3 silent, 20 records each"
 start_sim "delay=20" "silent"
 p10=$(apply_run 10); slow10=$(slowest)
@@ -108,3 +112,46 @@ stop_sim
 printf '  sentrel-acl apply (%s records, read, write, read back): %.2f s\n' "$records" "$t_acl"
 printf '  snmpset loop (%s calls, write only):                      %.2f s\n' "$(wc -l < "$work/loop.sh")" "$t_loop"
 printf '  sentrel-acl is %.1fx faster\n' "$(calc "$t_loop / $t_acl")"
+fi
+
+echo "== 3. 1,000 switches x 10 records: progress on a terminal (tmux) against into a pipe"
+{
+  echo '{"communities": {"read_env": "BENCH_READ", "write_env": "BENCH_WRITE"}, "switches": {'
+  for i in $(seq 0 999); do
+    echo "  \"big$i\": {\"address\": \"127.1.$((i / 250)).$((i % 250 + 1))\", \"model\": \"TVR4820\", \"groups\": [\"all\"]}$([ "$i" -lt 999 ] && echo ,)"
+  done
+  echo '}}'
+} > "$work/big-inventory.json"
+{
+  echo '{"groups": {"all": {"acl": [{"id": 3, "type": "ethernet", "vlan": true, "rules": ['
+  for a in $(seq 1 9); do
+    echo "  {\"access_id\": $a, \"vlan\": \"v$a\", \"action\": \"permit\", \"ports\": \"$a\"}$([ "$a" -lt 9 ] && echo ,)"
+  done
+  echo ']}]}}}'
+} > "$work/big-state.json"
+start_big() {
+  for i in $(seq 0 999); do echo "127.1.$((i / 250)).$((i % 250 + 1)) TVR4820 public private"; done > "$work/big-fleet.txt"
+  "$sim" --quiet --fleet "$work/big-fleet.txt" > "$work/sim.log" 2>&1 &
+  sim_pid=$!
+  for _ in $(seq 200); do grep -q ready "$work/sim.log" && return; sleep 0.05; done
+  echo "bench-apply: the simulator did not start" >&2; cat "$work/sim.log" >&2; exit 1
+}
+big_apply="$acl -i $work/big-inventory.json apply --audit-log $work/big-audit.jsonl $work/big-state.json"
+# Into a pipe: the recap and the plain progress lines go through cat.
+start_big
+t0=$(now); $big_apply 2>&1 | cat > "$work/big-pipe.txt"; t1=$(now)
+t_pipe=$(calc "$t1 - $t0")
+grep -E '^Total' "$work/big-pipe.txt"
+stop_sim
+# On a terminal: stderr (the progress) is a tmux pane of 160x48; the recap goes to a file.
+start_big
+tmux -L sentrel-bench-$$ new-session -d -x 160 -y 48 \
+  "t0=\$(date +%s.%N); $big_apply > $work/big-term.txt; t1=\$(date +%s.%N); echo \"\$t0 \$t1\" > $work/big-term.time"
+for _ in $(seq 1200); do [ -s "$work/big-term.time" ] && break; sleep 0.1; done
+tmux -L sentrel-bench-$$ kill-server 2>/dev/null || true
+read -r t0 t1 < "$work/big-term.time"
+t_term=$(calc "$t1 - $t0")
+grep -E '^Total' "$work/big-term.txt"
+stop_sim
+printf '  into a pipe:   %.2f s\n' "$t_pipe"
+printf '  on a terminal: %.2f s (%.2fx the pipe; aim at most 1.5x)\n' "$t_term" "$(calc "$t_term / $t_pipe")"
