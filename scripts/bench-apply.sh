@@ -8,7 +8,7 @@
 #     net-snmp `snmpset`, one call per record (and per closing request), as engineers script it;
 #  3. 1,000 switches x 10 records: the apply with its progress on a terminal (a tmux pane)
 #     against the same apply into a pipe.
-# Usage: scripts/bench-apply.sh [terminal]   (terminal: part 3 only)
+# Usage: scripts/bench-apply.sh [terminal]   (terminal: only the run of 1,000 switches)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 if [ "${SENTREL_BENCH_NETNS:-}" != 1 ]; then
@@ -72,8 +72,8 @@ apply_run() {  # $1: --parallel value; prints wall seconds, keeps the recap in $
 }
 slowest() { grep -Eo '[0-9.]+s$' "$work/recap.txt" | tr -d s | sort -g | tail -1; }
 
-part3_only=0; [ "${1:-}" = terminal ] && part3_only=1
-if [ "$part3_only" = 0 ]; then
+terminal_only=0; [ "${1:-}" = terminal ] && terminal_only=1
+if [ "$terminal_only" = 0 ]; then
 echo "== 1. distant site: 10 switches, 20 ms answer delay, 3 silent, 20 records each"
 start_sim "delay=20" "silent"
 p10=$(apply_run 10); slow10=$(slowest)
