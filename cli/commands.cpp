@@ -19,11 +19,13 @@ namespace {
 
 constexpr const char* kExitText =
     "Exit status:\n"
-    "  0  done and every change verified by reading it back, or nothing to do\n"
-    "  1  bad arguments, an inventory or state file that cannot be read or is invalid\n"
-    "     (nothing is sent), or a deletion not confirmed\n"
-    "  2  a switch did not answer, refused a request, or did not read back as written\n"
-    "  3  plan --detailed-exitcode only: changes pending\n";
+    "    0  done and every change verified by reading it back, or nothing to do\n"
+    "    1  bad arguments, an inventory or state file that cannot be read or is invalid\n"
+    "       (nothing is sent), or a deletion not confirmed\n"
+    "    2  a switch did not answer, refused a request, or did not read back as written\n"
+    "    3  plan --detailed-exitcode only: changes pending\n"
+    "  130  apply or delete stopped by Ctrl-C or SIGTERM: no new record was sent, what landed\n"
+    "       got its closing request, the recap says what was done (a second Ctrl-C ends at once)\n";
 
 const char* OwnerKey(AclOwner o) { return o == AclOwner::kCpu ? "cpu_acl" : "acl"; }
 
