@@ -19,6 +19,7 @@ HOST_VARIABLES = (
     ("name", ("inventory_hostname",)),
     ("read_community", ("sentrel_read_community",)),
     ("write_community", ("sentrel_write_community",)),
+    ("timeout", ("sentrel_timeout",)),
     ("sentrel_acl_path", ("sentrel_acl_path",)),
 )
 

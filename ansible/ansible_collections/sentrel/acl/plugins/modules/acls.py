@@ -256,7 +256,9 @@ options:
     description: The write community. Defaults to C(sentrel_write_community).
     type: str
   timeout:
-    description: How long to wait for each answer, in milliseconds (the engine's default otherwise).
+    description:
+      - How long to wait for each answer, in milliseconds. Defaults to C(sentrel_timeout), else
+        the engine's default.
     type: int
   sentrel_acl_path:
     description: The engine. Defaults to C(sentrel_acl_path), else C(sentrel-acl) on the PATH.
