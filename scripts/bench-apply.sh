@@ -6,6 +6,8 @@
 #     switch (read, write, read back);
 #  2. the same 200 records on 10 switches without delay: sentrel-acl against a shell loop of
 #     net-snmp `snmpset`, one call per record (and per closing request), as engineers script it.
+#  3. 200 switches x 10 records: the sentrel.acl collection through ansible-playbook (forks 50)
+#     against `sentrel-acl apply --parallel 50`, the same fleet and state.
 # Usage: scripts/bench-apply.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -108,3 +110,71 @@ stop_sim
 printf '  sentrel-acl apply (%s records, read, write, read back): %.2f s\n' "$records" "$t_acl"
 printf '  snmpset loop (%s calls, write only):                      %.2f s\n' "$(wc -l < "$work/loop.sh")" "$t_loop"
 printf '  sentrel-acl is %.1fx faster\n' "$(calc "$t_loop / $t_acl")"
+
+
+# 3. The sentrel.acl collection: Ansible forks one module run per switch, each running the
+# engine for its switch, against one engine run over the whole fleet.
+bench_ansible() {
+  local n=200 dir="$work/ansible" i a
+  mkdir -p "$dir"
+  {
+    echo '{"communities": {"read_env": "BENCH_READ", "write_env": "BENCH_WRITE"}, "switches": {'
+    for i in $(seq 1 $n); do
+      echo "  \"sw$i\": {\"address\": \"127.0.9.$i\", \"model\": \"TVR4820\", \"groups\": [\"site\"]}$([ "$i" -lt $n ] && echo ,)"
+    done
+    echo '}}'
+  } > "$dir/inventory.json"
+  # One profile with 9 rules: 10 records a switch.
+  local profile='{"id": 1, "type": "ethernet", "vlan": true, "src_mac_mask": "FFFFFFFFFFFF", "rules": ['
+  for a in $(seq 1 9); do
+    profile+="{\"access_id\": $a, \"src_mac\": \"00A0C9000$((100 + a))\", \"vlan\": \"v$a\", \"action\": \"permit\", \"ports\": \"1-$((a + 2))\"}$([ "$a" -lt 9 ] && echo ,)"
+  done
+  profile+=']}'
+  echo "{\"groups\": {\"site\": {\"acl\": [$profile]}}}" > "$dir/state.json"
+  python3 - "$dir" "$n" "$profile" "$PWD/$acl" <<'PY'
+import json, sys
+folder, n, profile, engine = sys.argv[1], int(sys.argv[2]), json.loads(sys.argv[3]), sys.argv[4]
+hosts = {"sw%d" % i: {"ansible_host": "127.0.9.%d" % i} for i in range(1, n + 1)}
+json.dump({"all": {"hosts": hosts, "vars": {
+    "ansible_connection": "local", "ansible_python_interpreter": "{{ ansible_playbook_python }}",
+    "sentrel_model": "TVR4820", "sentrel_acl_path": engine, "acls": {"acl": [profile]},
+    "sentrel_read_community": "public", "sentrel_write_community": "private"}}},
+    open(folder + "/inventory.yml", "w"))
+PY
+  cat > "$dir/play.yml" <<'YML'
+- hosts: all
+  gather_facts: false
+  tasks:
+    - sentrel.acl.acls:
+        config: "{{ acls }}"
+YML
+  start_fleet() {
+    for i in $(seq 1 $n); do echo "127.0.9.$i TVR4820 public private"; done > "$dir/fleet.txt"
+    "$sim" --quiet --fleet "$dir/fleet.txt" > "$dir/sim.log" 2>&1 &
+    sim_pid=$!
+    for _ in $(seq 100); do grep -q ready "$dir/sim.log" && return; sleep 0.05; done
+    echo "bench-apply: the simulator did not start" >&2; cat "$dir/sim.log" >&2; exit 1
+  }
+  local t0 t1 t_ansible t_acl
+  start_fleet
+  t0=$(now)
+  ANSIBLE_COLLECTIONS_PATH="$PWD/ansible" ANSIBLE_PIPELINING=True ANSIBLE_FORKS=50 ANSIBLE_HOME="$dir/home" \
+    ANSIBLE_LOCAL_TEMP="$dir/tmp" ANSIBLE_NOCOLOR=1 \
+    ansible-playbook -i "$dir/inventory.yml" "$dir/play.yml" > "$dir/ansible.txt" 2>&1 || true
+  t1=$(now); t_ansible=$(calc "$t1 - $t0")
+  grep -A1 'PLAY RECAP' "$dir/ansible.txt" | tail -1
+  echo "  hosts changed: $(grep -cE ' changed=1 .* failed=0 ' "$dir/ansible.txt") of $n"
+  stop_sim; start_fleet
+  t0=$(now)
+  "$acl" -i "$dir/inventory.json" apply --parallel 50 --audit-log "$dir/audit.jsonl" "$dir/state.json" \
+    > "$dir/recap.txt" 2>/dev/null || true
+  t1=$(now); t_acl=$(calc "$t1 - $t0")
+  grep -E '^Total' "$dir/recap.txt"
+  stop_sim
+  printf '  ansible-playbook, forks 50 (%d switches x 10 records): %.2f s (%.1f ms a switch)\n' \
+    "$n" "$t_ansible" "$(calc "$t_ansible * 1000 / $n")"
+  printf '  sentrel-acl apply --parallel 50, the same:               %.2f s (ansible-playbook %.1fx of it)\n' \
+    "$t_acl" "$(calc "$t_ansible / $t_acl")"
+}
+echo "== 3. 200 switches x 10 records: ansible-playbook (forks 50) against sentrel-acl apply --parallel 50"
+bench_ansible

@@ -11,6 +11,7 @@ packages=(
   snmp snmpd                                   # net-snmp: the outside referee
   clang libclang-rt-14-dev                     # libFuzzer and sanitizers
   iproute2 util-linux ccache
+  ansible-core python3-pytest                   # the sentrel.acl collection and its tests
 )
 missing=()
 for p in "${packages[@]}"; do
