@@ -1,5 +1,5 @@
 # -*- coding: utf-8 -*-
-"""The argument spec of sentrel.acl.acls.
+"""The argument_spec of sentrel.acl.acls.
 
 `config` has the shape of one switch in the engine's desired-state format: the ordinary ACL and
 the CPU ACL, each a list of profiles with their rules, under the field names the engine reads.

@@ -28,15 +28,15 @@ def documented_options():
     raise AssertionError("no DOCUMENTATION")
 
 
-def differences(spec, doc, path="$"):
-    """Where the argument spec and the documentation disagree (names, types, choices, defaults)."""
+def differences(opts, doc, path="$"):
+    """Where the argument_spec and the documentation disagree (names, types, choices, defaults)."""
     out = []
-    for name in sorted(set(spec) | set(doc)):
+    for name in sorted(set(opts) | set(doc)):
         where = "%s.%s" % (path, name)
-        if name not in spec or name not in doc:
-            out.append("%s only in %s" % (where, "the argspec" if name in spec else "the documentation"))
+        if name not in opts or name not in doc:
+            out.append("%s only in %s" % (where, "the argspec" if name in opts else "the documentation"))
             continue
-        s, d = spec[name], doc[name]
+        s, d = opts[name], doc[name]
         for key in ("type", "elements", "choices", "required", "default", "no_log"):
             if s.get(key) not in (d.get(key), None) or (key in d and s.get(key) != d.get(key)):
                 if key == "no_log":
@@ -103,25 +103,25 @@ ARGSPEC_TYPES = {"int": {"integer"}, "str": {"string"}, "bool": {"boolean"}, "li
                  "dict": {"object"}, "raw": {"integer", "string"}}
 
 
-def schema_differences(spec, props, schema, path):
+def schema_differences(opts, props, schema, path):
     out = []
-    for name in sorted(set(spec) | set(props)):
+    for name in sorted(set(opts) | set(props)):
         where = "%s.%s" % (path, name)
-        if name not in spec or name not in props:
-            out.append("%s only in %s" % (where, "the argspec" if name in spec else "the schema"))
+        if name not in opts or name not in props:
+            out.append("%s only in %s" % (where, "the argspec" if name in opts else "the schema"))
             continue
         allowed = set()
         for d in props[name]:
             allowed |= schema_types(d, schema)
         allowed = set("integer" if t == "number" else t for t in allowed)
-        if allowed and ARGSPEC_TYPES[spec[name]["type"]] != allowed:
-            out.append("%s: argspec %s, schema %s" % (where, spec[name]["type"], sorted(allowed)))
+        if allowed and ARGSPEC_TYPES[opts[name]["type"]] != allowed:
+            out.append("%s: argspec %s, schema %s" % (where, opts[name]["type"], sorted(allowed)))
         if name == "rules":
             rules = {}
             for item in items_of(props[name], schema):
                 for rule_name, defs in properties(item, schema).items():
                     rules.setdefault(rule_name, []).extend(defs)
-            out += schema_differences(spec[name]["options"], rules, schema, where + "[]")
+            out += schema_differences(opts[name]["options"], rules, schema, where + "[]")
     return out
 
 
