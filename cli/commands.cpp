@@ -1,7 +1,9 @@
 #include "cli/commands.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <iomanip>
 #include <iostream>
 #include <mutex>
@@ -9,6 +11,7 @@
 
 #include "acl/acl_audit.h"
 #include "cli/engine.h"
+#include "cli/plan_json.h"
 
 namespace {
 
@@ -63,16 +66,8 @@ std::string FieldChanges(const SwitchEntry& sw, const PlanItem& i) {
 }
 
 void PrintSets(std::ostream& out, const SwitchEntry& sw, const PlanItem& i) {
-  auto line = [&](const SnmpBinding& b) {
+  for (const SnmpBinding& b : ItemBindings(sw, i))
     out << "      SET " << b.oid << " = " << BindingTypeWord(b) << ": " << BindingValueText(b) << "\n";
-  };
-  if (i.change == Change::kDelete || i.change == Change::kReplace)
-    line(SnmpBinding::Integer(InstanceOid(RowStatusColumnOid(*sw.model, i.owner, i.kind, i.type), i.actual[0],
-                                          i.kind == AclKind::kRules ? i.actual[1] : ""),
-                              kRowStatusDestroy));
-  if (i.change == Change::kCreate || i.change == Change::kReplace)
-    if (auto table = TableOf(sw, i))
-      for (const SnmpBinding& b : RecordBindings(*sw.model, *table, i.wanted)) line(b);
 }
 
 // Per-switch progress: redrawn in place on a terminal, plain lines when a switch changes phase
@@ -112,6 +107,7 @@ class Progress {
 
 struct Common {
   std::string inventory;
+  SingleSwitch single;
   std::vector<std::string> limit;
   unsigned long timeoutMs = kSnmpTimeoutMs;
   int parallel = 10;
@@ -126,14 +122,25 @@ struct Session {
   Common c;
   Inventory inventory;
   std::vector<const SwitchEntry*> selected;
+  bool json = false;  // one JSON document on stdout instead of the tables
+  StateMode mode = StateMode::kMerged;
 
-  bool Load() {
+  // The inventory file, or the one switch of --switch (SENTREL_INVENTORY is not read then).
+  bool Load(CommunityNeed need) {
     std::string error;
-    if (!LoadInventory(c.inventory, inventory, error) || !SelectSwitches(inventory, c.limit, selected, error)) {
-      err << "sentrel-acl: " << error << "\n";
-      return false;
-    }
-    return true;
+    const bool single = !c.single.address.empty();
+    if (!single && c.inventory.empty())
+      if (const char* env = std::getenv("SENTREL_INVENTORY")) c.inventory = env;
+    bool ok = false;
+    if (single)
+      ok = SingleSwitchInventory(c.single, need, inventory, error);
+    else if (c.inventory.empty())
+      error = "give --inventory (or SENTREL_INVENTORY), or --switch and --model";
+    else
+      ok = LoadInventory(c.inventory, need, inventory, error);
+    ok = ok && SelectSwitches(inventory, c.limit, selected, error);
+    if (!ok) err << "sentrel-acl: " << error << "\n";
+    return ok;
   }
 
   // Reads the switches (in parallel) into fresh plans.
@@ -158,7 +165,8 @@ struct Session {
     if (!plan.before.reached) plan.failure = "no answer within " + std::to_string(c.timeoutMs) + " ms";
   }
 
-  void PrintPlan(const std::vector<SwitchPlan>& plans, bool verbose) {
+  void PrintPlan(const std::vector<SwitchPlan>& plans, bool verbose) { PrintPlan(out, plans, verbose); }
+  void PrintPlan(std::ostream& out, const std::vector<SwitchPlan>& plans, bool verbose) {
     size_t create = 0, remove = 0, replace = 0, same = 0, kept = 0;
     for (const SwitchPlan& p : plans) {
       const SwitchEntry& sw = *p.sw;
@@ -208,7 +216,7 @@ struct Session {
       audit.Write(e);
       CollectSetOutcome(e);
     });
-    Progress progress(err, plans, terminal, true);
+    Progress progress(err, plans, terminal, !json);
     RunOptions options;
     options.timeoutMs = c.timeoutMs;
     options.progress = [&](size_t i, const std::string& s) { progress.Update(i, s); };
@@ -225,6 +233,11 @@ struct Session {
   }
 
   int Recap(const std::vector<SwitchPlan>& plans) {
+    if (json) {
+      out << PlanResultJson(true, mode, plans).dump(2) << "\n";
+      return std::any_of(plans.begin(), plans.end(), [](const SwitchPlan& p) { return p.failed(); }) ? kExitFailed
+                                                                                                     : kExitOk;
+    }
     size_t width = 0;
     for (const SwitchPlan& p : plans) width = std::max(width, p.sw->name.size());
     size_t created = 0, deleted = 0, same = 0, failed = 0, verified = 0, changes = 0, badSwitches = 0;
@@ -312,6 +325,22 @@ void ShowTable(std::ostream& out, const SwitchEntry& sw, const SwitchHoldings& h
   out << "\n";
 }
 
+// Asks on the terminal (or whatever stdin is, for delete); only "yes" goes ahead.
+bool Confirm(std::istream& in, std::ostream& out, const std::string& question) {
+  out << question << " Only 'yes' goes ahead: " << std::flush;
+  std::string answer;
+  std::getline(in, answer);
+  return answer == "yes";
+}
+
+size_t Deletions(const std::vector<SwitchPlan>& plans) {
+  size_t n = 0;
+  for (const SwitchPlan& p : plans) n += p.count(Change::kDelete) + p.count(Change::kReplace);
+  return n;
+}
+
+std::string Records(size_t n) { return std::to_string(n) + " record" + (n == 1 ? "" : "s"); }
+
 bool ParseDeleteTarget(const std::string& text, bool cpu, DeleteTarget& t) {
   t.owner = cpu ? AclOwner::kCpu : AclOwner::kAcl;
   if (text.rfind("profile:", 0) == 0) {
@@ -330,8 +359,9 @@ bool ParseDeleteTarget(const std::string& text, bool cpu, DeleteTarget& t) {
 
 }  // namespace
 
+
 int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err,
-           bool terminal) {
+           bool terminal, bool inputTerminal) {
   Session s{in, out, err, terminal, {}, {}, {}};
   CLI::App app{"Show, plan, apply and delete ACL profiles and rules on many switches at once, over SNMPv1.\n"
                "Every change is read back from the switch and compared cell by cell, and written\n"
@@ -341,9 +371,24 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
   app.require_subcommand(1);
   app.fallthrough();
   app.option_defaults()->always_capture_default();
-  app.add_option("-i,--inventory", s.c.inventory, "Inventory file: switches, models, groups, communities")
-      ->required()
-      ->envname("SENTREL_INVENTORY");
+  app.set_version_flag("--version", std::string("sentrel-acl ") + SENTREL_VERSION);
+  auto* inventoryOpt = app.add_option("-i,--inventory", s.c.inventory,
+                                      "Inventory file: switches, models, groups, communities\n"
+                                      "(default: $SENTREL_INVENTORY)");
+  auto* switchOpt = app.add_option("--switch", s.c.single.address,
+                                   "One switch by its address (a.b.c.d[:port]) instead of an inventory;\n"
+                                   "its communities come from the environment")
+                        ->excludes(inventoryOpt);
+  auto* modelOpt = app.add_option("--model", s.c.single.model, "The model of the --switch, e.g. TVR4820");
+  switchOpt->needs(modelOpt);
+  modelOpt->needs(switchOpt);
+  app.add_option("--name", s.c.single.name, "The name of the --switch in output and the audit log (default: its address)")
+      ->needs(switchOpt);
+  app.add_option("--read-community-env", s.c.single.readEnv, "The environment variable holding the --switch's read community")
+      ->needs(switchOpt);
+  app.add_option("--write-community-env", s.c.single.writeEnv,
+                 "The environment variable holding the --switch's write community")
+      ->needs(switchOpt);
   app.add_option("-l,--limit", s.c.limit, "Only these switches or groups (repeat, or comma-separated)")
       ->delimiter(',')
       ->allow_extra_args(false);
@@ -355,38 +400,44 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
              "  sentrel-acl show --limit core\n"
              "  sentrel-acl plan desired.json\n"
              "  sentrel-acl apply desired.json\n"
-             "  sentrel-acl show --json > backup.json && sentrel-acl apply --state overridden backup.json\n");
+             "  sentrel-acl show --json > backup.json && sentrel-acl apply --state overridden backup.json\n"
+             "  SENTREL_READ_COMMUNITY=... sentrel-acl plan --json --switch 10.0.0.5 --model TVR4820 - < state.json\n");
 
-  bool json = false;
   auto* show = app.add_subcommand("show", "Read the switches and print their profiles and rules; a rule\n"
                                           "whose profile is missing is named on stderr, not printed");
-  show->add_flag("--json", json, "Print the desired-state format (a backup that apply restores)");
+  show->add_flag("--json", s.json, "Print the desired-state format (a backup that apply restores)");
 
   std::string stateFile, mode = "merged";
-  bool verbose = false, detailed = false, dryRun = false;
+  bool verbose = false, detailed = false, dryRun = false, assumeEmpty = false, yes = false;
   const std::map<std::string, StateMode> modes{
       {"merged", StateMode::kMerged}, {"replaced", StateMode::kReplaced}, {"overridden", StateMode::kOverridden}};
   auto addStateOptions = [&](CLI::App* cmd) {
-    cmd->add_option("STATE", stateFile, "Desired-state file")->required()->check(CLI::ExistingFile);
+    cmd->add_option("STATE", stateFile, "Desired-state file; - reads it from stdin")
+        ->required()
+        ->check(CLI::IsMember({"-"}) | CLI::ExistingFile);
     cmd->add_option("-s,--state", mode,
                     "merged: only create what is missing; replaced: also delete and create again the\n"
                     "records that differ (a replaced profile's rules go with it); overridden: also\n"
                     "delete the records the file does not name (for the ACL kinds it names)")
         ->check(CLI::IsMember({"merged", "replaced", "overridden"}));
     cmd->add_flag("-v,--verbose", verbose, "Show every SET that would go out: OID, type, value");
+    cmd->add_flag("--json", s.json, "Print one JSON document (cli/schema/plan-result.schema.json) instead of tables");
   };
   auto* plan = app.add_subcommand("plan", "Read the switches and show what apply would change; sends no SET");
   addStateOptions(plan);
   plan->add_flag("--detailed-exitcode", detailed, "Exit 3 when there are changes to make");
+  plan->add_flag("--assume-empty", assumeEmpty,
+                 "Plan against switches taken to hold nothing: reads nothing, needs no community");
   auto* apply = app.add_subcommand("apply", "Make the switches hold what the file says, read back and verify");
   addStateOptions(apply);
   apply->add_flag("-n,--dry-run", dryRun, "Only show the plan (the same as the plan command)");
+  apply->add_flag("-y,--yes", yes, "Delete and replace without asking (needed when stdin is not a terminal)");
   apply->add_option("--audit-log", s.c.auditLog,
                     "Append the audit log (JSON Lines) here instead of\n"
                     "$XDG_STATE_HOME/sentrel/audit.jsonl (%LOCALAPPDATA%\\Sentrel on Windows)");
 
   std::vector<std::string> records;
-  bool cpu = false, yes = false;
+  bool cpu = false;
   auto* del = app.add_subcommand("delete", "Delete profiles (with their rules) or rules, after a confirmation");
   del->add_option("RECORD", records, "profile:ID or rule:PROFILE/ACCESS, e.g. profile:5 rule:5/10")->required();
   del->add_flag("--cpu", cpu, "The records are in the CPU ACL (default: the ordinary ACL)");
@@ -399,7 +450,13 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
     const int code = app.exit(e, out, err);
     return code == 0 ? kExitOk : kExitUsage;
   }
-  if (!s.Load()) return kExitUsage;
+  // Read-only users and auditors show and plan with the read community alone.
+  const bool writes = (apply->parsed() && !dryRun) || del->parsed();
+  if (!s.Load(plan->parsed() && assumeEmpty ? CommunityNeed::kNone
+              : writes                      ? CommunityNeed::kReadWrite
+                                            : CommunityNeed::kRead))
+    return kExitUsage;
+  s.mode = modes.at(mode);
 
   if (show->parsed()) {
     std::vector<SwitchPlan> plans = s.Read(s.selected, std::vector<std::array<bool, 2>>(s.selected.size(), {true, true}), true);
@@ -407,12 +464,12 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
     bool missing = false;
     for (SwitchPlan& p : plans) {
       missing = missing || !p.before.reached;
-      if (!p.before.reached && json) err << "sentrel-acl: " << p.sw->name << ": " << p.failure << "\n";
+      if (!p.before.reached && s.json) err << "sentrel-acl: " << p.sw->name << ": " << p.failure << "\n";
       for (const std::string& rule : RulesWithoutProfile(p.before))
         err << "sentrel-acl: " << p.sw->name << ": " << rule << "; not shown (apply --state overridden deletes it)\n";
       read.emplace_back(p.sw, std::move(p.before));
     }
-    if (json)
+    if (s.json)
       out << HoldingsJson(read).dump(2) << "\n";
     else
       for (const auto& [sw, h] : read) ShowTable(out, *sw, h, s.c.timeoutMs);
@@ -423,7 +480,7 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
   if (plan->parsed() || apply->parsed()) {
     std::vector<DesiredSwitch> desired;
     std::vector<std::string> errors;
-    LoadDesiredState(stateFile, s.selected, s.inventory, desired, errors);
+    LoadDesiredState(stateFile, in, s.selected, s.inventory, desired, errors);
     for (const std::string& e : errors) err << "sentrel-acl: " << e << "\n";
     if (!errors.empty()) {
       err << "sentrel-acl: " << errors.size() << " error" << (errors.size() == 1 ? "" : "s") << "; nothing was sent\n";
@@ -435,26 +492,58 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
       switches.push_back(d.sw);
       owners.push_back(d.named);
     }
+    auto planAll = [&] {
+      for (size_t i = 0; i < plans.size(); ++i)
+        if (plans[i].before.reached) PlanSwitch(desired[i], s.mode, plans[i]);
+    };
     if (apply->parsed() && !dryRun) {
-      plans.resize(switches.size());
-      for (size_t i = 0; i < plans.size(); ++i) plans[i].sw = switches[i];
-      return s.Apply(plans, [&](size_t i) {
-        s.ReadOne(plans[i], owners[i]);
-        if (plans[i].before.reached) PlanSwitch(desired[i], modes.at(mode), plans[i]);
-      });
-    }
-    plans = s.Read(switches, owners, true);
-    for (size_t i = 0; i < plans.size(); ++i)
-      if (plans[i].before.reached) PlanSwitch(desired[i], modes.at(mode), plans[i]);
-    {
-      s.PrintPlan(plans, verbose);
-      bool pending = false, unreachable = false;
-      for (const SwitchPlan& p : plans) {
-        pending = pending || p.pending();
-        unreachable = unreachable || !p.before.reached;
+      // Merged never deletes, and --yes has agreed to whatever the plans delete: each switch is
+      // read, planned and written in its own worker, so a slow switch holds nobody back.
+      if (yes || s.mode == StateMode::kMerged) {
+        plans.resize(switches.size());
+        for (size_t i = 0; i < plans.size(); ++i) plans[i].sw = switches[i];
+        return s.Apply(plans, [&](size_t i) {
+          s.ReadOne(plans[i], owners[i]);
+          if (plans[i].before.reached) PlanSwitch(desired[i], s.mode, plans[i]);
+        });
       }
-      return unreachable ? kExitFailed : (pending && detailed) ? kExitPending : kExitOk;
+      plans = s.Read(switches, owners, true);
+      planAll();
+      if (const size_t n = Deletions(plans); n > 0) {
+        s.PrintPlan(s.json ? err : out, plans, verbose);
+        if (!inputTerminal) {
+          err << "sentrel-acl: the plan deletes " << Records(n)
+              << " and stdin is not a terminal to ask: give --yes to go ahead; nothing was sent\n";
+          return kExitUsage;
+        }
+        if (!Confirm(in, s.json ? err : out, "Delete or replace these " + Records(n) + "?")) {
+          (s.json ? err : out) << "Nothing sent.\n";
+          return kExitUsage;
+        }
+      }
+      return s.Apply(plans);
     }
+    if (plan->parsed() && assumeEmpty) {
+      plans.resize(switches.size());
+      for (size_t i = 0; i < plans.size(); ++i) {
+        plans[i].sw = switches[i];
+        plans[i].before.reached = true;
+        plans[i].before.read = owners[i];
+      }
+    } else {
+      plans = s.Read(switches, owners, true);
+    }
+    planAll();
+    if (s.json)
+      out << PlanResultJson(false, s.mode, plans).dump(2) << "\n";
+    else
+      s.PrintPlan(plans, verbose);
+    bool pending = false, unreachable = false;
+    for (const SwitchPlan& p : plans) {
+      pending = pending || p.pending();
+      unreachable = unreachable || !p.before.reached;
+    }
+    return unreachable ? kExitFailed : (pending && detailed) ? kExitPending : kExitOk;
   }
 
   // delete
@@ -477,14 +566,9 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
   if (count == 0) return plans.empty() || std::all_of(plans.begin(), plans.end(), [](const SwitchPlan& p) {
                             return p.before.reached;
                           }) ? kExitOk : kExitFailed;
-  if (!yes) {
-    out << "Delete these " << count << " record" << (count == 1 ? "" : "s") << "? Only 'yes' goes ahead: " << std::flush;
-    std::string answer;
-    std::getline(in, answer);
-    if (answer != "yes") {
-      out << "Nothing deleted.\n";
-      return kExitUsage;
-    }
+  if (!yes && !Confirm(in, out, "Delete these " + Records(count) + "?")) {
+    out << "Nothing deleted.\n";
+    return kExitUsage;
   }
   return s.Apply(plans);
 }

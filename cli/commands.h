@@ -12,6 +12,7 @@ enum ExitStatus : int {
 };
 
 // Runs one command line. `terminal`: the error stream is a terminal (progress lines are
-// redrawn in place there; plain lines are written otherwise).
+// redrawn in place there; plain lines are written otherwise). `inputTerminal`: `in` is a
+// terminal, where apply may ask before it deletes.
 int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err,
-           bool terminal);
+           bool terminal, bool inputTerminal = false);

@@ -1,5 +1,7 @@
 #include "cli/desired_state.h"
 
+#include <istream>
+#include <iterator>
 #include <map>
 
 #include "acl/acl_fields.h"
@@ -24,6 +26,22 @@ struct Context {
     for (const FieldError& f : list) add(f.path, f.message);
   }
 };
+
+// The fields given that the model never sends to the switch (it has no column for them, or
+// its writer leaves the cell out): dropped in silence, the switch would never hold what the
+// file says and every later plan would find it different. `sent` is the record as built,
+// read as the file writes it.
+void UnsentFields(const Json& given, const Json& sent, const std::string& path, const ModelEntry& model,
+                  std::vector<FieldError>& errors) {
+  auto unset = [](const Json& v) {
+    return (v.is_boolean() && !v.get<bool>()) || ((v.is_object() || v.is_string() || v.is_array()) && v.empty());
+  };
+  for (const auto& item : given.items()) {
+    if (item.key() == "rules" || unset(item.value())) continue;
+    if (!sent.contains(item.key()) || unset(sent[item.key()]))
+      errors.push_back({path + "." + item.key(), std::string(model.typeText) + " never sends this field to the switch"});
+  }
+}
 
 // An ID as decimal text (JSON number or text), or "" with an error.
 std::string ReadId(const Json& j, const char* key, const std::string& path, const Context& ctx) {
@@ -73,8 +91,12 @@ void ReadRules(const Json& j, const std::string& path, AclOwner owner, DesiredPr
       if (const char* m = ValidateRule(p.type, owner, model, f)) errors.push_back({at, m});
     if (seen[f.accessId]) errors.push_back({at + ".access_id", "named twice in this profile"});
     seen[f.accessId] = true;
+    if (errors.empty()) {
+      AclRecord rule = BuildRule(p.type, owner, model, f);
+      UnsentFields(rules[i], RuleJson(ctx.sw, owner, p.type, rule, p.protocol), at, model, errors);
+      if (errors.empty()) p.rules.push_back({std::move(rule)});
+    }
     ctx.add(errors);
-    if (errors.empty()) p.rules.push_back({BuildRule(p.type, owner, model, f)});
   }
 }
 
@@ -121,9 +143,12 @@ void ReadProfiles(const Json& list, const std::string& path, AclOwner owner,
                                         std::to_string(row.nProfileIds)});
     if (seen[f.profileId]) errors.push_back({at + ".id", "profile " + f.profileId + " is named twice"});
     seen[f.profileId] = true;
+    if (errors.empty()) {
+      p.record = BuildProfile(p.type, owner, model, f);
+      UnsentFields(j, ProfileJson(ctx.sw, owner, p.type, p.record), at, model, errors);
+    }
     ctx.add(errors);
     if (!errors.empty()) continue;
-    p.record = BuildProfile(p.type, owner, model, f);
     p.protocol = ProfileProtocolCode(f);
     ReadRules(j, at, owner, p, ctx);
     // A later section's profile replaces an earlier one with the same ID.
@@ -157,12 +182,13 @@ void ReadSection(const Json& section, const std::string& path, DesiredSwitch& d,
 
 }  // namespace
 
-void LoadDesiredState(const std::string& path, const std::vector<const SwitchEntry*>& selected,
+void LoadDesiredState(const std::string& path, std::istream& input, const std::vector<const SwitchEntry*>& selected,
                       const Inventory& inventory, std::vector<DesiredSwitch>& out,
                       std::vector<std::string>& errors) {
   Json j;
   std::string error;
-  if (!LoadJsonFile(path, j, error)) {
+  if (path == "-" ? !ParseJsonText("stdin", std::string(std::istreambuf_iterator<char>(input), {}), j, error)
+                  : !LoadJsonFile(path, j, error)) {
     errors.push_back(error);
     return;
   }
@@ -261,29 +287,31 @@ std::vector<std::string> RulesWithoutProfile(const SwitchHoldings& h) {
   return out;
 }
 
+Json SwitchJson(const SwitchEntry& sw, const SwitchHoldings& h) {
+  Json s = Json::object();
+  for (size_t o = 0; o < 2; ++o) {
+    if (!h.read[o]) continue;
+    const AclOwner owner = OwnerAt(o);
+    Json list = Json::array();
+    for (AclType type : {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent})
+      for (const AclRecord& p : h.acls[o].profiles[static_cast<size_t>(type)]) {
+        if (p.empty() || !IsIndexText(p[0])) continue;
+        Json pj = ProfileJson(sw, owner, type, p);
+        Json rules = Json::array();
+        for (const AclRecord& r : h.acls[o].rules[static_cast<size_t>(type)])
+          if (r.size() > 1 && r[0] == p[0] && IsIndexText(r[1]))
+            rules.push_back(RuleJson(sw, owner, type, r, ProtocolOfProfile(type, p)));
+        if (!rules.empty()) pj["rules"] = rules;
+        list.push_back(pj);
+      }
+    s[kOwnerKeys[o]] = list;
+  }
+  return s;
+}
+
 Json HoldingsJson(const std::vector<std::pair<const SwitchEntry*, SwitchHoldings>>& switches) {
   Json all = Json::object();
-  for (const auto& [sw, h] : switches) {
-    if (!h.reached) continue;
-    Json s = Json::object();
-    for (size_t o = 0; o < 2; ++o) {
-      if (!h.read[o]) continue;
-      const AclOwner owner = OwnerAt(o);
-      Json list = Json::array();
-      for (AclType type : {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent})
-        for (const AclRecord& p : h.acls[o].profiles[static_cast<size_t>(type)]) {
-          if (p.empty() || !IsIndexText(p[0])) continue;
-          Json pj = ProfileJson(*sw, owner, type, p);
-          Json rules = Json::array();
-          for (const AclRecord& r : h.acls[o].rules[static_cast<size_t>(type)])
-            if (r.size() > 1 && r[0] == p[0] && IsIndexText(r[1]))
-              rules.push_back(RuleJson(*sw, owner, type, r, ProtocolOfProfile(type, p)));
-          if (!rules.empty()) pj["rules"] = rules;
-          list.push_back(pj);
-        }
-      s[kOwnerKeys[o]] = list;
-    }
-    all[sw->name] = s;
-  }
+  for (const auto& [sw, h] : switches)
+    if (h.reached) all[sw->name] = SwitchJson(*sw, h);
   return Json{{"switches", all}};
 }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -29,7 +30,8 @@ struct DesiredSwitch {
 // Loads the file for the selected switches: each switch's groups (in the order the inventory
 // gives them) and then the switch itself; a later profile with the same ID replaces an earlier
 // one. Every error ("file: $.path: message") is appended; the result is only used when none.
-void LoadDesiredState(const std::string& path, const std::vector<const SwitchEntry*>& selected,
+// `path` "-" reads `input`.
+void LoadDesiredState(const std::string& path, std::istream& input, const std::vector<const SwitchEntry*>& selected,
                       const Inventory& inventory, std::vector<DesiredSwitch>& out,
                       std::vector<std::string>& errors);
 
@@ -53,5 +55,8 @@ Json RuleJson(const SwitchEntry& sw, AclOwner owner, AclType type, const AclReco
 // failed deletion): the file format nests rules in profiles, so `show` names them instead,
 // e.g. "acl rule 9/3 (ipv4) has no ipv4 profile 9".
 std::vector<std::string> RulesWithoutProfile(const SwitchHoldings& h);
+// One switch's entry under "switches" in that format: the ACL kinds read, their profiles with
+// their rules.
+Json SwitchJson(const SwitchEntry& sw, const SwitchHoldings& h);
 // The file `show --json` prints for the switches read.
 Json HoldingsJson(const std::vector<std::pair<const SwitchEntry*, SwitchHoldings>>& switches);

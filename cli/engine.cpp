@@ -1,5 +1,6 @@
 #include "cli/engine.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <map>
@@ -76,6 +77,43 @@ size_t SwitchPlan::count(Change c) const {
 
 bool SwitchPlan::pending() const {
   return count(Change::kCreate) + count(Change::kDelete) + count(Change::kReplace) > 0;
+}
+
+bool SwitchPlan::failed() const {
+  if (!failure.empty()) return true;
+  for (const PlanItem& i : items)
+    if (i.change != Change::kUnchanged && i.change != Change::kKept && (!i.failure.empty() || !i.verified)) return true;
+  return false;
+}
+
+std::vector<SnmpBinding> ItemBindings(const SwitchEntry& sw, const PlanItem& i) {
+  std::vector<SnmpBinding> out;
+  if (i.change == Change::kDelete || i.change == Change::kReplace)
+    out.push_back(SnmpBinding::Integer(InstanceOid(RowStatusColumnOid(*sw.model, i.owner, i.kind, i.type), i.actual[0],
+                                                   i.kind == AclKind::kRules ? i.actual[1] : ""),
+                                       kRowStatusDestroy));
+  if (i.change == Change::kCreate || i.change == Change::kReplace)
+    if (auto table = TableOf(sw, i))
+      for (const SnmpBinding& b : RecordBindings(*sw.model, *table, i.wanted)) out.push_back(b);
+  return out;
+}
+
+SwitchHoldings PlannedHoldings(const SwitchPlan& plan) {
+  SwitchHoldings h = plan.before;
+  for (const PlanItem& i : plan.items) {
+    AclHoldings& held = h.acls[OwnerIndex(i.owner)];
+    auto& lists = i.kind == AclKind::kProfiles ? held.profiles : held.rules;
+    const bool rule = i.kind == AclKind::kRules;
+    if (i.change == Change::kDelete || i.change == Change::kReplace)
+      for (AclRecordList& list : lists)
+        list.erase(std::remove_if(list.begin(), list.end(),
+                                  [&](const AclRecord& r) {
+                                    return !r.empty() && r[0] == i.actual[0] && (!rule || (r.size() > 1 && r[1] == i.actual[1]));
+                                  }),
+                   list.end());
+    if (i.change == Change::kCreate || i.change == Change::kReplace) lists[static_cast<size_t>(i.type)].push_back(i.wanted);
+  }
+  return h;
 }
 
 bool SwitchAnswers(const AclTarget& target, unsigned long timeoutMs) {
@@ -312,7 +350,8 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
     status("verifying");
     std::array<bool, 2> owners{};
     for (const PlanItem& i : plan.items) owners[OwnerIndex(i.owner)] = true;
-    const SwitchHoldings after = ReadSwitch(sw, owners, options.timeoutMs);
+    plan.after = ReadSwitch(sw, owners, options.timeoutMs);
+    const SwitchHoldings& after = plan.after;
     for (PlanItem& i : plan.items) {
       if (i.change == Change::kUnchanged || i.change == Change::kKept || !i.done) continue;
       const AclHoldings& h = after.acls[OwnerIndex(i.owner)];
@@ -336,6 +375,8 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
                                      (cells.front() < found->size() ? (*found)[cells.front()] : "") + "\"";
       }
     }
+  } else {
+    plan.after = plan.before;
   }
   plan.seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   status(plan.failure.empty() ? "done" : "failed");

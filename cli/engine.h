@@ -33,18 +33,27 @@ struct PlanItem {
   // Filled by Apply.
   bool done = false;
   bool verified = false;
-  std::string failure;    // the switch's answer when it refused
+  bool skipped = false;   // not sent: what it depends on failed, or the run was interrupted
+  std::string failure;    // the switch's answer when it refused, or why it was skipped
 };
 
 struct SwitchPlan {
   const SwitchEntry* sw = nullptr;
   SwitchHoldings before;
+  SwitchHoldings after;   // Apply: as read back (the owners it changed; else `before`)
   std::vector<PlanItem> items;
   std::string failure;    // the switch as a whole (no answer, closing request refused)
+  bool interrupted = false;  // Apply stopped by a signal before the plan was carried out
   double seconds = 0;
   size_t count(Change c) const;
   bool pending() const;   // anything to create or delete
+  bool failed() const;    // after Apply: no answer, a refusal, or a change that did not verify
 };
+
+// The SETs of one change in the order they go out (the closing requests not included).
+std::vector<SnmpBinding> ItemBindings(const SwitchEntry& sw, const PlanItem& item);
+// What the switch holds once its plan is carried out.
+SwitchHoldings PlannedHoldings(const SwitchPlan& plan);
 
 struct RunOptions {
   unsigned long timeoutMs = kSnmpTimeoutMs;

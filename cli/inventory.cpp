@@ -47,6 +47,45 @@ bool LoadSecrets(const std::string& file, Json& out, std::string& error) {
   return true;
 }
 
+// Reads the communities a command needs from the environment variables named.
+bool CommunitiesFromEnvironment(const std::string& readEnv, const std::string& writeEnv, CommunityNeed need,
+                                AclTarget& target, std::string& error) {
+  if (need == CommunityNeed::kNone) return true;
+  for (auto [var, dest] : {std::pair{&readEnv, &target.readCommunity}, std::pair{&writeEnv, &target.writeCommunity}}) {
+    const char* v = std::getenv(var->c_str());
+    if ((v == nullptr || *v == '\0') && (dest == &target.readCommunity || need == CommunityNeed::kReadWrite)) {
+      error = "the environment variable " + *var + " (a community) is not set";
+      return false;
+    }
+    if (v != nullptr) *dest = v;
+  }
+  return true;
+}
+
+bool CheckAddressAndModel(SwitchEntry& e, const std::string& addressAt, const std::string& modelAt,
+                          std::string& error) {
+  snmp::Endpoint ep;
+  if (e.target.ip.empty())
+    error = addressAt + ": missing";
+  else if (!snmp::ParseEndpoint(e.target.ip, 161, ep))
+    error = addressAt + ": expected a dotted IPv4 address, optionally with :port";
+  else if ((e.model = LookupModel(e.target.typeText)) == nullptr)
+    error = modelAt + ": unknown model \"" + e.target.typeText + "\"";
+  else if (!e.model->supported)
+    error = modelAt + ": Havent't developed the ACL function for the device!";
+  return error.empty();
+}
+
+// Two entries for one address would be two applies on one switch at once: their requests
+// would interleave and the closing requests would close each other's work.
+const SwitchEntry* SameAddress(const Inventory& inv, const std::string& address) {
+  snmp::Endpoint a, b;
+  if (!snmp::ParseEndpoint(address, 161, a)) return nullptr;
+  for (const SwitchEntry& s : inv.switches)
+    if (snmp::ParseEndpoint(s.target.ip, 161, b) && a == b) return &s;
+  return nullptr;
+}
+
 std::string LineColumn(const std::string& text, size_t offset) {
   size_t line = 1, column = 1;
   for (size_t i = 0; i < offset && i < text.size(); ++i) {
@@ -70,11 +109,14 @@ bool LoadJsonFile(const std::string& path, Json& out, std::string& error) {
   }
   std::ostringstream s;
   s << in.rdbuf();
-  const std::string text = s.str();
+  return ParseJsonText(path, s.str(), out, error);
+}
+
+bool ParseJsonText(const std::string& name, const std::string& text, Json& out, std::string& error) {
   try {
     out = Json::parse(text);
   } catch (const Json::parse_error& e) {
-    error = path + ": $: not valid JSON at " + LineColumn(text, e.byte > 0 ? e.byte - 1 : 0);
+    error = name + ": $: not valid JSON at " + LineColumn(text, e.byte > 0 ? e.byte - 1 : 0);
     return false;
   }
   return true;
@@ -86,7 +128,7 @@ const SwitchEntry* Inventory::find(const std::string& name) const {
   return nullptr;
 }
 
-bool LoadInventory(const std::string& path, Inventory& out, std::string& error) {
+bool LoadInventory(const std::string& path, CommunityNeed need, Inventory& out, std::string& error) {
   out.path = path;
   Json j;
   if (!LoadJsonFile(path, j, error)) return false;
@@ -137,14 +179,12 @@ bool LoadInventory(const std::string& path, Inventory& out, std::string& error) 
         return fail(at + "." + k, "unknown field (address, model, groups, communities)");
       }
     }
-    if (e.target.ip.empty()) return fail(at + ".address", "missing");
-    snmp::Endpoint ep;
-    if (!snmp::ParseEndpoint(e.target.ip, 161, ep))
-      return fail(at + ".address", "expected a dotted IPv4 address, optionally with :port");
-    e.model = LookupModel(e.target.typeText);
-    if (e.model == nullptr) return fail(at + ".model", "unknown model \"" + e.target.typeText + "\"");
-    if (!e.model->supported)
-      return fail(at + ".model", "Havent't developed the ACL function for the device!");
+    if (!CheckAddressAndModel(e, at + ".address", at + ".model", sub)) {
+      error = path + ": " + sub;
+      return false;
+    }
+    if (const SwitchEntry* twin = SameAddress(out, e.target.ip))
+      return fail(at + ".address", "the address of " + twin->name + " too: one switch, one entry");
     // Communities: a secrets file (by switch name, then its groups, then "default"), or two
     // environment variables.
     if (!c.secretsFile.empty()) {
@@ -163,23 +203,18 @@ bool LoadInventory(const std::string& path, Inventory& out, std::string& error) 
       const Json* entry = nullptr;
       for (const std::string& n : names)
         if (!entry && secrets.contains(n)) entry = &secrets[n];
-      if (entry == nullptr || !entry->is_object() || !entry->contains("read") || !entry->contains("write") ||
-          !(*entry)["read"].is_string() || !(*entry)["write"].is_string()) {
-        error = key + ": no \"read\" and \"write\" texts for " + e.name + " (by its name, a group or \"default\")";
+      auto text = [&](const char* k) { return entry && entry->is_object() && entry->contains(k) && (*entry)[k].is_string(); };
+      if (need != CommunityNeed::kNone && (!text("read") || (need == CommunityNeed::kReadWrite && !text("write")))) {
+        error = key + ": no \"read\"" + (need == CommunityNeed::kReadWrite ? " and \"write\" texts" : " text") +
+                " for " + e.name + " (by its name, a group or \"default\")";
         return false;
       }
-      e.target.readCommunity = (*entry)["read"].get<std::string>();
-      e.target.writeCommunity = (*entry)["write"].get<std::string>();
+      if (text("read")) e.target.readCommunity = (*entry)["read"].get<std::string>();
+      if (text("write")) e.target.writeCommunity = (*entry)["write"].get<std::string>();
     } else {
-      if (c.readEnv.empty() || c.writeEnv.empty())
+      if (need != CommunityNeed::kNone && (c.readEnv.empty() || c.writeEnv.empty()))
         return fail(at, "no communities: give \"communities\" with read_env and write_env, or secrets");
-      for (auto [var, dest] : {std::pair{&c.readEnv, &e.target.readCommunity},
-                               std::pair{&c.writeEnv, &e.target.writeCommunity}}) {
-        const char* v = std::getenv(var->c_str());
-        if (v == nullptr || *v == '\0')
-          return fail(at, "the environment variable " + *var + " (a community) is not set");
-        *dest = v;
-      }
+      if (!CommunitiesFromEnvironment(c.readEnv, c.writeEnv, need, e.target, sub)) return fail(at, sub);
     }
     out.switches.push_back(std::move(e));
   }
@@ -206,5 +241,17 @@ bool SelectSwitches(const Inventory& inventory, const std::vector<std::string>& 
     }
     if (take) out.push_back(&s);
   }
+  return true;
+}
+
+bool SingleSwitchInventory(const SingleSwitch& given, CommunityNeed need, Inventory& out, std::string& error) {
+  out.path = "--switch";
+  SwitchEntry e;
+  e.name = given.name.empty() ? given.address : given.name;
+  e.target.ip = given.address;
+  e.target.typeText = given.model;
+  if (!CheckAddressAndModel(e, "--switch", "--model", error)) return false;
+  if (!CommunitiesFromEnvironment(given.readEnv, given.writeEnv, need, e.target, error)) return false;
+  out.switches.push_back(std::move(e));
   return true;
 }

@@ -141,9 +141,11 @@ Json Value(const std::string& text, bool number) {
 
 void UnknownKeys(const Json& j, const std::string& path, const std::set<std::string>& known,
                  std::vector<FieldError>& errors) {
+  std::string accepted;
+  for (const std::string& k : known) accepted += (accepted.empty() ? "" : ", ") + k;
   for (const auto& item : j.items())
     if (!known.count(item.key()))
-      errors.push_back({Child(path, item.key()), "unknown field for this record"});
+      errors.push_back({Child(path, item.key()), "unknown field for this record (accepted: " + accepted + ")"});
 }
 
 bool IsDottedQuad(std::string_view s) {
@@ -366,7 +368,10 @@ void RuleFromJson(const Json& j, const std::string& path, AclType type, AclOwner
     known.insert(key);
     return j.contains(key);
   };
-  if (has("action")) {
+  // No default action: a rule that permits by omission is a hole nobody asked for.
+  if (!has("action")) {
+    errors.push_back({Child(path, "action"), owner == AclOwner::kCpu ? "missing: permit or deny" : "missing: permit, deny or mirror"});
+  } else {
     std::string a;
     if (ReadText(j, "action", path, false, a, errors)) {
       if (a == "deny") f.action = "1";

@@ -20,5 +20,5 @@ int main(int argc, char** argv) {
 #else
   const bool terminal = SENTREL_ISATTY(2) != 0;
 #endif
-  return RunCli(argc, argv, std::cin, std::cout, std::cerr, terminal);
+  return RunCli(argc, argv, std::cin, std::cout, std::cerr, terminal, SENTREL_ISATTY(0) != 0);
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <fstream>
 #include <memory>
 #include <regex>
@@ -25,6 +26,15 @@ namespace fs = std::filesystem;
 const char* const kModels[] = {"TVG5240-10", "TVG5470", "TVG5690", "TVR4060", "TVR4510", "TVR4820", "TVR4512"};
 const char* const kRead = "rd-Secret-7731";
 const char* const kWrite = "wr-Secret-9902";
+
+void SetEnv(const char* name, const char* value) {
+#ifdef _WIN32
+  _putenv_s(name, value ? value : "");
+#else
+  if (value) setenv(name, value, 1);
+  else unsetenv(name);
+#endif
+}
 
 struct Result {
   int status;
@@ -59,15 +69,21 @@ class CliTest : public ::testing::Test {
     Write("inventory.json", inv.dump());
   }
 
-  Result Run(std::vector<std::string> args, const std::string& input = "yes\n") {
-    args.insert(args.begin(), {"sentrel-acl", "-i", (dir_ / "inventory.json").string(), "-t", "400"});
-    if (args.size() > 5 && (args[5] == "apply" || args[5] == "delete"))
-      args.insert(args.begin() + 6, {"--audit-log", (dir_ / "audit.jsonl").string()});
+  // With the test's inventory unless the command names its own --switch.
+  Result Run(std::vector<std::string> args, const std::string& input = "yes\n", bool inputTerminal = false) {
+    const bool single = std::find(args.begin(), args.end(), "--switch") != args.end();
+    if (!single) args.insert(args.begin(), {"-i", (dir_ / "inventory.json").string()});
+    args.insert(args.begin(), {"sentrel-acl", "-t", "400"});
+    for (size_t k = 1; k < args.size(); ++k)
+      if (args[k] == "apply" || args[k] == "delete") {
+        args.insert(args.begin() + static_cast<long>(k) + 1, {"--audit-log", (dir_ / "audit.jsonl").string()});
+        break;
+      }
     std::vector<const char*> argv;
     for (const std::string& a : args) argv.push_back(a.c_str());
     std::istringstream in(input);
     std::ostringstream out, err;
-    const int status = RunCli(static_cast<int>(argv.size()), argv.data(), in, out, err, false);
+    const int status = RunCli(static_cast<int>(argv.size()), argv.data(), in, out, err, false, inputTerminal);
     for (const std::string& text : {out.str(), err.str()}) {
       EXPECT_EQ(text.find(kRead), std::string::npos) << text;
       EXPECT_EQ(text.find(kWrite), std::string::npos) << text;
@@ -109,7 +125,9 @@ Json EveryRecord(const ModelEntry& m, AclOwner owner) {
     if (!cpu && m.rxRange()) r["rx_rate"] = m.rxRange()->max;
     if (!cpu) r["priority"] = 6;
     const PacketShape profileShape = m.packetShape(owner, AclKind::kProfiles);
-    if ((!cpu && std::string_view(m.typeText) == "TVR4512") || (t == AclType::kPacketContent && profileShape == PacketShape::kChunks4))
+    const std::string_view model = m.typeText;
+    if ((!cpu && model == "TVR4512") ||
+        (t == AclType::kPacketContent && profileShape == PacketShape::kChunks4 && model.rfind("TVR", 0) == 0))
       p["name"] = "edge-" + std::to_string(id);
     switch (t) {
       case AclType::kEthernet:
@@ -258,7 +276,7 @@ TEST_F(CliTest, RefusingAndSilentSwitchesFailAloneAndTheOthersFinish) {
 }
 
 TEST_F(CliTest, BadFilesNameThePlaceAndSendNothing) {
-  Fleet({{"sw1", "TVG5240-10", {}}});
+  Fleet({{"sw1", "TVG5240-10", {}}, {"sw2", "TVG5470", {}}, {"sw3", "TVG5690", {}}});
   struct Case {
     std::string state, expected;
   } cases[] = {
@@ -275,6 +293,21 @@ TEST_F(CliTest, BadFilesNameThePlaceAndSendNothing) {
        "$.switches.sw1.cpu_acl[0].rules[0].action: expected permit or deny"},
       {R"({"switches": {"sw1": {"acl": [{"id": 1, "type": "packet_content", "blocks": {}}]}}})",
        "$.switches.sw1.acl[0].blocks: this model's packet-content profiles take \"chunks\""},
+      {R"({"switches": {"sw1": {"acl": [{"id": 1, "type": "ethernet", "rules": [{"access_id": 2, "ports": "1"}]}]}}})",
+       "$.switches.sw1.acl[0].rules[0].action: missing"},
+      {R"({"switches": {"sw1": {"acl": [{"id": 1, "type": "ethernet", "rules": [{"access_id": 2, "action": "deny", "ports": "1", "dst_ip": "1.2.3.4"}]}]}}})",
+       "$.switches.sw1.acl[0].rules[0].dst_ip: unknown field for this record (accepted: 802.1p, access_id, action, dst_mac, "},
+      // Fields the model never sends would be dropped in silence.
+      {R"({"switches": {"sw1": {"acl": [{"id": 1, "type": "ethernet", "name": "edge"}]}}})",
+       "$.switches.sw1.acl[0].name: TVG5240-10 never sends this field to the switch"},
+      {R"({"switches": {"sw2": {"acl": [{"id": 1, "type": "ipv4", "protocol": "icmp", "icmp_type": true, "rules": [{"access_id": 2, "action": "deny", "ports": "1", "icmp_type": 3}]}]}}})",
+       "$.switches.sw2.acl[0].rules[0].icmp_type: TVG5470 never sends this field to the switch"},
+      {R"({"switches": {"sw3": {"acl": [{"id": 1, "type": "ipv4", "protocol": "icmp", "icmp_code": true, "rules": [{"access_id": 2, "action": "deny", "ports": "1", "icmp_code": 3}]}]}}})",
+       "$.switches.sw3.acl[0].rules[0].icmp_code: TVG5690 never sends this field to the switch"},
+      {R"({"switches": {"sw1": {"acl": [{"id": 1, "type": "ethernet", "rules": [{"access_id": 2, "action": "deny", "ports": "1", "replace_dscp": 5}]}]}}})",
+       "$.switches.sw1.acl[0].rules[0].replace_dscp: TVG5240-10 never sends this field to the switch"},
+      {R"({"switches": {"sw3": {"cpu_acl": [{"id": 1, "type": "ethernet", "802.1p": true}]}}})",
+       "$.switches.sw3.cpu_acl[0].802.1p: TVG5690 never sends this field to the switch"},
   };
   for (const Case& c : cases) {
     const std::string file = Write("state.json", c.state);
@@ -294,7 +327,7 @@ TEST_F(CliTest, BadFilesNameThePlaceAndSendNothing) {
 }
 
 TEST_F(CliTest, OverriddenBackupUndoesChangesByHandAndDeleteAsksFirst) {
-  Fleet({{"sw1", "TVR4512", {}}, {"sw2", "TVR4060", {}}});
+  Fleet({{"sw1", "TVR4512", {}}, {"sw2", "TVR4512", {}}});
   const Json acl = Json::parse(R"([{"id": 2, "type": "ipv4", "name": "edge", "src_ip_mask": "255.255.0.0", "protocol": "udp",
       "src_port_mask": "FF00", "rules": [{"access_id": 9, "action": "deny", "ports": "1-2", "src_ip": "10.9.0.0", "dst_port": 53}]}])");
   const std::string file = Write("state.json", Json{{"groups", {{"all", {{"acl", acl}}}}}}.dump());
@@ -320,7 +353,14 @@ TEST_F(CliTest, OverriddenBackupUndoesChangesByHandAndDeleteAsksFirst) {
   EXPECT_NE(plan.out.find("-   acl rule 8/3 (ipv4); no ipv4 profile 8 on the switch"), std::string::npos) << plan.out;
   Result merged = Run({"plan", backup});
   EXPECT_NE(merged.out.find("~   acl rule 2/9"), std::string::npos) << merged.out;
-  Result restore = Run({"apply", "--state", "overridden", backup});
+  // Deleting asks on a terminal, and is refused without --yes where nobody can be asked.
+  const size_t unasked = SetCount();
+  Result refused = Run({"apply", "--state", "overridden", backup});
+  EXPECT_EQ(refused.status, kExitUsage);
+  EXPECT_NE(refused.err.find("the plan deletes 3 records and stdin is not a terminal"), std::string::npos) << refused.err;
+  EXPECT_EQ(Run({"apply", "--state", "overridden", backup}, "no\n", true).status, kExitUsage);
+  EXPECT_EQ(SetCount(), unasked);
+  Result restore = Run({"apply", "--state", "overridden", backup}, "yes\n", true);
   EXPECT_EQ(restore.status, kExitOk) << restore.out;
   EXPECT_NE(restore.out.find("created=1 deleted=3 unchanged=1 failed=0 verified=3/3"), std::string::npos) << restore.out;
   Result after = Run({"plan", "--state", "overridden", "--detailed-exitcode", backup});
@@ -337,6 +377,74 @@ TEST_F(CliTest, OverriddenBackupUndoesChangesByHandAndDeleteAsksFirst) {
   EXPECT_EQ(yes.status, kExitOk) << yes.out;
   EXPECT_NE(yes.out.find("deleted=2 unchanged=0 failed=0 verified=2/2"), std::string::npos) << yes.out;
   EXPECT_NE(Run({"plan", "--limit", "sw2", file}).out.find("Plan: 2 to create"), std::string::npos);
+}
+
+TEST_F(CliTest, OneSwitchWithoutInventoryPlansOfflineAndAppliesAsOneJsonDocument) {
+  Fleet({{"unused", "TVR4820", {}}});
+  const std::string state = R"({"switches": {"edge": {"acl": [{"id": 10, "type": "ipv4", "dst_ip_mask": "255.255.255.0",
+      "rules": [{"access_id": 1, "action": "permit", "ports": "1-8", "dst_ip": "10.1.1.0"}]}]}}})";
+  auto one = [&](std::vector<std::string> args) {
+    for (const char* a : {"--switch", "", "--model", "TVR4820", "--name", "edge", "--read-community-env", "T_READ",
+                          "--write-community-env", "T_WRITE", "-"})
+      args.push_back(*a ? a : agents_[0]->address());
+    return Run(args, state);
+  };
+  auto result = [](const Result& r) { return Json::parse(r.out)["switches"][0]; };
+  SetEnv("T_READ", nullptr);
+  SetEnv("T_WRITE", nullptr);
+
+  // Rendered offline: no community, not one request, the whole plan and the state it means.
+  Result offline = one({"plan", "--json", "--assume-empty"});
+  ASSERT_EQ(offline.status, kExitOk) << offline.err;
+  EXPECT_EQ(agents_[0]->requests(), 0u);
+  const Json planned = result(offline);
+  EXPECT_EQ(Json::parse(offline.out)["command"], "plan");
+  EXPECT_EQ(planned["result"], "changes");
+  EXPECT_EQ(planned["before"], Json::parse(R"({"acl": []})"));
+  ASSERT_EQ(planned["changes"].size(), 2u);
+  EXPECT_EQ(planned["changes"][1]["action"], "create");
+  EXPECT_EQ(planned["changes"][1]["kind"], "rule");
+  EXPECT_EQ(planned["changes"][1]["after"]["dst_ip"], "10.1.1.0");
+  EXPECT_EQ(planned["changes"][1]["sets"][0]["oid"].get<std::string>().rfind(".1.3.6.1.4.1.32473.12.9.", 0), 0u);
+
+  // A plan reads with the read community alone; an apply names the variable it lacks.
+  SetEnv("T_READ", kRead);
+  EXPECT_EQ(result(one({"plan", "--json"}))["result"], "changes");
+  Result noWrite = one({"apply", "--json"});
+  EXPECT_EQ(noWrite.status, kExitUsage);
+  EXPECT_NE(noWrite.err.find("T_WRITE (a community) is not set"), std::string::npos) << noWrite.err;
+  EXPECT_EQ(SetCount(), 0u);
+
+  // Applied: every change done and verified, and the switch reads back as the plan meant.
+  SetEnv("T_WRITE", kWrite);
+  Result apply = one({"apply", "--json"});
+  ASSERT_EQ(apply.status, kExitOk) << apply.err << apply.out;
+  const Json applied = result(apply);
+  EXPECT_EQ(applied["result"], "changed");
+  for (const Json& c : applied["changes"]) {
+    EXPECT_EQ(c["result"], "done");
+    EXPECT_EQ(c["verified"], true);
+  }
+  // Every field the plan names reads back with its value (a cell nobody sends keeps the
+  // switch's own, which the plan cannot know).
+  std::function<bool(const Json&, const Json&)> within = [&](const Json& part, const Json& whole) {
+    if (part.is_object() && whole.is_object()) {
+      for (const auto& item : part.items())
+        if (!whole.contains(item.key()) || !within(item.value(), whole[item.key()])) return false;
+      return true;
+    }
+    if (part.is_array() && whole.is_array() && part.size() == whole.size()) {
+      for (size_t k = 0; k < part.size(); ++k)
+        if (!within(part[k], whole[k])) return false;
+      return true;
+    }
+    return part == whole;
+  };
+  EXPECT_TRUE(within(planned["after"], applied["after"])) << planned["after"] << "\n" << applied["after"];
+  EXPECT_EQ(result(one({"plan", "--json"}))["result"], "unchanged");
+
+  EXPECT_NE(Run({"--version"}).out.find("sentrel-acl 1."), std::string::npos);
+  EXPECT_EQ(Run({"show", "--switch", agents_[0]->address(), "--model", "TVR4820", "-i", "inventory.json"}).status, kExitUsage);
 }
 
 }  // namespace
