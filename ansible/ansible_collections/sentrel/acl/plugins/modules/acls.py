@@ -424,7 +424,10 @@ class Engine(object):
         """plan (check mode) or apply the switch's desired state."""
         command = "plan" if self.module.check_mode else "apply"
         stdin = json.dumps(engine.document(self.params["name"], switch))
-        rc, report, err = self.run(command, ["--state", state, "-"], stdin)
+        # The task is the operator's confirmation: the engine would otherwise refuse to delete
+        # without a terminal to ask on.
+        confirm = [] if self.module.check_mode else ["--yes"]
+        rc, report, err = self.run(command, ["--state", state] + confirm + ["-"], stdin)
         found = engine.find_switch(report, self.params["name"])
         if found is None:
             self.module.fail_json(msg="sentrel-acl %s: no result for the switch: %s" % (command, err.strip()), rc=rc)

@@ -99,20 +99,3 @@ def test_refused_switch_fails_with_its_answer_the_record_and_only_what_was_sent(
     assert result["commands"] == [".1.1 INTEGER 4", ".1.2 INTEGER 4"]
     assert result["failures"] == [{"action": "create", "owner": "acl", "kind": "rule", "profile_id": 10,
                                    "access_id": 2, "record": RULE_2, "error": "badValue"}]
-
-
-@pytest.mark.parametrize("result_word", ["unreachable", "interrupted"])
-def test_a_switch_that_did_not_finish_fails(result_word):
-    _, error = engine.switch_result(report(result_word, [], error="no answer"), applied=True)
-    assert error is not None and result_word in error
-
-
-def test_communities_go_to_the_environment_never_the_command_line():
-    params = {"address": "127.0.0.2", "model": "TVR4820", "name": "sw1", "timeout": 500,
-              "read_community": "r3ad-secret", "write_community": "wr1te-secret"}
-    args = engine.engine_args("/bin/sentrel-acl", "apply", params)
-    assert not any("secret" in a for a in args)
-    assert args[:4] == ["/bin/sentrel-acl", "--timeout", "500", "apply"]
-    assert engine.engine_environment(params) == {"SENTREL_READ_COMMUNITY": "r3ad-secret",
-                                                 "SENTREL_WRITE_COMMUNITY": "wr1te-secret"}
-    assert engine.engine_environment({"read_community": None, "write_community": None}) == {}

@@ -204,6 +204,7 @@ def test_merged_hands_the_engine_one_switch_by_stdin_and_communities_by_environm
     assert argv[0] == command and "--json" in argv and argv[-1] == "-"
     assert argv[argv.index("--switch") + 1] == "127.0.0.2" and argv[argv.index("--model") + 1] == "TVR4820"
     assert argv[argv.index("--state") + 1] == "merged"
+    assert ("--yes" in argv) == (command == "apply")
     assert json.loads(calls[0]["stdin"]) == {"switches": {"sw1": HELD}}
     assert calls[0]["env"] == {"SENTREL_READ_COMMUNITY": "r3ad-secret", "SENTREL_WRITE_COMMUNITY": "wr1te-secret"}
     assert "secret" not in output
