@@ -134,6 +134,14 @@ def failures_of(switch):
     return out
 
 
+def record_error(failure):
+    """A refused record and the switch's answer, e.g. "acl rule 5/2: badValue"."""
+    record = "%s %s %s" % (failure.get("owner", ""), failure.get("kind", ""), failure.get("profile_id", ""))
+    if failure.get("access_id") is not None:
+        record += "/%s" % failure["access_id"]
+    return "%s: %s" % (record.strip(), failure.get("error", ""))
+
+
 def find_switch(report, name):
     """The one switch of a plan or apply report (or a show document's entry)."""
     switches = report.get("switches")
@@ -159,8 +167,8 @@ def switch_result(switch, applied):
     error = None
     if switch.get("result") in FAILED_RESULTS:
         result["failures"] = failures_of(switch)
-        error = "%s %s: %s" % (switch.get("name", "the switch"), switch.get("result"),
-                               switch.get("error") or "see failures")
+        why = switch.get("error") or "; ".join(record_error(f) for f in result["failures"])
+        error = "%s %s: %s" % (switch.get("name", "the switch"), switch.get("result"), why or "no reason given")
     return result, error
 
 
