@@ -213,23 +213,6 @@ def test_merged_hands_the_engine_one_switch_by_stdin_and_communities_by_environm
     assert result["diff"] == {"before": {"acl": []}, "after": HELD}
 
 
-def test_deleted_reads_the_switch_then_overrides_it_without_the_named_records(run_module):
-    show = {"switches": {"sw1": HELD}}
-    result, _, calls = run_module({"config": {"acl": [{"id": 10, "rules": [{"access_id": 1}]}]}, "state": "deleted"},
-                                  {"show": show, "apply": apply_report()})
-    assert [c["argv"][0] for c in calls] == ["show", "apply"]
-    argv = calls[1]["argv"]
-    assert argv[argv.index("--state") + 1] == "overridden"
-    assert json.loads(calls[1]["stdin"])["switches"]["sw1"] == {
-        "acl": [dict(HELD["acl"][0], rules=[])], "cpu_acl": []}
-
-
-def test_gathered_is_the_switch_as_show_prints_it_and_changes_nothing(run_module):
-    result, _, calls = run_module({"state": "gathered"}, {"show": {"switches": {"sw1": HELD}}})
-    assert calls[0]["argv"][:2] == ["show", "--json"]
-    assert (result["changed"], result["gathered"]) == (False, HELD)
-
-
 def test_a_refusing_switch_fails_the_task_with_its_answer(run_module):
     answer = apply_report("failed")
     answer["switches"][0]["error"] = "refused SET 2 (badValue)"
