@@ -115,27 +115,21 @@ printf '  sentrel-acl is %.1fx faster\n' "$(calc "$t_loop / $t_acl")"
 # 3. The sentrel.acl collection: Ansible forks one module run per switch, each running the
 # engine for its switch, against one engine run over the whole fleet.
 bench_ansible() {
-  local n=200 dir="$work/ansible" i a
+  local n=200 dir="$work/ansible" i
   mkdir -p "$dir"
-  {
-    echo '{"communities": {"read_env": "BENCH_READ", "write_env": "BENCH_WRITE"}, "switches": {'
-    for i in $(seq 1 $n); do
-      echo "  \"sw$i\": {\"address\": \"127.0.9.$i\", \"model\": \"TVR4820\", \"groups\": [\"site\"]}$([ "$i" -lt $n ] && echo ,)"
-    done
-    echo '}}'
-  } > "$dir/inventory.json"
-  # One profile with 9 rules: 10 records a switch.
-  local profile='{"id": 1, "type": "ethernet", "vlan": true, "src_mac_mask": "FFFFFFFFFFFF", "rules": ['
-  for a in $(seq 1 9); do
-    profile+="{\"access_id\": $a, \"src_mac\": \"00A0C9000$((100 + a))\", \"vlan\": \"v$a\", \"action\": \"permit\", \"ports\": \"1-$((a + 2))\"}$([ "$a" -lt 9 ] && echo ,)"
-  done
-  profile+=']}'
-  echo "{\"groups\": {\"site\": {\"acl\": [$profile]}}}" > "$dir/state.json"
-  python3 - "$dir" "$n" "$profile" "$PWD/$acl" <<'PY'
+  # One profile with 9 rules: 10 records a switch; the same switches in both inventories.
+  python3 - "$dir" "$n" "$PWD/$acl" <<'PY'
 import json, sys
-folder, n, profile, engine = sys.argv[1], int(sys.argv[2]), json.loads(sys.argv[3]), sys.argv[4]
-hosts = {"sw%d" % i: {"ansible_host": "127.0.9.%d" % i} for i in range(1, n + 1)}
-json.dump({"all": {"hosts": hosts, "vars": {
+folder, n, engine = sys.argv[1], int(sys.argv[2]), sys.argv[3]
+rules = [{"access_id": a, "src_mac": "00A0C9000%d" % (100 + a), "vlan": "v%d" % a, "action": "permit",
+          "ports": "1-%d" % (a + 2)} for a in range(1, 10)]
+profile = {"id": 1, "type": "ethernet", "vlan": True, "src_mac_mask": "FFFFFFFFFFFF", "rules": rules}
+names = {"sw%d" % i: "127.0.9.%d" % i for i in range(1, n + 1)}
+json.dump({"communities": {"read_env": "BENCH_READ", "write_env": "BENCH_WRITE"},
+           "switches": {s: {"address": a, "model": "TVR4820", "groups": ["site"]} for s, a in names.items()}},
+          open(folder + "/inventory.json", "w"))
+json.dump({"groups": {"site": {"acl": [profile]}}}, open(folder + "/state.json", "w"))
+json.dump({"all": {"hosts": {s: {"ansible_host": a} for s, a in names.items()}, "vars": {
     "ansible_connection": "local", "ansible_python_interpreter": "{{ ansible_playbook_python }}",
     "sentrel_model": "TVR4820", "sentrel_acl_path": engine, "acls": {"acl": [profile]},
     "sentrel_read_community": "public", "sentrel_write_community": "private"}}},
@@ -162,14 +156,14 @@ YML
     ANSIBLE_LOCAL_TEMP="$dir/tmp" ANSIBLE_NOCOLOR=1 \
     ansible-playbook -i "$dir/inventory.yml" "$dir/play.yml" > "$dir/ansible.txt" 2>&1 || true
   t1=$(now); t_ansible=$(calc "$t1 - $t0")
-  grep -A1 'PLAY RECAP' "$dir/ansible.txt" | tail -1
-  echo "  hosts changed: $(grep -cE ' changed=1 .* failed=0 ' "$dir/ansible.txt") of $n"
+  echo "  ansible-playbook recap: $(grep -cE ' changed=1 .* failed=0 ' "$dir/ansible.txt" || true) of $n switches" \
+    "changed, $(grep -cE ' failed=[1-9]' "$dir/ansible.txt" || true) failed"
   stop_sim; start_fleet
   t0=$(now)
   "$acl" -i "$dir/inventory.json" apply --parallel 50 --audit-log "$dir/audit.jsonl" "$dir/state.json" \
     > "$dir/recap.txt" 2>/dev/null || true
   t1=$(now); t_acl=$(calc "$t1 - $t0")
-  grep -E '^Total' "$dir/recap.txt"
+  grep -E '^Total' "$dir/recap.txt" || true
   stop_sim
   printf '  ansible-playbook, forks 50 (%d switches x 10 records): %.2f s (%.1f ms a switch)\n' \
     "$n" "$t_ansible" "$(calc "$t_ansible * 1000 / $n")"
