@@ -208,6 +208,19 @@ void AclAuditLog::Write(const AclWriteEvent& e) {
               ",\"error_index\":" + std::to_string(e.outcome->errorIndex);
   }
   line += "}\n";
+  Append(line);
+}
+
+void AclAuditLog::WriteSwitchOutcome(const AclTarget& target, std::string_view result, std::string_view detail) {
+  std::string line = "{\"time\":" + JsonQuote(UtcNow()) + ",\"user\":" + JsonQuote(OperatorName());
+  if (switchName_) line += ",\"switch\":" + JsonQuote(switchName_(target));
+  line += ",\"address\":" + JsonQuote(target.ip) + ",\"model\":" + JsonQuote(target.typeText);
+  line += ",\"operation\":\"apply\",\"phase\":\"outcome\",\"result\":" + JsonQuote(result);
+  line += ",\"detail\":" + JsonQuote(detail) + "}\n";
+  Append(line);
+}
+
+void AclAuditLog::Append(const std::string& line) {
   std::lock_guard<std::mutex> lock(mutex_);
   if (file_ == nullptr) return;
   std::fwrite(line.data(), 1, line.size(), file_);

@@ -59,11 +59,15 @@ class AclAuditLog {
   // Opens (creating the folder) for appending; false with a reason when it cannot.
   bool Open(std::string& error);
   void Write(const AclWriteEvent& event);
+  // The outcome of a switch's whole run where it ended before its requests did (e.g.
+  // "interrupted"), with a detail such as how many changes were sent.
+  void WriteSwitchOutcome(const AclTarget& target, std::string_view result, std::string_view detail);
   // An observer that writes to this log (install it with SetAclWriteObserver).
   AclWriteObserver Observer();
   const std::string& path() const { return path_; }
 
  private:
+  void Append(const std::string& line);  // whole and flushed
   std::string path_;
   std::function<std::string(const AclTarget&)> switchName_;
   std::FILE* file_ = nullptr;

@@ -30,18 +30,25 @@ void Apply(AclKind kind, const std::vector<AclTarget>& targets, AclOwner owner,
       // The wizard admits only supported types; an unknown one gets nothing sent.
       deviceOk = false;
     } else {
+      size_t sent = 0;
+      bool stopped = false;
       for (AclType type : kTypeOrder) {
         auto table = TableLayout(*model, owner, kind, type);
         if (!table) continue;  // the model has no such table for this owner
         const AclRecordList& list = lists[static_cast<size_t>(type)];
-        for (size_t r = 0; r < list.size(); ++r) {
+        for (size_t r = 0; r < list.size() && !stopped; ++r) {
+          if (cb.stop && cb.stop()) {
+            stopped = true;
+            break;
+          }
           if (cb.progress) cb.progress(ApplyProgress(static_cast<long long>(r) + 1, d, total, n));
           bool ok = SetRecord(target, *model, *table, list[r], timeoutMs);
+          ++sent;
           if (!ok) deviceOk = false;  // the apply goes on with the next record, no retry
           if (cb.recordSent) cb.recordSent(i, type, r, ok);
         }
       }
-      if (deviceOk) closing = SendClosingRequest(target, *model, owner, kind, timeoutMs);
+      if (deviceOk && (sent > 0 || !stopped)) closing = SendClosingRequest(target, *model, owner, kind, timeoutMs);
     }
     if (cb.result) cb.result(i, ApplyResultWord(kind, owner, deviceOk, closing));
   }

@@ -104,6 +104,9 @@ struct AclApplyCallbacks {
   std::function<void(size_t target, const char* word)> result;         // per target, in order
   std::function<void()> deleteStaged;                                  // the group's staging files
   std::function<void(size_t target, AclType type, size_t record, bool ok)> recordSent;  // optional
+  // Optional, asked before each record: true sends no further record. The records already
+  // sent still get their closing request when every one of them succeeded.
+  std::function<bool()> stop;
 };
 
 // Apply: for every target in order, the lists the model offers for the owner in the

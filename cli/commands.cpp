@@ -11,6 +11,8 @@
 
 #include "acl/acl_audit.h"
 #include "cli/engine.h"
+#include "cli/interrupt.h"
+#include "cli/switch_state.h"
 #include "cli/plan_json.h"
 
 namespace {
@@ -70,40 +72,74 @@ void PrintSets(std::ostream& out, const SwitchEntry& sw, const PlanItem& i) {
     out << "      SET " << b.oid << " = " << BindingTypeWord(b) << ": " << BindingValueText(b) << "\n";
 }
 
-// Per-switch progress: redrawn in place on a terminal, plain lines when a switch changes phase
-// otherwise.
+// Progress on stderr. On a terminal: a summary line and the switches in flight, redrawn in
+// place at most ten times a second, so a run of a thousand switches costs the terminal a few
+// lines, not a line per switch per step. Otherwise (or --json): a plain line whenever a switch
+// changes phase.
 class Progress {
  public:
   Progress(std::ostream& err, const std::vector<SwitchPlan>& plans, bool terminal, bool plain)
       : err_(err), terminal_(terminal), plain_(plain), status_(plans.size()) {
     for (const SwitchPlan& p : plans) names_.push_back(p.sw->name);
-    for (const std::string& n : names_) width_ = std::max(width_, n.size());
-    if (terminal_) Draw(false);
+  }
+  ~Progress() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (terminal_ && drawn_) Draw();
   }
   void Update(size_t i, const std::string& status) {
     std::lock_guard<std::mutex> lock(mutex_);
-    // "applying 3/20" is one phase however far it has gone.
-    auto phaseOf = [](const std::string& t) { return t.rfind("applying", 0) == 0 ? std::string("applying") : t; };
-    const std::string phase = phaseOf(status), old = phaseOf(status_[i]);
+    const std::string phase = PhaseOf(status), old = PhaseOf(status_[i]);
     status_[i] = status;
-    if (terminal_) Draw(true);
-    else if (plain_ && phase != old) err_ << names_[i] << ": " << phase << "\n" << std::flush;
+    if (terminal_) {
+      const auto now = std::chrono::steady_clock::now();
+      if (!drawn_ || now - last_ >= std::chrono::milliseconds(100)) {
+        last_ = now;
+        Draw();
+      }
+    } else if (plain_ && phase != old) {
+      err_ << names_[i] << ": " << phase << "\n" << std::flush;
+    }
   }
 
  private:
-  void Draw(bool again) {
-    if (again) err_ << "\x1b[" << names_.size() << "A";
-    for (size_t i = 0; i < names_.size(); ++i)
-      err_ << "\x1b[2K  " << std::left << std::setw(static_cast<int>(width_)) << names_[i] << "  "
-           << (status_[i].empty() ? "waiting" : status_[i]) << "\n";
-    err_ << std::flush;
+  // "applying 3/20" is one phase however far it has gone.
+  static std::string PhaseOf(const std::string& t) { return t.rfind("applying", 0) == 0 ? std::string("applying") : t; }
+  static bool Finished(const std::string& t) {
+    return t == "done" || t == "failed" || t == "no answer" || t == "interrupted" || t == "read" || t == "busy";
+  }
+  void Draw() {
+    constexpr size_t kShown = 8;
+    size_t finished = 0, waiting = 0;
+    std::vector<size_t> flying;
+    for (size_t i = 0; i < status_.size(); ++i) {
+      if (status_[i].empty()) ++waiting;
+      else if (Finished(status_[i])) ++finished;
+      else flying.push_back(i);
+    }
+    std::ostringstream frame;
+    if (drawn_) frame << "\x1b[" << lines_ << "F\x1b[J";  // back to the frame's first line, cleared
+    frame << "  " << finished << "/" << status_.size() << " switches finished, " << flying.size() << " in flight, "
+          << waiting << " waiting\n";
+    lines_ = 1;
+    for (size_t k = 0; k < flying.size() && k < kShown; ++k, ++lines_)
+      frame << "    " << names_[flying[k]] << "  " << status_[flying[k]] << "\n";
+    if (flying.size() > kShown) {
+      frame << "    ... and " << flying.size() - kShown << " more\n";
+      ++lines_;
+    }
+    err_ << frame.str() << std::flush;
+    drawn_ = true;
   }
   std::ostream& err_;
   bool terminal_, plain_;
   std::vector<std::string> names_, status_;
-  size_t width_ = 0;
+  bool drawn_ = false;
+  size_t lines_ = 0;
+  std::chrono::steady_clock::time_point last_;
   std::mutex mutex_;
 };
+
+std::string Records(size_t n) { return std::to_string(n) + " record" + (n == 1 ? "" : "s"); }
 
 struct Common {
   std::string inventory;
@@ -111,6 +147,7 @@ struct Common {
   std::vector<std::string> limit;
   unsigned long timeoutMs = kSnmpTimeoutMs;
   int parallel = 10;
+  int retries = 0;
   std::string auditLog;
 };
 
@@ -160,22 +197,31 @@ struct Session {
 
   void ReadOne(SwitchPlan& plan, std::array<bool, 2> owners) {
     const auto start = std::chrono::steady_clock::now();
-    plan.before = ReadSwitch(*plan.sw, owners, c.timeoutMs);
+    // Reading twice does no harm: a lost answer is simply asked again.
+    for (int attempt = 0; attempt <= c.retries && !plan.before.reached; ++attempt)
+      plan.before = ReadSwitch(*plan.sw, owners, c.timeoutMs);
     plan.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    if (!plan.before.reached) plan.failure = "no answer within " + std::to_string(c.timeoutMs) + " ms";
+    // SNMPv1 agents drop a request with a wrong community without a word.
+    if (!plan.before.reached)
+      plan.failure = "no answer within " + std::to_string(c.timeoutMs) + " ms (a wrong community looks the same)";
   }
 
-  void PrintPlan(const std::vector<SwitchPlan>& plans, bool verbose) { PrintPlan(out, plans, verbose); }
-  void PrintPlan(std::ostream& out, const std::vector<SwitchPlan>& plans, bool verbose) {
-    size_t create = 0, remove = 0, replace = 0, same = 0, kept = 0;
+  // `nothing`: the line when no switch has anything to do and every switch answered.
+  void PrintPlan(std::ostream& out, const std::vector<SwitchPlan>& plans, bool verbose,
+                 const char* nothing = "No changes. The switches hold what the file says.") {
+    size_t create = 0, remove = 0, replace = 0, same = 0, kept = 0, owed = 0, silent = 0;
     for (const SwitchPlan& p : plans) {
       const SwitchEntry& sw = *p.sw;
       out << sw.name << " (" << sw.target.ip << ", " << sw.target.typeText << ")";
       if (!p.failure.empty()) {
         out << ": " << p.failure << "\n";
+        ++silent;
         continue;
       }
-      out << (p.items.empty() ? ": nothing named for this switch\n" : "\n");
+      out << (p.items.empty() && p.owedClosings.empty() ? ": nothing named for this switch\n" : "\n");
+      for (const OwedClosing& o : p.owedClosings)
+        out << "  !   closing request of the " << OwedClosingName(o)
+            << " owed: an earlier apply stopped after its records landed; apply sends it\n";
       for (const PlanItem& i : p.items) {
         out << "  " << std::left << std::setw(3) << Mark(i.change) << " " << RecordName(i);
         if (i.change == Change::kCreate) out << ": " << FieldsSummary(ItemJson(sw, i, i.wanted));
@@ -190,12 +236,23 @@ struct Session {
       replace += p.count(Change::kReplace);
       same += p.count(Change::kUnchanged);
       kept += p.count(Change::kKept);
+      owed += p.owedClosings.size();
     }
-    if (create + remove + replace == 0)
-      out << "\nNo changes. The switches hold what the file says.\n";
-    else
-      out << "\nPlan: " << create << " to create, " << remove << " to delete, " << replace << " to replace, " << same
-          << " unchanged" << (kept ? ", " + std::to_string(kept) + " kept as they are" : std::string()) << ".\n";
+    out << "\n";
+    if (create + remove + replace + owed > 0) {
+      out << "Plan: " << create << " to create, " << remove << " to delete, " << replace << " to replace, " << same
+          << " unchanged" << (kept ? ", " + std::to_string(kept) + " kept as they are" : std::string())
+          << (owed ? ", " + std::to_string(owed) + " closing request" + (owed == 1 ? "" : "s") + " owed" : std::string())
+          << ".\n";
+    } else if (kept > 0) {
+      out << "No changes in --state merged, but " << Records(kept)
+          << " on the switches differ from the file and are kept as they are.\n";
+    } else if (silent == 0) {
+      out << nothing << "\n";
+    }
+    if (silent > 0)
+      out << silent << " switch" << (silent == 1 ? " was" : "es were")
+          << " not read (see above): nothing is known of what they hold.\n";
   }
 
   // Applies the plans in parallel with the audit log open; prints the recap. Exit status.
@@ -212,24 +269,60 @@ struct Session {
       err << "sentrel-acl: " << error << "\n";
       return kExitUsage;
     }
-    SetAclWriteObserver([&audit](const AclWriteEvent& e) {
+    const std::string folder = StateFolder();
+    ClosingLedger ledger(folder);
+    SetAclWriteObserver([&](const AclWriteEvent& e) {
       audit.Write(e);
+      ledger.Observe(e);
       CollectSetOutcome(e);
     });
-    Progress progress(err, plans, terminal, !json);
-    RunOptions options;
-    options.timeoutMs = c.timeoutMs;
-    options.progress = [&](size_t i, const std::string& s) { progress.Update(i, s); };
-    ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
-      if (prepare) {
-        options.progress(i, "reading");
-        prepare(i);
-      }
-      if (plans[i].before.reached) ApplySwitch(plans[i], options, i);
-      else options.progress(i, "no answer");
-    });
+    InterruptGuard interrupt;
+    {
+      Progress progress(err, plans, terminal, !json);
+      RunOptions options;
+      options.timeoutMs = c.timeoutMs;
+      options.retries = c.retries;
+      options.progress = [&](size_t i, const std::string& s) { progress.Update(i, s); };
+      options.stop = &InterruptGuard::Requested;
+      ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
+        SwitchPlan& p = plans[i];
+        if (options.stop()) {
+          p.interrupted = true;
+          return options.progress(i, "interrupted");
+        }
+        SwitchLock lock;
+        std::string busy;
+        if (!lock.Acquire(folder, p.sw->target.ip, busy)) {
+          p.failure = busy;
+          p.busy = true;
+          return options.progress(i, "busy");
+        }
+        p.owedClosings = ledger.Owed(p.sw->target.ip);
+        if (prepare) {
+          options.progress(i, "reading");
+          prepare(i);
+        }
+        if (p.before.reached) ApplySwitch(p, options, i);
+        else options.progress(i, "no answer");
+      });
+    }
     SetAclWriteObserver(nullptr);
-    return Recap(plans);
+    bool interrupted = false;
+    for (const SwitchPlan& p : plans) {
+      if (!p.interrupted) continue;
+      interrupted = true;
+      size_t sent = 0, changes = 0;
+      for (const PlanItem& i : p.items) {
+        changes += i.change != Change::kUnchanged && i.change != Change::kKept;
+        sent += i.done || (!i.skipped && !i.failure.empty());
+      }
+      audit.WriteSwitchOutcome(p.sw->target, "interrupted",
+                               p.before.reached ? std::to_string(sent) + " of " + std::to_string(changes) + " changes sent"
+                                                : "not started");
+    }
+    const int status = Recap(plans);
+    if (interrupted && !json) out << "Interrupted: the switches above that were not finished hold part of the plan.\n";
+    return interrupted ? kExitInterrupted : status;
   }
 
   int Recap(const std::vector<SwitchPlan>& plans) {
@@ -243,22 +336,24 @@ struct Session {
     size_t created = 0, deleted = 0, same = 0, failed = 0, verified = 0, changes = 0, badSwitches = 0;
     out << "\n";
     for (const SwitchPlan& p : plans) {
-      size_t c = 0, d = 0, f = 0, v = 0, n = 0;
+      size_t c = 0, d = 0, f = 0, k = 0, v = 0, n = 0;
       for (const PlanItem& i : p.items) {
         if (i.change == Change::kUnchanged || i.change == Change::kKept) continue;
         ++n;
         if (i.done && i.change != Change::kDelete) ++c;
         if (i.done && i.change == Change::kDelete) ++d;
         if (i.change == Change::kReplace && i.done) ++d;
-        if (!i.failure.empty() || !i.done) ++f;
+        if (i.skipped) ++k;
+        else if (!i.failure.empty() || !i.done) ++f;
         if (i.verified) ++v;
       }
       if (!p.before.reached) f = 0;
-      const bool bad = !p.failure.empty() || f > 0 || v < n;
+      const bool bad = p.failed();
       badSwitches += bad;
       out << std::left << std::setw(static_cast<int>(width)) << p.sw->name << "  " << std::setw(6)
-          << (bad ? "FAILED" : "ok") << "  created=" << c << " deleted=" << d
-          << " unchanged=" << p.count(Change::kUnchanged) << " failed=" << f << " verified=" << v << "/" << n;
+          << (p.interrupted ? "INTERRUPTED" : bad ? "FAILED" : "ok") << "  created=" << c << " deleted=" << d
+          << " unchanged=" << p.count(Change::kUnchanged) << " failed=" << f
+          << (k ? " skipped=" + std::to_string(k) : std::string()) << " verified=" << v << "/" << n;
       char secs[32];
       std::snprintf(secs, sizeof secs, "  %.2fs", p.seconds);
       out << secs << "\n";
@@ -339,7 +434,6 @@ size_t Deletions(const std::vector<SwitchPlan>& plans) {
   return n;
 }
 
-std::string Records(size_t n) { return std::to_string(n) + " record" + (n == 1 ? "" : "s"); }
 
 bool ParseDeleteTarget(const std::string& text, bool cpu, DeleteTarget& t) {
   t.owner = cpu ? AclOwner::kCpu : AclOwner::kAcl;
@@ -394,6 +488,10 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
       ->allow_extra_args(false);
   app.add_option("-t,--timeout", s.c.timeoutMs, "Wait this many ms for each answer")->check(CLI::Range(100, 60000));
   app.add_option("-p,--parallel", s.c.parallel, "Work on up to N switches at a time")->check(CLI::Range(1, 256));
+  app.add_option("-r,--retries", s.c.retries,
+                 "Ask a switch again when an answer is lost, up to N times: reads simply again; a record\n"
+                 "only after reading that its row is still absent (one that landed counts as sent)")
+      ->check(CLI::Range(0, 10));
   app.footer(std::string("\n") + kExitText +
              "\nExamples:\n"
              "  export SENTREL_INVENTORY=site.json ACL_READ=... ACL_WRITE=...\n"
@@ -532,12 +630,15 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
       }
     } else {
       plans = s.Read(switches, owners, true);
+      ClosingLedger ledger(StateFolder());
+      for (SwitchPlan& p : plans)
+        if (p.before.reached) p.owedClosings = ledger.Owed(p.sw->target.ip);
     }
     planAll();
     if (s.json)
       out << PlanResultJson(false, s.mode, plans).dump(2) << "\n";
     else
-      s.PrintPlan(plans, verbose);
+      s.PrintPlan(out, plans, verbose);
     bool pending = false, unreachable = false;
     for (const SwitchPlan& p : plans) {
       pending = pending || p.pending();
@@ -562,7 +663,7 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
     if (p.before.reached) PlanDeletion(targets, p);
     count += p.items.size();
   }
-  s.PrintPlan(plans, false);
+  s.PrintPlan(out, plans, false, "Nothing to delete: no switch holds any of these records.");
   if (count == 0) return plans.empty() || std::all_of(plans.begin(), plans.end(), [](const SwitchPlan& p) {
                             return p.before.reached;
                           }) ? kExitOk : kExitFailed;

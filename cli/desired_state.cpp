@@ -87,8 +87,7 @@ void ReadRules(const Json& j, const std::string& path, AclOwner owner, DesiredPr
     if (f.accessId.empty()) continue;
     std::vector<FieldError> errors;
     RuleFromJson(rules[i], at, p.type, owner, model, p.protocol, f, errors);
-    if (errors.empty())
-      if (const char* m = ValidateRule(p.type, owner, model, f)) errors.push_back({at, m});
+    if (errors.empty()) CheckRuleFields(rules[i], at, p.type, owner, model, f, errors);
     if (seen[f.accessId]) errors.push_back({at + ".access_id", "named twice in this profile"});
     seen[f.accessId] = true;
     if (errors.empty()) {
@@ -143,14 +142,13 @@ void ReadProfiles(const Json& list, const std::string& path, AclOwner owner,
                                         std::to_string(row.nProfileIds)});
     if (seen[f.profileId]) errors.push_back({at + ".id", "profile " + f.profileId + " is named twice"});
     seen[f.profileId] = true;
-    if (errors.empty()) {
-      p.record = BuildProfile(p.type, owner, model, f);
-      UnsentFields(j, ProfileJson(ctx.sw, owner, p.type, p.record), at, model, errors);
-    }
+    p.record = BuildProfile(p.type, owner, model, f);
+    if (errors.empty()) UnsentFields(j, ProfileJson(ctx.sw, owner, p.type, p.record), at, model, errors);
     ctx.add(errors);
-    if (!errors.empty()) continue;
+    // The rules are checked even under a faulty profile: every fault of the file is told at once.
     p.protocol = ProfileProtocolCode(f);
     ReadRules(j, at, owner, p, ctx);
+    if (!errors.empty()) continue;
     // A later section's profile replaces an earlier one with the same ID.
     bool replaced = false;
     for (DesiredProfile& q : out)

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <map>
+#include <optional>
 #include <mutex>
 #include <set>
 #include <thread>
@@ -76,7 +77,7 @@ size_t SwitchPlan::count(Change c) const {
 }
 
 bool SwitchPlan::pending() const {
-  return count(Change::kCreate) + count(Change::kDelete) + count(Change::kReplace) > 0;
+  return count(Change::kCreate) + count(Change::kDelete) + count(Change::kReplace) > 0 || !owedClosings.empty();
 }
 
 bool SwitchPlan::failed() const {
@@ -285,26 +286,130 @@ void ForEachParallel(size_t count, int parallel, const std::function<void(size_t
   for (std::thread& th : pool) th.join();
 }
 
+namespace {
+
+// Found in holdings: a profile by ID, a rule by (profile ID, Access ID), of any type.
+std::optional<Held> Find(const AclHoldings& h, AclKind kind, const AclRecord& key) {
+  for (AclType t : kTypes)
+    for (const AclRecord& r : (kind == AclKind::kProfiles ? h.profiles : h.rules)[static_cast<size_t>(t)])
+      if (!r.empty() && r[0] == key[0] && (kind == AclKind::kProfiles || (r.size() > 1 && r[1] == key[1])))
+        return Held{t, &r};
+  return std::nullopt;
+}
+
+bool Sends(Change c) { return c == Change::kCreate || c == Change::kDelete || c == Change::kReplace; }
+bool Creates(Change c) { return c == Change::kCreate || c == Change::kReplace; }
+bool Ok(const SetOutcome& o) { return o.result.responded && o.result.errorStatus == 0; }
+
+// A rule sent after its profile failed would sit on the switch without one: show hides it, and
+// the next plan would count it as unchanged.
+void SkipRulesOfFailedProfiles(SwitchPlan& plan, AclOwner owner) {
+  std::set<std::string> failed;
+  for (const PlanItem& i : plan.items)
+    if (i.owner == owner && i.kind == AclKind::kProfiles && Creates(i.change) && !i.done) failed.insert(i.wanted[0]);
+  for (PlanItem& i : plan.items)
+    if (i.owner == owner && i.kind == AclKind::kRules && Creates(i.change) && i.failure.empty() &&
+        failed.count(i.wanted[0])) {
+      i.skipped = true;
+      i.failure = "not sent: profile " + i.wanted[0] + " failed";
+    }
+}
+
+// Each change read back against what the switch should hold once the whole plan is carried
+// out: a replaced profile's rule is deleted and created again, and must be there at the end.
+void Verify(SwitchPlan& plan, const SwitchHoldings& expected) {
+  const SwitchEntry& sw = *plan.sw;
+  const SwitchHoldings& after = plan.after;
+  for (PlanItem& i : plan.items) {
+    if (!Sends(i.change) || !i.done) continue;
+    const size_t o = OwnerIndex(i.owner);
+    const AclRecord& key = i.change == Change::kDelete ? i.actual : i.wanted;
+    const auto found = Find(after.acls[o], i.kind, key);
+    const auto want = Find(expected.acls[o], i.kind, key);
+    if (!after.reached) {
+      i.failure = "read-back: no answer";
+    } else if (!want) {
+      i.verified = !found;
+      if (!i.verified) i.failure = "read-back: still on the switch";
+    } else if (!found) {
+      i.failure = "read-back: not on the switch";
+    } else if (auto table = TableLayout(*sw.model, i.owner, i.kind, want->type)) {
+      const auto cells = found->type == want->type ? DiffRecordCells(*sw.model, *table, *want->record, *found->record)
+                                                   : std::vector<size_t>{0};
+      i.verified = cells.empty();
+      if (!i.verified)
+        i.failure = "read-back: cell " + std::to_string(cells.front()) + " reads \"" +
+                    (cells.front() < found->record->size() ? (*found->record)[cells.front()] : "") + "\"";
+    }
+  }
+}
+
+// --retries: a record whose answer was lost may have landed. A record SET is safe to repeat
+// only while its row is absent (a second createAndGo onto a row that exists is refused, or
+// would change what someone else put there), so the switch is read first: a record that
+// landed as planned counts as sent, an absent one goes out again, a different one is left
+// alone and reported. Only when every fault of the kind was a lost answer: the closing
+// request follows the wizard's rule and goes only when every record of the kind landed.
+void RetryLost(SwitchPlan& plan, size_t o, AclKind kind, const RunOptions& options, const std::function<bool()>& stopped,
+               const std::function<void(const std::vector<PlanItem*>&)>& sendAgain) {
+  const SwitchEntry& sw = *plan.sw;
+  for (int attempt = 0; attempt < options.retries && !stopped(); ++attempt) {
+    std::vector<PlanItem*> lost;
+    bool refused = false;
+    for (PlanItem& i : plan.items) {
+      if (OwnerIndex(i.owner) != o || i.kind != kind || !Creates(i.change) || i.failure.empty() || i.skipped) continue;
+      if (i.lost) lost.push_back(&i);
+      else refused = true;
+    }
+    if (lost.empty() || refused) return;
+    std::array<bool, 2> owners{};
+    owners[o] = true;
+    const SwitchHoldings now = ReadSwitch(sw, owners, options.timeoutMs);
+    if (!now.reached) continue;
+    std::vector<PlanItem*> again;
+    for (PlanItem* i : lost) {
+      const auto found = Find(now.acls[o], kind, i->wanted);
+      const auto table = TableOf(sw, *i);
+      if (!found) {
+        again.push_back(i);
+      } else if (found->type == i->type && table && DiffRecordCells(*sw.model, *table, i->wanted, *found->record).empty()) {
+        i->done = true;
+        i->lost = false;
+        i->failure.clear();
+      } else {
+        i->lost = false;
+        i->failure += "; a different record holds its row now: not sent again";
+      }
+    }
+    if (std::any_of(lost.begin(), lost.end(), [](const PlanItem* i) { return !i->done && !i->lost; })) return;
+    for (PlanItem* i : again) i->failure.clear();
+    sendAgain(again);
+  }
+}
+
+}  // namespace
+
 void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
   const auto start = std::chrono::steady_clock::now();
   const SwitchEntry& sw = *plan.sw;
   auto status = [&](const std::string& s) {
     if (options.progress) options.progress(index, s);
   };
+  auto stopped = [&] { return options.stop && options.stop(); };
+  const SwitchHoldings expected = PlannedHoldings(plan);
   std::vector<SetOutcome> outcomes;
   {
     std::lock_guard<std::mutex> lock(g_collectMutex);
     g_collectors[sw.target.ip] = &outcomes;
   }
   size_t total = 0, sent = 0;
-  for (const PlanItem& i : plan.items)
-    total += (i.change == Change::kCreate || i.change == Change::kDelete) ? 1 : i.change == Change::kReplace ? 2 : 0;
+  for (const PlanItem& i : plan.items) total += Sends(i.change) ? (i.change == Change::kReplace ? 2 : 1) : 0;
   auto tick = [&] { status("applying " + std::to_string(++sent) + "/" + std::to_string(total)); };
 
   // Deletions first, rules before profiles, so no rule is ever left without its profile.
   for (AclKind kind : {AclKind::kRules, AclKind::kProfiles})
     for (PlanItem& i : plan.items) {
-      if (i.kind != kind || (i.change != Change::kDelete && i.change != Change::kReplace)) continue;
+      if (i.kind != kind || (i.change != Change::kDelete && i.change != Change::kReplace) || stopped()) continue;
       const std::string column = RowStatusColumnOid(*sw.model, i.owner, i.kind, i.type);
       const bool ok = DeleteRow(sw.target, column, i.actual[0], kind == AclKind::kRules ? i.actual[1] : "",
                                 options.timeoutMs);
@@ -314,70 +419,75 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
     }
   // Then, per ACL kind, the profiles and the rules through the wizard's apply: one SET per
   // record in the order Ethernet, IPv4, IPv6, packet content, and the closing request.
+  std::set<std::pair<AclOwner, AclKind>> closed;
+  auto send = [&](size_t o, AclKind kind, const std::vector<PlanItem*>& items) {
+    std::array<AclRecordList, 4> lists;
+    std::array<std::vector<PlanItem*>, 4> owners;
+    for (PlanItem* i : items) {
+      lists[static_cast<size_t>(i->type)].push_back(i->wanted);
+      owners[static_cast<size_t>(i->type)].push_back(i);
+    }
+    AclApplyCallbacks cb;
+    cb.stop = stopped;
+    cb.recordSent = [&](size_t, AclType type, size_t r, bool ok) {
+      PlanItem& i = *owners[static_cast<size_t>(type)][r];
+      i.done = ok;
+      i.lost = !ok && !outcomes.empty() && !outcomes.back().result.responded;
+      if (!ok) i.failure = outcomes.empty() ? "create: not sent" : "create: " + Describe(outcomes.back());
+      tick();
+    };
+    const size_t before = outcomes.size();
+    (kind == AclKind::kProfiles ? ApplyProfiles : ApplyRules)({sw.target}, OwnerAt(o), lists, cb, options.timeoutMs);
+    for (size_t k = before; k < outcomes.size(); ++k)
+      if (outcomes[k].op == AclWriteOp::kClose) {
+        if (!Ok(outcomes[k])) plan.failure = "closing request: " + Describe(outcomes[k]);
+        else closed.insert({OwnerAt(o), kind});
+      }
+  };
   for (size_t o = 0; o < 2; ++o)
     for (AclKind kind : {AclKind::kProfiles, AclKind::kRules}) {
-      std::array<AclRecordList, 4> lists;
-      std::array<std::vector<PlanItem*>, 4> owners;
+      if (kind == AclKind::kRules) SkipRulesOfFailedProfiles(plan, OwnerAt(o));
+      std::vector<PlanItem*> items;
       for (PlanItem& i : plan.items)
-        if (OwnerIndex(i.owner) == o && i.kind == kind &&
-            (i.change == Change::kCreate || i.change == Change::kReplace) && i.failure.empty()) {
-          lists[static_cast<size_t>(i.type)].push_back(i.wanted);
-          owners[static_cast<size_t>(i.type)].push_back(&i);
-        }
-      size_t n = 0;
-      for (const auto& l : lists) n += l.size();
-      if (n == 0) continue;
-      AclApplyCallbacks cb;
-      cb.recordSent = [&](size_t, AclType type, size_t r, bool ok) {
-        PlanItem& i = *owners[static_cast<size_t>(type)][r];
-        i.done = ok;
-        if (!ok && !outcomes.empty()) i.failure = "create: " + Describe(outcomes.back());
-        if (!ok && outcomes.empty()) i.failure = "create: not sent";
-        tick();
-      };
-      const size_t before = outcomes.size();
-      (kind == AclKind::kProfiles ? ApplyProfiles : ApplyRules)({sw.target}, OwnerAt(o), lists, cb, options.timeoutMs);
-      for (size_t k = before; k < outcomes.size(); ++k)
-        if (outcomes[k].op == AclWriteOp::kClose && !(outcomes[k].result.responded && outcomes[k].result.errorStatus == 0))
-          plan.failure = "closing request: " + Describe(outcomes[k]);
+        if (OwnerIndex(i.owner) == o && i.kind == kind && Creates(i.change) && i.failure.empty()) items.push_back(&i);
+      if (items.empty() || stopped()) continue;
+      send(o, kind, items);
+      RetryLost(plan, o, kind, options, stopped, [&](const std::vector<PlanItem*>& again) {
+        if (!again.empty()) return send(o, kind, again);
+        // Every lost answer's record had landed: the closing request the first round held back.
+        const SnmpSetResult r = SendClosingRequest(sw.target, OwnerAt(o), kind, options.timeoutMs);
+        if (r.responded && r.errorStatus == 0) closed.insert({OwnerAt(o), kind});
+        else plan.failure = "closing request: " + OutcomeWord(r);
+      });
     }
+  // A closing request an earlier apply owes (it stopped after its records landed) goes out
+  // once this apply has done its part without a fault.
+  const bool clean = std::none_of(plan.items.begin(), plan.items.end(),
+                                  [](const PlanItem& i) { return Sends(i.change) && !i.failure.empty(); });
+  for (const auto& owed : plan.owedClosings) {
+    if (closed.count(owed) || !clean || !plan.failure.empty() || stopped()) continue;
+    const SnmpSetResult r = SendClosingRequest(sw.target, owed.first, owed.second, options.timeoutMs);
+    if (!(r.responded && r.errorStatus == 0)) plan.failure = "owed closing request: " + OutcomeWord(r);
+  }
   {
     std::lock_guard<std::mutex> lock(g_collectMutex);
     g_collectors.erase(sw.target.ip);
   }
-  // Read back what changed and compare it cell by cell.
+  for (PlanItem& i : plan.items)
+    if (Sends(i.change) && !i.done && i.failure.empty()) {
+      i.skipped = true;
+      i.failure = "not sent: interrupted";
+      plan.interrupted = true;
+    }
   if (total > 0) {
     status("verifying");
     std::array<bool, 2> owners{};
     for (const PlanItem& i : plan.items) owners[OwnerIndex(i.owner)] = true;
     plan.after = ReadSwitch(sw, owners, options.timeoutMs);
-    const SwitchHoldings& after = plan.after;
-    for (PlanItem& i : plan.items) {
-      if (i.change == Change::kUnchanged || i.change == Change::kKept || !i.done) continue;
-      const AclHoldings& h = after.acls[OwnerIndex(i.owner)];
-      const AclRecord& key = i.change == Change::kDelete ? i.actual : i.wanted;
-      const AclRecord* found = nullptr;
-      for (AclType t : kTypes)
-        for (const AclRecord& r : (i.kind == AclKind::kProfiles ? h.profiles : h.rules)[static_cast<size_t>(t)])
-          if (!r.empty() && r[0] == key[0] && (i.kind == AclKind::kProfiles || (r.size() > 1 && r[1] == key[1])))
-            found = &r;
-      if (!after.reached) {
-        i.failure = "read-back: no answer";
-      } else if (i.change == Change::kDelete) {
-        i.verified = found == nullptr;
-        if (!i.verified) i.failure = "read-back: still on the switch";
-      } else if (found == nullptr) {
-        i.failure = "read-back: not on the switch";
-      } else if (auto table = TableOf(sw, i)) {
-        const auto cells = DiffRecordCells(*sw.model, *table, i.wanted, *found);
-        i.verified = cells.empty();
-        if (!i.verified) i.failure = "read-back: cell " + std::to_string(cells.front()) + " reads \"" +
-                                     (cells.front() < found->size() ? (*found)[cells.front()] : "") + "\"";
-      }
-    }
+    Verify(plan, expected);
   } else {
     plan.after = plan.before;
   }
   plan.seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  status(plan.failure.empty() ? "done" : "failed");
+  status(plan.interrupted ? "interrupted" : plan.failure.empty() ? "done" : "failed");
 }

@@ -34,6 +34,7 @@ struct PlanItem {
   bool done = false;
   bool verified = false;
   bool skipped = false;   // not sent: what it depends on failed, or the run was interrupted
+  bool lost = false;      // sent, but its answer never came (it may have landed)
   std::string failure;    // the switch's answer when it refused, or why it was skipped
 };
 
@@ -44,9 +45,12 @@ struct SwitchPlan {
   std::vector<PlanItem> items;
   std::string failure;    // the switch as a whole (no answer, closing request refused)
   bool interrupted = false;  // Apply stopped by a signal before the plan was carried out
+  bool busy = false;         // another apply held the switch: nothing read or sent
+  // Closing requests an earlier apply owes this switch (its records landed, then it stopped).
+  std::vector<std::pair<AclOwner, AclKind>> owedClosings;  // (an OwedClosing)
   double seconds = 0;
   size_t count(Change c) const;
-  bool pending() const;   // anything to create or delete
+  bool pending() const;   // anything to create or delete, or a closing request owed
   bool failed() const;    // after Apply: no answer, a refusal, or a change that did not verify
 };
 
@@ -58,6 +62,10 @@ SwitchHoldings PlannedHoldings(const SwitchPlan& plan);
 struct RunOptions {
   unsigned long timeoutMs = kSnmpTimeoutMs;
   int parallel = 10;
+  int retries = 0;        // rounds for records whose answer was lost: read, then re-sent if absent
+  // Asked before each request that starts something new: true stops the apply, which
+  // finishes the request in flight and the closing request of what already landed.
+  std::function<bool()> stop;
   // Per switch, from its worker thread: a short status ("reading", "applying 3/20", "done").
   std::function<void(size_t index, const std::string& status)> progress;
 };

@@ -1,5 +1,6 @@
 #include "cli/json_fields.h"
 
+#include <functional>
 #include <set>
 
 #include "acl/acl_fields.h"
@@ -228,6 +229,40 @@ void ReadItems(const Json& j, const std::string& path, const ItemsShape& shape, 
   }
 }
 
+// The core's checks answer with the first message that fails and name no field. Each message is
+// pinned on the field whose clearing (or a value every model takes, for a required field)
+// silences it, and the checks run again without that field,
+// so a record's every fault is reported at its JSON path. A fault no single field silences
+// stays on the record.
+template <class Fields>
+struct Culprit {
+  const char* name;
+  std::function<void(Fields&)> clear;
+};
+template <class Fields>
+void PinMessages(const std::string& path, Fields f, const std::function<AclCheck(const Fields&)>& check,
+                 const std::vector<Culprit<Fields>>& culprits, std::vector<FieldError>& errors) {
+  std::set<std::string> cleared;
+  for (AclCheck c = check(f); c.code != AclMessage::kNone; c = check(f)) {
+    bool pinned = false;
+    for (const Culprit<Fields>& culprit : culprits) {
+      if (cleared.count(culprit.name)) continue;
+      Fields probe = f;
+      culprit.clear(probe);
+      if (check(probe).code == c.code) continue;
+      errors.push_back({Child(path, culprit.name), MessageText(c.code)});
+      cleared.insert(culprit.name);
+      f = probe;
+      pinned = true;
+      break;
+    }
+    if (!pinned) {
+      errors.push_back({path, MessageText(c.code)});
+      return;
+    }
+  }
+}
+
 }  // namespace
 
 bool ParseTypeName(std::string_view text, AclType& type) {
@@ -356,7 +391,12 @@ void ProfileFromJson(const Json& j, const std::string& path, AclType type, AclOw
   }
   UnknownKeys(j, path, known, errors);
   if (errors.size() == errorsBefore) {
-    if (const char* m = ValidateProfile(type, f)) errors.push_back({path, m});
+    std::vector<Culprit<ProfileFields>> culprits;
+    for (const ProfileMask& m : kProfileMasks)
+      if (Has(m.types, type) && j.contains(m.name))
+        culprits.push_back({m.name, [m](ProfileFields& p) { p.*m.checked = false; }});
+    PinMessages<ProfileFields>(path, f, [type](const ProfileFields& p) { return ValidateProfile(type, p); }, culprits,
+                               errors);
   }
 }
 
@@ -417,6 +457,28 @@ void RuleFromJson(const Json& j, const std::string& path, AclType type, AclOwner
                 errors);
   }
   UnknownKeys(j, path, known, errors);
+}
+
+void CheckRuleFields(const Json& j, const std::string& path, AclType type, AclOwner owner, const ModelEntry& model,
+                     const RuleFields& f, std::vector<FieldError>& errors) {
+  // Access ID and ports are required: the probe puts in a value every model takes instead.
+  const auto range = model.accessIdRange(owner, type);
+  const std::string anyAccessId = std::to_string(range ? range->min : 1);
+  std::vector<Culprit<RuleFields>> culprits{{"access_id", [anyAccessId](RuleFields& r) { r.accessId = anyAccessId; }},
+                                            {"ports", [](RuleFields& r) { r.ports = "1"; }}};
+  for (const RuleText& t : kRuleTexts)
+    if (Has(t.types, type) && j.contains(t.name))
+      culprits.push_back({t.name, [t](RuleFields& r) {
+                            (r.*t.member).clear();
+                            if (t.checked) r.*t.checked = false;
+                          }});
+  if (type == AclType::kIPv4)
+    if (const ProtocolNames* p = ProtocolByCode(f.protocol))
+      for (auto [name, member] : {std::pair{p->value1, &RuleFields::value1}, std::pair{p->value2, &RuleFields::value2},
+                                  std::pair{p->flags, &RuleFields::flagBits}})
+        if (name && j.contains(name)) culprits.push_back({name, [member](RuleFields& r) { (r.*member).clear(); }});
+  PinMessages<RuleFields>(path, f, [&](const RuleFields& r) { return ValidateRule(type, owner, model, r); }, culprits,
+                          errors);
 }
 
 Json ProfileToJson(AclType type, AclOwner owner, const ModelEntry& model, const ProfileFields& f) {

@@ -32,6 +32,10 @@ void RuleFromJson(const Json& j, const std::string& path, AclType type, AclOwner
                   const ModelEntry& model, std::string_view protocol, RuleFields& f,
                   std::vector<FieldError>& errors);
 
+// The core's rule checks on fields read by RuleFromJson: every fault at the path of its field.
+void CheckRuleFields(const Json& j, const std::string& path, AclType type, AclOwner owner, const ModelEntry& model,
+                     const RuleFields& f, std::vector<FieldError>& errors);
+
 // The fields as JSON members, in a fixed order; what the switch left empty is left out.
 Json ProfileToJson(AclType type, AclOwner owner, const ModelEntry& model, const ProfileFields& f);
 Json RuleToJson(AclType type, AclOwner owner, const ModelEntry& model, std::string_view protocol,

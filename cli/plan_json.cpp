@@ -29,8 +29,9 @@ const char* ItemResult(bool applied, const PlanItem& i) {
 }
 
 const char* SwitchResult(bool applied, const SwitchPlan& p) {
-  if (!p.before.reached) return "unreachable";
   if (applied && p.interrupted) return "interrupted";
+  if (p.busy) return "failed";
+  if (!p.before.reached) return "unreachable";
   if (applied && p.failed()) return "failed";
   if (!p.pending()) return "unchanged";
   return applied ? "changed" : "changes";
@@ -76,6 +77,13 @@ Json PlanResultJson(bool applied, StateMode mode, const std::vector<SwitchPlan>&
     const SwitchEntry& sw = *p.sw;
     Json s{{"name", sw.name}, {"address", sw.target.ip}, {"model", sw.target.typeText}, {"result", SwitchResult(applied, p)}};
     if (!p.failure.empty()) s["error"] = p.failure;
+    if (!p.owedClosings.empty()) {
+      Json owed = Json::array();
+      for (const auto& o : p.owedClosings)
+        owed.push_back({{"owner", o.first == AclOwner::kCpu ? "cpu_acl" : "acl"},
+                        {"kind", o.second == AclKind::kRules ? "rule" : "profile"}});
+      s["closing_owed"] = owed;
+    }
     s["before"] = p.before.reached ? SwitchJson(sw, p.before) : Json(nullptr);
     s["after"] = !p.before.reached ? Json(nullptr) : SwitchJson(sw, applied ? p.after : PlannedHoldings(p));
     Json changes = Json::array();

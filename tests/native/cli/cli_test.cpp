@@ -11,11 +11,16 @@
 #include <regex>
 #include <set>
 #include <sstream>
+#include <thread>
+#ifndef _WIN32
+#include <csignal>
+#endif
 
 #include "acl/acl_audit.h"
 #include "acl/acl_mib.h"
 #include "cli/commands.h"
 #include "cli/json_fields.h"
+#include "cli/switch_state.h"
 #include "snmp/snmp_ops.h"
 #include "sim/walk_dump.h"
 #include "sim_agent.h"
@@ -48,6 +53,9 @@ class CliTest : public ::testing::Test {
                                         "-" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
     fs::remove_all(dir_);
     fs::create_directories(dir_);
+    // Lock files and owed closing requests in the test's own folder.
+    SetEnv("XDG_STATE_HOME", dir_.string().c_str());
+    SetEnv("LOCALAPPDATA", dir_.string().c_str());
     Write("secrets.json", std::string("{\"default\": {\"read\": \"") + kRead + "\", \"write\": \"" + kWrite + "\"}}");
   }
   void TearDown() override {
@@ -284,11 +292,11 @@ TEST_F(CliTest, BadFilesNameThePlaceAndSendNothing) {
       {R"({"switches": {"nope": {}}})", "$.switches.nope: no switch of that name"},
       {R"({"switches": {"sw1": {"acl": [{"id": 1, "type": "ethernet", "colour": 1}]}}})", "$.switches.sw1.acl[0].colour: unknown field"},
       {R"({"switches": {"sw1": {"acl": [{"id": 1, "type": "ethernet", "src_mac_mask": "00-11-22"}]}}})",
-       "$.switches.sw1.acl[0]: Invalid MAC Address !"},
+       "$.switches.sw1.acl[0].src_mac_mask: Invalid MAC Address !"},
       {R"({"groups": {"all": {"acl": [{"id": 1, "type": "ipv4", "rules": [{"access_id": 201, "action": "permit", "ports": "1"}]}]}}})",
-       "$.groups.all.acl[0].rules[0]: Access ID range is error (switch sw1, TVG5240-10)"},
+       "$.groups.all.acl[0].rules[0].access_id: Access ID range is error (switch sw1, TVG5240-10)"},
       {R"({"switches": {"sw1": {"acl": [{"id": 1, "type": "ipv4", "rules": [{"access_id": 2, "action": "permit", "ports": "1-11"}]}]}}})",
-       "$.switches.sw1.acl[0].rules[0]: Port  is error!"},
+       "$.switches.sw1.acl[0].rules[0].ports: Port  is error!"},
       {R"({"switches": {"sw1": {"cpu_acl": [{"id": 1, "type": "ethernet", "rules": [{"access_id": 2, "action": "mirror", "ports": "1"}]}]}}})",
        "$.switches.sw1.cpu_acl[0].rules[0].action: expected permit or deny"},
       {R"({"switches": {"sw1": {"acl": [{"id": 1, "type": "packet_content", "blocks": {}}]}}})",
@@ -317,6 +325,15 @@ TEST_F(CliTest, BadFilesNameThePlaceAndSendNothing) {
       EXPECT_NE(r.err.find(file + ": " + c.expected), std::string::npos) << r.err;
     }
   }
+  // Every fault of a file at once, each at its field, a faulty profile's rules included.
+  const std::string many = Write("many.json", R"({"switches": {"sw1": {"acl": [{"id": 1, "type": "ipv4", "vlan": true,
+      "src_ip_mask": "255.0.0.0", "rules": [{"access_id": 2, "action": "deny", "ports": "1-99", "vlan": "v1", "dscp": 64}]},
+      {"id": 2, "type": "ethernet", "src_mac_mask": "xyz", "rules": [{"access_id": 3, "action": "deny", "ports": "1", "802.1p": 9}]}]}}})");
+  Result all = Run({"plan", many});
+  for (const char* fault : {"acl[0].rules[0].ports: Port  is error!", "acl[0].rules[0].dscp: Dscp value range is 0 to 63",
+                            "acl[1].src_mac_mask: Invalid MAC Address !", "acl[1].rules[0].802.1p: 8021p value range is 0 to 7",
+                            "4 errors; nothing was sent"})
+    EXPECT_NE(all.err.find(fault), std::string::npos) << fault << "\n" << all.err;
   EXPECT_EQ(SetCount(), 0u);
   for (auto& a : agents_) EXPECT_EQ(a->requests(), 0u);
   // A secrets file that is not JSON is reported by position, never by its text.
@@ -378,6 +395,135 @@ TEST_F(CliTest, OverriddenBackupUndoesChangesByHandAndDeleteAsksFirst) {
   EXPECT_NE(yes.out.find("deleted=2 unchanged=0 failed=0 verified=2/2"), std::string::npos) << yes.out;
   EXPECT_NE(Run({"plan", "--limit", "sw2", file}).out.find("Plan: 2 to create"), std::string::npos);
 }
+
+TEST_F(CliTest, ReplacesVerifyAtTheEndRulesOfAFailedProfileWaitAndSummariesSayWhatIsTrue) {
+  sim::Faults refuseProfile, silent;
+  refuseProfile.refuseSets = {1};
+  refuseProfile.refuseStatus = snmp::kBadValue;
+  silent.silent = true;
+  Fleet({{"sw1", "TVR4820", {}}, {"sw2", "TVR4820", refuseProfile}, {"sw3", "TVR4820", silent}});
+  auto state = [&](const char* mask, const char* action = "deny") {
+    Json acl = Json::parse(R"([{"id": 3, "type": "ipv4", "rules": [{"access_id": 9, "ports": "2", "dst_ip": "10.0.0.0"}]}])");
+    acl[0]["dst_ip_mask"] = mask;
+    acl[0]["rules"][0]["action"] = action;
+    return Write(std::string("state-") + mask + "-" + action + ".json", Json{{"groups", {{"all", {{"acl", acl}}}}}}.dump());
+  };
+  Result r = Run({"apply", state("255.255.255.0")});
+  EXPECT_EQ(r.status, kExitFailed);
+  // The refused profile's rule is not sent: one SET on that switch, and the recap says why.
+  EXPECT_EQ(agents_[1]->sets().size(), 1u);
+  EXPECT_NE(r.out.find("acl rule 3/9 (ipv4): not sent: profile 3 failed"), std::string::npos) << r.out;
+  EXPECT_TRUE(std::regex_search(r.out, std::regex(R"(sw2 +FAILED +created=0 deleted=0 unchanged=0 failed=1 skipped=1)"))) << r.out;
+  EXPECT_NE(r.out.find("no answer within 400 ms (a wrong community looks the same)"), std::string::npos) << r.out;
+
+  // A changed profile replaced with its rule: deleted, created again, and verified as the end
+  // state the plan meant.
+  Result replaced = Run({"apply", "--yes", "--state", "replaced", "--limit", "sw1", state("255.255.0.0")});
+  EXPECT_EQ(replaced.status, kExitOk) << replaced.out;
+  EXPECT_NE(replaced.out.find("created=2 deleted=2 unchanged=0 failed=0 verified=3/3"), std::string::npos) << replaced.out;
+
+  // What the summary line says: kept records, silent switches, a deletion that names nothing.
+  struct Case {
+    std::vector<std::string> args;
+    std::string said, unsaid;
+  } cases[] = {
+      {{"plan", "--limit", "sw1", state("255.255.0.0", "permit")}, "No changes in --state merged, but 1 record on the switches differ", "No changes. The"},
+      {{"plan", "--limit", "sw1,sw3", state("255.255.0.0")}, "1 switch was not read (see above)", "No changes. The"},
+      {{"plan", "--limit", "sw1", state("255.255.0.0")}, "No changes. The switches hold what the file says.", "not read"},
+      {{"delete", "--limit", "sw1", "profile:99"}, "Nothing to delete: no switch holds any of these records.", "No changes."},
+  };
+  for (const Case& c : cases) {
+    Result plan = Run(c.args);
+    EXPECT_NE(plan.out.find(c.said), std::string::npos) << plan.out;
+    EXPECT_EQ(plan.out.find(c.unsaid), std::string::npos) << plan.out;
+  }
+
+  // Two entries for one switch would be two applies on it at once.
+  Json inv = Json::parse(Read("inventory.json"));
+  inv["switches"]["twin"] = inv["switches"]["sw1"];
+  Write("inventory.json", inv.dump());
+  Result twin = Run({"show"});
+  EXPECT_EQ(twin.status, kExitUsage);
+  EXPECT_NE(twin.err.find("$.switches.twin.address: the address of sw1 too"), std::string::npos) << twin.err;
+}
+
+TEST_F(CliTest, OneApplyPerSwitchAndAClosingRequestOwedIsSeenAndSent) {
+  sim::Faults loseClosing;
+  loseClosing.dropSets = {2, 4};  // the first closing request is lost, later a record
+  Fleet({{"sw1", "TVR4820", loseClosing}});
+  const std::string file = Write("state.json", R"({"switches": {"sw1": {"acl": [{"id": 5, "type": "ethernet", "vlan": true}]}}})");
+  {
+    SwitchLock held;
+    std::string error;
+    ASSERT_TRUE(held.Acquire((dir_ / "sentrel").string(), agents_[0]->address(), error)) << error;
+    Result busy = Run({"apply", file});
+    EXPECT_EQ(busy.status, kExitFailed);
+    EXPECT_TRUE(std::regex_search(busy.out, std::regex(R"(another apply holds this switch \(pid \d+ of .* since )"))) << busy.out;
+    EXPECT_EQ(agents_[0]->requests(), 0u);
+  }
+  Result lost = Run({"apply", file});
+  EXPECT_EQ(lost.status, kExitFailed);
+  ASSERT_EQ(agents_[0]->sets().size(), 2u);
+  // The record is on the switch, so only the owed closing request is left to do, and plan says so.
+  Result plan = Run({"plan", "--detailed-exitcode", file});
+  EXPECT_EQ(plan.status, kExitPending) << plan.out;
+  EXPECT_NE(plan.out.find("!   closing request of the acl profiles owed"), std::string::npos) << plan.out;
+  Result owed = Run({"apply", file});
+  EXPECT_EQ(owed.status, kExitOk) << owed.out;
+  const auto sets = agents_[0]->sets();
+  ASSERT_EQ(sets.size(), 3u);
+  EXPECT_EQ(sets[2].varbinds.at(0).name, sets[1].varbinds.at(0).name);  // the closing request again
+  EXPECT_EQ(Run({"plan", "--detailed-exitcode", file}).status, kExitOk);
+
+  // A record whose answer is lost: with --retries the switch is read, the row is absent, and
+  // the record goes out once more before its closing request.
+  const std::string two = Write("two.json", R"({"switches": {"sw1": {"acl": [{"id": 5, "type": "ethernet", "vlan": true},
+      {"id": 6, "type": "ethernet", "vlan": true}]}}})");
+  Result retried = Run({"apply", "--retries", "1", two});
+  EXPECT_EQ(retried.status, kExitOk) << retried.out;
+  const auto all = agents_[0]->sets();
+  ASSERT_EQ(all.size(), 6u);
+  EXPECT_TRUE(all[3].dropped);
+  EXPECT_EQ(all[4].varbinds, all[3].varbinds);
+}
+
+#ifndef _WIN32
+TEST_F(CliTest, CtrlCFinishesTheRequestInFlightClosesWhatLandedAndExits130) {
+  Fleet({{"sw1", "TVR4820", {}}, {"sw2", "TVR4820", {}}, {"sw3", "TVR4820", {}}});
+  for (auto& a : agents_) a->delay(60);
+  Json rules = Json::array();
+  for (int k = 1; k <= 12; ++k) rules.push_back({{"access_id", k}, {"action", "deny"}, {"ports", std::to_string(k)}});
+  const std::string file = Write("state.json", Json{{"groups", {{"all", {{"acl", {{{"id", 1}, {"type", "ethernet"}, {"vlan", true}, {"rules", rules}}}}}}}}}.dump());
+  std::thread interrupter([&] {
+    while (agents_[0]->sets().size() < 4) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    std::raise(SIGINT);
+  });
+  Result r = Run({"apply", "--parallel", "2", file});
+  interrupter.join();
+  EXPECT_EQ(r.status, 130) << r.out;
+  EXPECT_NE(r.out.find("Total: 3 switches"), std::string::npos) << r.out;
+  EXPECT_TRUE(std::regex_search(r.out, std::regex(R"(sw1 +INTERRUPTED)"))) << r.out;
+  EXPECT_TRUE(std::regex_search(r.out, std::regex(R"(sw3 +INTERRUPTED +created=0)"))) << r.out;
+  // Every switch that got a record ended with the closing request, answered.
+  std::map<std::string, std::string> lastWrite, interrupted;
+  std::istringstream audit(Read("audit.jsonl"));
+  for (std::string line; std::getline(audit, line);) {
+    const Json j = Json::parse(line);
+    if (j.value("result", "") == "interrupted") interrupted[j["switch"]] = j["detail"];
+    else if (j["phase"] == "outcome") lastWrite[j["switch"]] = j["operation"].get<std::string>() + " " + j["result"].get<std::string>();
+  }
+  EXPECT_EQ(interrupted.size(), 3u);
+  EXPECT_EQ(interrupted["sw3"], "not started");
+  for (size_t k = 0; k < 2; ++k) {
+    const auto sets = agents_[k]->sets();
+    ASSERT_GE(sets.size(), 2u);
+    EXPECT_LT(sets.size(), 14u);
+    EXPECT_EQ(lastWrite["sw" + std::to_string(k + 1)], "close ok");
+    EXPECT_EQ(sets.back().varbinds.at(0).name, sets.at(1).varbinds.at(0).name);  // as after the profile
+  }
+  EXPECT_TRUE(agents_[2]->sets().empty());
+}
+#endif
 
 TEST_F(CliTest, OneSwitchWithoutInventoryPlansOfflineAndAppliesAsOneJsonDocument) {
   Fleet({{"unused", "TVR4820", {}}});

@@ -1,0 +1,163 @@
+#include "cli/switch_state.h"
+
+#include <chrono>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#ifdef _WIN32
+#include <windows.h>
+#include <process.h>
+#define SENTREL_GETPID _getpid
+#else
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+#define SENTREL_GETPID getpid
+#endif
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// An address as a file name (a port's colon is not allowed on Windows).
+std::string FileName(std::string address) {
+  for (char& c : address)
+    if (c == ':') c = '_';
+  return address;
+}
+
+std::string Now() {
+  const std::time_t t = std::time(nullptr);
+  char text[32];
+  std::tm tm{};
+#ifdef _WIN32
+  gmtime_s(&tm, &t);
+#else
+  gmtime_r(&t, &tm);
+#endif
+  std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S UTC", &tm);
+  return text;
+}
+
+std::string ReadAll(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+}  // namespace
+
+const char* OwedClosingName(const OwedClosing& o) {
+  const bool cpu = o.first == AclOwner::kCpu, rules = o.second == AclKind::kRules;
+  return cpu ? (rules ? "cpu_acl rules" : "cpu_acl profiles") : (rules ? "acl rules" : "acl profiles");
+}
+
+std::string StateFolder() {
+  const std::string log = DefaultAuditLogPath();
+  return log.empty() ? std::string() : fs::path(log).parent_path().string();
+}
+
+bool SwitchLock::Acquire(const std::string& folder, const std::string& address, std::string& error) {
+  if (folder.empty()) return true;  // nowhere to keep locks: nothing to coordinate with
+  std::error_code ec;
+  const fs::path dir = fs::path(folder) / "locks";
+  fs::create_directories(dir, ec);
+  const fs::path file = dir / (FileName(address) + ".lock");
+  const std::string holder = "pid " + std::to_string(SENTREL_GETPID()) + " of " + OperatorName() + " since " + Now();
+  // The holder's text stays readable: the lock is on a byte far past it (Windows) or on the
+  // whole file as an advisory lock (POSIX).
+#ifdef _WIN32
+  HANDLE h = CreateFileW(file.wstring().c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                         nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (h == INVALID_HANDLE_VALUE) {
+    error = file.string() + ": cannot be opened for the switch's lock";
+    return false;
+  }
+  OVERLAPPED at{};
+  at.Offset = 0x40000000;
+  if (!LockFileEx(h, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &at)) {
+    CloseHandle(h);
+    error = "another apply holds this switch (" + ReadAll(file) + "; " + file.string() + ")";
+    return false;
+  }
+  DWORD written = 0;
+  SetFilePointer(h, 0, nullptr, FILE_BEGIN);
+  WriteFile(h, holder.data(), static_cast<DWORD>(holder.size()), &written, nullptr);
+  SetEndOfFile(h);
+  handle_ = h;
+#else
+  const int fd = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+  if (fd < 0) {
+    error = file.string() + ": cannot be opened for the switch's lock";
+    return false;
+  }
+  if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+    ::close(fd);
+    error = "another apply holds this switch (" + ReadAll(file) + "; " + file.string() + ")";
+    return false;
+  }
+  if (::ftruncate(fd, 0) == 0 && ::pwrite(fd, holder.data(), holder.size(), 0) < 0) {
+    // The holder's text is a courtesy to the next comer; the lock holds without it.
+  }
+  fd_ = fd;
+#endif
+  return true;
+}
+
+SwitchLock::~SwitchLock() {
+#ifdef _WIN32
+  if (handle_ != nullptr) CloseHandle(static_cast<HANDLE>(handle_));
+#else
+  if (fd_ >= 0) ::close(fd_);
+#endif
+}
+
+std::set<OwedClosing>& ClosingLedger::Load(const std::string& address) {
+  auto found = owed_.find(address);
+  if (found != owed_.end()) return found->second;
+  std::set<OwedClosing>& owed = owed_[address];
+  if (folder_.empty()) return owed;
+  std::istringstream lines(ReadAll(fs::path(folder_) / "closing-owed" / FileName(address)));
+  for (std::string line; std::getline(lines, line);)
+    for (AclOwner o : {AclOwner::kAcl, AclOwner::kCpu})
+      for (AclKind k : {AclKind::kProfiles, AclKind::kRules})
+        if (line == OwedClosingName({o, k})) owed.insert({o, k});
+  return owed;
+}
+
+void ClosingLedger::Save(const std::string& address, const std::set<OwedClosing>& owed) {
+  if (folder_.empty()) return;
+  std::error_code ec;
+  const fs::path dir = fs::path(folder_) / "closing-owed";
+  fs::create_directories(dir, ec);
+  const fs::path file = dir / FileName(address);
+  if (owed.empty()) {
+    fs::remove(file, ec);
+    return;
+  }
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
+  for (const OwedClosing& o : owed) out << OwedClosingName(o) << "\n";
+}
+
+std::vector<OwedClosing> ClosingLedger::Owed(const std::string& address) {
+  std::lock_guard<std::mutex> lock(mutex_);
+  const std::set<OwedClosing>& owed = Load(address);
+  return {owed.begin(), owed.end()};
+}
+
+void ClosingLedger::Observe(const AclWriteEvent& e) {
+  const bool request = e.op == AclWriteOp::kCreate && e.outcome == nullptr;
+  const bool settled = e.op == AclWriteOp::kClose && e.outcome != nullptr && e.outcome->responded &&
+                       e.outcome->errorStatus == 0;
+  if (!request && !settled) return;
+  std::lock_guard<std::mutex> lock(mutex_);
+  std::set<OwedClosing>& owed = Load(e.target.ip);
+  const OwedClosing key{e.owner, e.kind};
+  if (request == (owed.count(key) > 0)) return;
+  if (request) owed.insert(key);
+  else owed.erase(key);
+  Save(e.target.ip, owed);
+}
