@@ -76,7 +76,7 @@ def fleet(tmp_path_factory):
                  for name, (a, m, _) in FLEET.items())
     inventory = {"all": {"hosts": hosts, "vars": {
         "ansible_connection": "local", "ansible_python_interpreter": "{{ ansible_playbook_python }}",
-        "sentrel_acl_path": ACL, "sentrel_timeout": 300,
+        "sentrel_acl_path": ACL, "sentrel_timeout": 300, "sentrel_audit_log": str(work / "audit.jsonl"),
         "sentrel_read_community": READ, "sentrel_write_community": WRITE}}}
     (work / "inventory.json").write_text(json.dumps(inventory))
     (work / "play.yml").write_text(PLAYBOOK)
@@ -90,7 +90,7 @@ def play(fleet, state, *flags, extra=None):
     work, _ = fleet
     out = work / ("out-%s-%d" % (state, time.monotonic_ns()))
     out.mkdir()
-    env = dict(os.environ, ANSIBLE_COLLECTIONS_PATH=str(work / "collections"), ANSIBLE_PIPELINING="True",
+    env = dict(os.environ, XDG_STATE_HOME=str(work / "state"), ANSIBLE_COLLECTIONS_PATH=str(work / "collections"), ANSIBLE_PIPELINING="True",
                ANSIBLE_FORKS="10", ANSIBLE_NOCOLOR="1", ANSIBLE_LOCAL_TEMP=str(work / "tmp"),
                ANSIBLE_HOME=str(work / "home"), ANSIBLE_RETRY_FILES_ENABLED="False",
                # each host's result, as the module returned it, into a file of its own
@@ -113,7 +113,6 @@ def sets_sent(fleet):
 def show_json(name):
     address, model, _ = FLEET[name]
     env = dict(os.environ, SENTREL_READ_COMMUNITY=READ)
-    env.pop("SENTREL_INVENTORY", None)
     run = subprocess.run([ACL, "show", "--json", "--switch", address, "--model", model, "--name", name],
                          env=env, capture_output=True, text=True, check=True)
     return json.loads(run.stdout)["switches"][name]
@@ -144,6 +143,7 @@ def test_merged_check_mode_then_apply_then_nothing_left_to_do(fleet):
     refused = applied["sw-refusing"]
     assert "badValue" in json.dumps(refused["failures"]) and refused["failures"][0]["record"]
     assert "+++ after" in output
+    assert_no_community((fleet[0] / "audit.jsonl").read_text())
 
     _, _, recap = play(fleet, "merged")
     for name in HEALTHY:

@@ -117,5 +117,6 @@ ARGUMENT_SPEC = {
     "read_community": {"type": "str", "no_log": True},
     "write_community": {"type": "str", "no_log": True},
     "timeout": {"type": "int"},
+    "audit_log": {"type": "path"},
     "sentrel_acl_path": {"type": "path", "default": "sentrel-acl"},
 }

@@ -260,6 +260,12 @@ options:
       - How long to wait for each answer, in milliseconds. Defaults to C(sentrel_timeout), else
         the engine's default.
     type: int
+  audit_log:
+    description:
+      - The JSON Lines audit log that the engine appends every SET and its answer to. Defaults
+        to C(sentrel_audit_log), else the engine's own (C($XDG_STATE_HOME/sentrel/audit.jsonl)),
+        beside which it also keeps its per-switch locks.
+    type: path
   sentrel_acl_path:
     description: The engine. Defaults to C(sentrel_acl_path), else C(sentrel-acl) on the PATH.
     type: path
@@ -426,8 +432,12 @@ class Engine(object):
         stdin = json.dumps(engine.document(self.params["name"], switch))
         # The task is the operator's confirmation: the engine would otherwise refuse to delete
         # without a terminal to ask on.
-        confirm = [] if self.module.check_mode else ["--yes"]
-        rc, report, err = self.run(command, ["--state", state] + confirm + ["-"], stdin)
+        options = ["--state", state]
+        if not self.module.check_mode:
+            options.append("--yes")
+            if self.params.get("audit_log"):
+                options += ["--audit-log", self.params["audit_log"]]
+        rc, report, err = self.run(command, options + ["-"], stdin)
         found = engine.find_switch(report, self.params["name"])
         if found is None:
             self.module.fail_json(msg="sentrel-acl %s: no result for the switch: %s" % (command, err.strip()), rc=rc)
