@@ -116,6 +116,8 @@ printf '  sentrel-acl is %.1fx faster\n' "$(calc "$t_loop / $t_acl")"
 # engine for its switch, against one engine run over the whole fleet.
 bench_ansible() {
   local n=200 dir="$work/ansible" i
+  # The engine's switch locks and audit log of both runs stay with this case.
+  local -x XDG_STATE_HOME="$dir/state"
   mkdir -p "$dir"
   # One profile with 9 rules: 10 records a switch; the same switches in both inventories.
   python3 - "$dir" "$n" "$PWD/$acl" <<'PY'
