@@ -98,8 +98,9 @@ def items_of(defs, schema):
     return [resolve(resolve(d, schema).get("items", {}), schema) for d in defs]
 
 
-# What each argspec type takes of a JSON document.
-ARGSPEC_TYPES = {"int": {"integer"}, "str": {"string"}, "bool": {"boolean"}, "list": {"array"},
+# What each argspec type takes of a JSON document: an int option also takes a whole number's
+# digits as text, as the engine does for IDs.
+ARGSPEC_TYPES = {"int": {"integer", "string"}, "str": {"string"}, "bool": {"boolean"}, "list": {"array"},
                  "dict": {"object"}, "raw": {"integer", "string"}}
 
 
