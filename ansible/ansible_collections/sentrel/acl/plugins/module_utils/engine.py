@@ -172,15 +172,13 @@ def switch_result(switch, applied):
     return result, error
 
 
-def engine_args(path, command, params, json_output=True):
+def engine_args(path, command, params):
     """The engine's command line for one switch: never a community on it."""
     args = [path]
     if params.get("timeout") is not None:
         args += ["--timeout", str(params["timeout"])]
-    args.append(command)
-    if json_output:
-        args.append("--json")
-    args += ["--switch", params["address"], "--model", params["model"], "--name", params["name"]]
+    args += [command, "--json", "--switch", params["address"], "--model", params["model"],
+             "--name", params["name"]]
     return args
 
 

@@ -405,26 +405,30 @@ class Engine(object):
         self.params = module.params
         path = self.params["sentrel_acl_path"]
         self.path = path if os.sep in path else module.get_bin_path(path, required=True)
-        # The switch is named on the command line; an inventory in the environment would clash.
-        os.environ.pop("SENTREL_INVENTORY", None)
 
-    def run(self, command, extra=(), stdin=None, json_output=True):
-        args = engine.engine_args(self.path, command, self.params, json_output) + list(extra)
+    def fail(self, command, rc, err, out=""):
+        self.module.fail_json(msg="sentrel-acl %s failed: %s" % (command, err.strip() or out.strip()), rc=rc)
+
+    def run(self, command, extra=(), stdin=None):
+        """The engine's JSON report; a run that printed none fails the task with its errors."""
+        args = engine.engine_args(self.path, command, self.params) + list(extra)
         rc, out, err = self.module.run_command(
             args, data=stdin, binary_data=True, environ_update=engine.engine_environment(self.params))
-        report = None
-        if json_output and out.strip():
-            try:
-                report = json.loads(out)
-            except ValueError:
-                report = None
+        try:
+            report = json.loads(out)
+        except ValueError:
+            report = None
         if not isinstance(report, dict):
-            self.module.fail_json(msg="sentrel-acl %s failed: %s" % (command, err.strip() or out.strip()), rc=rc)
+            self.fail(command, rc, err, out)
         return rc, report, err
 
     def show(self):
-        _, report, _ = self.run("show")
-        return engine.find_switch(report, self.params["name"]) or {}
+        """What the switch holds; a switch that did not answer fails (its silence is no empty ACL)."""
+        rc, report, err = self.run("show")
+        found = engine.find_switch(report, self.params["name"])
+        if rc != 0 or found is None:
+            self.fail("show", rc, err)
+        return found
 
     def converge(self, state, switch):
         """plan (check mode) or apply the switch's desired state."""
@@ -468,8 +472,10 @@ def main():
 
     if state == "rendered":
         stdin = json.dumps(engine.document(params["name"], engine.switch_state(params["config"], "merged")))
-        _, report, _ = runner.run("plan", ["--assume-empty", "-"], stdin)
-        found = engine.find_switch(report, params["name"]) or {}
+        rc, report, err = runner.run("plan", ["--assume-empty", "-"], stdin)
+        found = engine.find_switch(report, params["name"])
+        if rc != 0 or found is None:
+            runner.fail("plan", rc, err)
         module.exit_json(changed=False, rendered=engine.commands_of(found))
 
     if state == "deleted":

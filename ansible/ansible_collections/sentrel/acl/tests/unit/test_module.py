@@ -164,7 +164,6 @@ def run_module(tmp_path, monkeypatch, capsys):
     engine_path.write_text(FAKE_ENGINE)
     engine_path.chmod(0o755)
     monkeypatch.setenv("FAKE_CALLS", str(tmp_path / "calls"))
-    monkeypatch.setenv("SENTREL_INVENTORY", "/somewhere/inventory.json")
 
     def run(args, answers, rc=0, check_mode=False):
         """answers: what the engine prints, by its command."""
@@ -236,6 +235,11 @@ def test_bad_arguments_fail_before_the_engine_runs(run_module, args, message):
     result, output, calls = run_module(args, {})
     assert result["failed"] is True and message in result["msg"]
     assert calls == [] and "secret" not in output
+
+
+def test_gathered_from_a_switch_that_did_not_answer_fails_instead_of_reading_empty(run_module):
+    result, _, _ = run_module({"state": "gathered"}, {"show": {"switches": {}}}, rc=2)
+    assert result["failed"] is True and "sentrel-acl show failed" in result["msg"]
 
 
 def test_engine_errors_without_a_report_fail_with_its_message(run_module, tmp_path):
