@@ -32,7 +32,8 @@ CONFIG = {
             {"access_id": 7, "action": "deny", "ports": "2,9"}]},
         {"id": 5, "type": "ipv4", "dst_ip_mask": "255.255.255.0", "protocol": "udp", "dst_port_mask": "FFFF",
          "rules": [{"access_id": 2, "action": "mirror", "ports": "1-8,10", "dst_ip": "10.1.1.0", "dst_port": 53}]}],
-    "cpu_acl": [{"id": 1, "type": "ethernet", "vlan": True, "rules": [{"access_id": 4, "action": "deny", "ports": "5"}]}],
+    "cpu_acl": [{"id": 1, "type": "ethernet", "vlan": True,
+                 "rules": [{"access_id": 4, "action": "deny", "ports": "5"}]}],
 }
 
 
@@ -91,7 +92,8 @@ def play(fleet, state, *flags, extra=None):
     work, _ = fleet
     out = work / ("out-%s-%d" % (state, time.monotonic_ns()))
     out.mkdir()
-    env = dict(os.environ, XDG_STATE_HOME=str(work / "state"), ANSIBLE_COLLECTIONS_PATH=str(work / "collections"), ANSIBLE_PIPELINING="True",
+    env = dict(os.environ, XDG_STATE_HOME=str(work / "state"),
+               ANSIBLE_COLLECTIONS_PATH=str(work / "collections"), ANSIBLE_PIPELINING="True",
                ANSIBLE_FORKS="10", ANSIBLE_NOCOLOR="1", ANSIBLE_LOCAL_TEMP=str(work / "tmp"),
                ANSIBLE_HOME=str(work / "home"), ANSIBLE_RETRY_FILES_ENABLED="False",
                # each host's result, as the module returned it, into a file of its own
