@@ -20,6 +20,7 @@ HOST_VARIABLES = (
     ("read_community", ("sentrel_read_community",)),
     ("write_community", ("sentrel_write_community",)),
     ("timeout", ("sentrel_timeout",)),
+    ("retries", ("sentrel_retries",)),
     ("audit_log", ("sentrel_audit_log",)),
     ("sentrel_acl_path", ("sentrel_acl_path",)),
 )

@@ -117,6 +117,7 @@ ARGUMENT_SPEC = {
     "read_community": {"type": "str", "no_log": True},
     "write_community": {"type": "str", "no_log": True},
     "timeout": {"type": "int"},
+    "retries": {"type": "int"},
     "audit_log": {"type": "path"},
     "sentrel_acl_path": {"type": "path", "default": "sentrel-acl"},
 }

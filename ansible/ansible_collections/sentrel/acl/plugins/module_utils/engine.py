@@ -175,8 +175,9 @@ def switch_result(switch, applied):
 def engine_args(path, command, params):
     """The engine's command line for one switch: never a community on it."""
     args = [path]
-    if params.get("timeout") is not None:
-        args += ["--timeout", str(params["timeout"])]
+    for option in ("timeout", "retries"):
+        if params.get(option) is not None:
+            args += ["--" + option, str(params[option])]
     args += [command, "--json", "--switch", params["address"], "--model", params["model"],
              "--name", params["name"]]
     return args

@@ -260,6 +260,11 @@ options:
       - How long to wait for each answer, in milliseconds. Defaults to C(sentrel_timeout), else
         the engine's default.
     type: int
+  retries:
+    description:
+      - How many times to ask again after a lost answer. Defaults to C(sentrel_retries), else
+        the engine's default.
+    type: int
   audit_log:
     description:
       - The JSON Lines audit log that the engine appends every SET and its answer to. Defaults
