@@ -11,7 +11,8 @@ packages=(
   snmp snmpd                                   # net-snmp: the outside referee
   clang libclang-rt-14-dev                     # libFuzzer and sanitizers
   iproute2 util-linux ccache
-  ansible-core python3-pytest                   # the sentrel.acl collection and its tests
+  python3-jsonschema                           # sentrel-acl: its JSON output checked against its schemas
+  ansible-core python3-pytest                  # the sentrel.acl collection and its tests
 )
 missing=()
 for p in "${packages[@]}"; do

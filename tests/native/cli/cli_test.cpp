@@ -41,6 +41,15 @@ void SetEnv(const char* name, const char* value) {
 #endif
 }
 
+#ifdef SENTREL_SOURCE_DIR
+// Documents checked against a schema of cli/schema by the Debian package's validator.
+void ExpectSchemaValid(const std::string& schema, const std::vector<std::string>& files) {
+  std::string command = "python3 " SENTREL_SOURCE_DIR "/scripts/check-json-schema.py " SENTREL_SOURCE_DIR "/cli/schema/" + schema;
+  for (const std::string& f : files) command += " '" + f + "'";
+  EXPECT_EQ(std::system(command.c_str()), 0) << command;
+}
+#endif
+
 struct Result {
   int status;
   std::string out, err;
@@ -247,6 +256,12 @@ TEST_F(CliTest, EveryRecordTypeOnEveryModelIsPlannedAppliedAuditedAndVerified) {
     EXPECT_EQ(auditSets[agent->address()], logged) << agent->address();
   }
 
+#ifdef SENTREL_SOURCE_DIR
+  // Every record type of every model fits the desired-state schema, as written and as shown,
+  // and so does the plan document that reads them.
+  ExpectSchemaValid("desired-state.schema.json", {file, Write("shown-all.json", Run({"show", "--json"}).out)});
+  ExpectSchemaValid("plan-result.schema.json", {Write("plan-all.json", Run({"plan", "--json", "--state", "overridden", file}).out)});
+#endif
   // Nothing left to do; and show --json is the file's records as the switches hold them.
   Result again = Run({"plan", "--detailed-exitcode", file});
   EXPECT_EQ(again.status, kExitOk) << again.out;
@@ -525,6 +540,34 @@ TEST_F(CliTest, CtrlCFinishesTheRequestInFlightClosesWhatLandedAndExits130) {
 }
 #endif
 
+TEST_F(CliTest, EachSwitchGetsTheMostSpecificCommunities) {
+  // name, groups, the read community its switch answers to: its own, its first group's, the default.
+  const std::vector<std::tuple<std::string, std::vector<std::string>, std::string>> fleet{
+      {"sw-own", {"edge"}, "rd-own"}, {"sw-group", {"edge"}, "rd-edge"}, {"sw-first", {"core", "edge"}, "rd-core"},
+      {"sw-default", {}, "rd-default"}};
+  Json inv{{"communities", {{"secrets", "layered.json"}}}, {"switches", Json::object()}};
+  Json secrets = Json::object();
+  for (const auto& [name, groups, read] : fleet) {
+    agents_.push_back(std::make_unique<SimAgent>(static_cast<int>(agents_.size()) + 2, "TVR4820", sim::Faults{}, read, "w-" + read));
+    ASSERT_TRUE(agents_.back()->ok()) << agents_.back()->error();
+    inv["switches"][name] = {{"address", agents_.back()->address()}, {"model", "TVR4820"}, {"groups", groups}};
+  }
+  for (const char* key : {"sw-own", "edge", "core", "default"}) {
+    const std::string read = std::string("rd-") + (std::string_view(key) == "sw-own" ? "own" : key);
+    secrets[key] = {{"read", read}, {"write", "w-" + read}};
+  }
+  Write("layered.json", secrets.dump());
+  Write("inventory.json", inv.dump());
+  Result shown = Run({"show"});
+  EXPECT_EQ(shown.status, kExitOk) << shown.out << shown.err;
+  EXPECT_EQ(shown.out.find("no answer"), std::string::npos) << shown.out;
+  // And the write community of the same entry: an apply lands on every switch.
+  Json state{{"switches", Json::object()}};
+  for (const auto& entry : fleet) state["switches"][std::get<0>(entry)] = Json::parse(R"({"acl": [{"id": 2, "type": "ethernet", "vlan": true}]})");
+  EXPECT_EQ(Run({"apply", Write("state.json", state.dump())}).status, kExitOk);
+  for (auto& a : agents_) EXPECT_EQ(a->sets().size(), 2u) << a->address();
+}
+
 TEST_F(CliTest, OneSwitchWithoutInventoryPlansOfflineAndAppliesAsOneJsonDocument) {
   Fleet({{"unused", "TVR4820", {}}});
   const std::string state = R"({"switches": {"edge": {"acl": [{"id": 10, "type": "ipv4", "dst_ip_mask": "255.255.255.0",
@@ -589,8 +632,61 @@ TEST_F(CliTest, OneSwitchWithoutInventoryPlansOfflineAndAppliesAsOneJsonDocument
   EXPECT_TRUE(within(planned["after"], applied["after"])) << planned["after"] << "\n" << applied["after"];
   EXPECT_EQ(result(one({"plan", "--json"}))["result"], "unchanged");
 
+#ifdef SENTREL_SOURCE_DIR
+  ExpectSchemaValid("plan-result.schema.json", {Write("offline.json", offline.out), Write("applied.json", apply.out)});
+#endif
   EXPECT_NE(Run({"--version"}).out.find("sentrel-acl 1."), std::string::npos);
   EXPECT_EQ(Run({"show", "--switch", agents_[0]->address(), "--model", "TVR4820", "-i", "inventory.json"}).status, kExitUsage);
 }
+
+#ifdef SENTREL_SOURCE_DIR
+// The per-model limits the schema publishes are the ones the command line enforces: each
+// limit passes an offline plan, one past it is refused.
+TEST_F(CliTest, TheSchemasModelLimitsAreTheOnesEnforced) {
+  std::ifstream in(SENTREL_SOURCE_DIR "/cli/schema/desired-state.schema.json");
+  const Json models = Json::parse(in)["x-models"];
+  ASSERT_EQ(models.size(), 7u);
+  for (const auto& [model, limits] : models.items()) {
+    auto plan = [&, model = model](const char* owner, const char* type, long profileId, long accessId, const std::string& ports,
+                                   const Json& rx) {
+      Json rule{{"access_id", accessId}, {"action", "deny"}, {"ports", ports}};
+      if (!rx.is_null()) rule["rx_rate"] = rx;
+      Json profile{{"id", profileId}, {"type", type}, {"rules", {rule}}};
+      if (model == "TVR4512" && std::string_view(owner) == "acl") profile["name"] = "edge";  // required there
+      const Json state{{"switches", {{"sw", {{owner, {profile}}}}}}};
+      const std::vector<std::string> args{"sentrel-acl", "plan", "--assume-empty", "--switch", "127.0.0.9", "--model", model,
+                                          "--name", "sw", "-"};
+      std::vector<const char*> argv;
+      for (const std::string& a : args) argv.push_back(a.c_str());
+      std::istringstream stdinText(state.dump());
+      std::ostringstream out, err;
+      return RunCli(static_cast<int>(argv.size()), argv.data(), stdinText, out, err, false);
+    };
+    for (const char* owner : {"acl", "cpu_acl"}) {
+      const long maxProfile = limits["profile_id"][owner]["maximum"];
+      const std::string allPorts = "1-" + std::to_string(limits["ports"].get<int>());
+      for (const auto& [type, range] : limits["access_id"][owner].items()) {
+        if (type == "packet_content") continue;  // its records take the model's own shapes
+        const long low = range["minimum"], high = range["maximum"];
+        SCOPED_TRACE(model + " " + owner + " " + type);
+        EXPECT_EQ(plan(owner, type.c_str(), maxProfile, high, allPorts, nullptr), kExitOk);
+        EXPECT_EQ(plan(owner, type.c_str(), maxProfile, std::max(low, 1L), allPorts, nullptr), kExitOk);
+        if (high < 65535) {
+          EXPECT_EQ(plan(owner, type.c_str(), maxProfile, high + 1, allPorts, nullptr), kExitUsage);
+        }
+        EXPECT_EQ(plan(owner, type.c_str(), maxProfile + 1, high, allPorts, nullptr), kExitUsage);
+        EXPECT_EQ(plan(owner, type.c_str(), maxProfile, high, std::to_string(limits["ports"].get<int>() + 1), nullptr), kExitUsage);
+      }
+    }
+    if (limits.contains("rx_rate")) {
+      const long top = limits["rx_rate"]["maximum"];
+      EXPECT_EQ(plan("acl", "ethernet", 1, 1, "1", top), kExitOk) << model;
+      EXPECT_EQ(plan("acl", "ethernet", 1, 1, "1", top + 1), kExitUsage) << model;
+    } else {
+      EXPECT_EQ(plan("acl", "ethernet", 1, 1, "1", 64), kExitUsage) << model;
+    }
+  }
+}
+#endif
 
 }  // namespace
