@@ -80,13 +80,6 @@ def test_plan_result_lists_every_set_of_the_changes_and_closing_requests_last():
     assert result["before"] == {"acl": []} and result["after"] == {"acl": HELD["acl"]}
 
 
-def test_nothing_to_do_is_not_a_change_and_sends_no_closing_request():
-    sw = report("unchanged", [change("unchanged", "planned", []), change("kept", "planned", [])],
-                closing_sets=[set_(".1.100", "1")])
-    result, error = engine.switch_result(sw, applied=True)
-    assert (result["changed"], result["commands"], error) == (False, [], None)
-
-
 def test_refused_switch_fails_with_its_answer_the_record_and_only_what_was_sent():
     sw = report("failed", [
         change("create", "done", [set_(".1.1", "4")]),

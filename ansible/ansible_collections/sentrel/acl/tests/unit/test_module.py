@@ -237,11 +237,11 @@ def test_bad_arguments_fail_before_the_engine_runs(run_module, args, message):
     assert calls == [] and "secret" not in output
 
 
-def test_gathered_from_a_switch_that_did_not_answer_fails_instead_of_reading_empty(run_module):
-    result, _, _ = run_module({"state": "gathered"}, {"show": {"switches": {}}}, rc=2)
-    assert result["failed"] is True and "sentrel-acl show failed" in result["msg"]
-
-
-def test_engine_errors_without_a_report_fail_with_its_message(run_module, tmp_path):
-    result, _, _ = run_module({"config": {"acl": HELD["acl"]}}, {"apply": ""}, rc=1)
-    assert result["failed"] is True and "sentrel-acl apply failed" in result["msg"]
+@pytest.mark.parametrize("args, answers, command", [
+    # a switch that did not answer is no empty switch
+    ({"state": "gathered"}, {"show": {"switches": {}}}, "show"),
+    ({"config": {"acl": HELD["acl"]}}, {"apply": ""}, "apply"),
+])
+def test_engine_failures_without_a_result_fail_the_task(run_module, args, answers, command):
+    result, _, _ = run_module(args, answers, rc=2)
+    assert result["failed"] is True and "sentrel-acl %s failed" % command in result["msg"]
