@@ -7,7 +7,9 @@
 #  2. the same 200 records on 10 switches without delay: sentrel-acl against a shell loop of
 #     net-snmp `snmpset`, one call per record (and per closing request), as engineers script it;
 #  3. 1,000 switches x 10 records: the apply with its progress on a terminal (a tmux pane)
-#     against the same apply into a pipe.
+#     against the same apply into a pipe;
+#  4. 200 switches x 10 records: the sentrel.acl collection through ansible-playbook (forks 50)
+#     against `sentrel-acl apply --parallel 50`, the same fleet and state.
 # Usage: scripts/bench-apply.sh [terminal]   (terminal: only the run of 1,000 switches)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -155,3 +157,67 @@ grep -E '^Total' "$work/big-term.txt"
 stop_sim
 printf '  into a pipe:   %.2f s\n' "$t_pipe"
 printf '  on a terminal: %.2f s (%.2fx the pipe; aim at most 1.5x)\n' "$t_term" "$(calc "$t_term / $t_pipe")"
+
+
+# 3. The sentrel.acl collection: Ansible forks one module run per switch, each running the
+# engine for its switch, against one engine run over the whole fleet.
+bench_ansible() {
+  local n=200 dir="$work/ansible" i
+  # The engine's switch locks and audit log of both runs stay with this case.
+  local -x XDG_STATE_HOME="$dir/state"
+  mkdir -p "$dir"
+  # One profile with 9 rules: 10 records a switch; the same switches in both inventories.
+  python3 - "$dir" "$n" "$PWD/$acl" <<'PY'
+import json, sys
+folder, n, engine = sys.argv[1], int(sys.argv[2]), sys.argv[3]
+rules = [{"access_id": a, "src_mac": "00A0C9000%d" % (100 + a), "vlan": "v%d" % a, "action": "permit",
+          "ports": "1-%d" % (a + 2)} for a in range(1, 10)]
+profile = {"id": 1, "type": "ethernet", "vlan": True, "src_mac_mask": "FFFFFFFFFFFF", "rules": rules}
+names = {"sw%d" % i: "127.0.9.%d" % i for i in range(1, n + 1)}
+json.dump({"communities": {"read_env": "BENCH_READ", "write_env": "BENCH_WRITE"},
+           "switches": {s: {"address": a, "model": "TVR4820", "groups": ["site"]} for s, a in names.items()}},
+          open(folder + "/inventory.json", "w"))
+json.dump({"groups": {"site": {"acl": [profile]}}}, open(folder + "/state.json", "w"))
+json.dump({"all": {"hosts": {s: {"ansible_host": a} for s, a in names.items()}, "vars": {
+    "ansible_connection": "local", "ansible_python_interpreter": "{{ ansible_playbook_python }}",
+    "sentrel_model": "TVR4820", "sentrel_acl_path": engine, "acls": {"acl": [profile]},
+    "sentrel_read_community": "public", "sentrel_write_community": "private"}}},
+    open(folder + "/inventory.yml", "w"))
+PY
+  cat > "$dir/play.yml" <<'YML'
+- hosts: all
+  gather_facts: false
+  tasks:
+    - sentrel.acl.acls:
+        config: "{{ acls }}"
+YML
+  start_fleet() {
+    for i in $(seq 1 $n); do echo "127.0.9.$i TVR4820 public private"; done > "$dir/fleet.txt"
+    "$sim" --quiet --fleet "$dir/fleet.txt" > "$dir/sim.log" 2>&1 &
+    sim_pid=$!
+    for _ in $(seq 100); do grep -q ready "$dir/sim.log" && return; sleep 0.05; done
+    echo "bench-apply: the simulator did not start" >&2; cat "$dir/sim.log" >&2; exit 1
+  }
+  local t0 t1 t_ansible t_acl
+  start_fleet
+  t0=$(now)
+  ANSIBLE_COLLECTIONS_PATH="$PWD/ansible" ANSIBLE_PIPELINING=True ANSIBLE_FORKS=50 ANSIBLE_HOME="$dir/home" \
+    ANSIBLE_LOCAL_TEMP="$dir/tmp" ANSIBLE_NOCOLOR=1 \
+    ansible-playbook -i "$dir/inventory.yml" "$dir/play.yml" > "$dir/ansible.txt" 2>&1 || true
+  t1=$(now); t_ansible=$(calc "$t1 - $t0")
+  echo "  ansible-playbook recap: $(grep -cE ' changed=1 .* failed=0 ' "$dir/ansible.txt" || true) of $n switches" \
+    "changed, $(grep -cE ' failed=[1-9]' "$dir/ansible.txt" || true) failed"
+  stop_sim; start_fleet
+  t0=$(now)
+  "$acl" -i "$dir/inventory.json" apply --parallel 50 --audit-log "$dir/audit.jsonl" "$dir/state.json" \
+    > "$dir/recap.txt" 2>/dev/null || true
+  t1=$(now); t_acl=$(calc "$t1 - $t0")
+  grep -E '^Total' "$dir/recap.txt" || true
+  stop_sim
+  printf '  ansible-playbook, forks 50 (%d switches x 10 records): %.2f s (%.1f ms a switch)\n' \
+    "$n" "$t_ansible" "$(calc "$t_ansible * 1000 / $n")"
+  printf '  sentrel-acl apply --parallel 50, the same:               %.2f s (ansible-playbook %.1fx of it)\n' \
+    "$t_acl" "$(calc "$t_ansible / $t_acl")"
+}
+echo "== 4. 200 switches x 10 records: ansible-playbook (forks 50) against sentrel-acl apply --parallel 50"
+bench_ansible

@@ -12,6 +12,7 @@ packages=(
   clang libclang-rt-14-dev                     # libFuzzer and sanitizers
   iproute2 util-linux ccache
   python3-jsonschema                           # sentrel-acl: its JSON output checked against its schemas
+  ansible-core python3-pytest                  # the sentrel.acl collection and its tests
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -1,0 +1,94 @@
+"""How the module turns config into the engine's desired state, and the engine's reports into results."""
+
+import pytest
+
+from ansible_collections.sentrel.acl.plugins.module_utils import engine
+
+RULE_1 = {"access_id": 1, "action": "permit", "ports": "1-8"}
+RULE_2 = {"access_id": 2, "action": "deny", "ports": "9"}
+HELD = {
+    "acl": [
+        {"id": 10, "type": "ethernet", "vlan": True, "rules": [RULE_1, RULE_2]},
+        {"id": 11, "type": "ethernet", "vlan": True, "rules": []},
+    ],
+    "cpu_acl": [{"id": 1, "type": "ethernet", "vlan": True, "rules": [RULE_1]}],
+}
+
+
+@pytest.mark.parametrize("config, left", [
+    # nothing named: both kinds emptied
+    (None, {"acl": [], "cpu_acl": []}),
+    ({"acl": None, "cpu_acl": None}, {"acl": [], "cpu_acl": []}),
+    # one kind as an empty list: that kind only
+    ({"acl": [], "cpu_acl": None}, {"acl": [], "cpu_acl": HELD["cpu_acl"]}),
+    # a profile by id: it goes with its rules; rules: [] is the same as naming the profile
+    ({"acl": [{"id": 10, "rules": None}]}, {"acl": [HELD["acl"][1]], "cpu_acl": HELD["cpu_acl"]}),
+    ({"acl": [{"id": 10, "rules": []}]}, {"acl": [HELD["acl"][1]], "cpu_acl": HELD["cpu_acl"]}),
+    # a rule by access_id: only that rule, the profile stays
+    ({"acl": [{"id": 10, "rules": [{"access_id": 2}]}]},
+     {"acl": [dict(HELD["acl"][0], rules=[RULE_1]), HELD["acl"][1]], "cpu_acl": HELD["cpu_acl"]}),
+    # the same ids in the other kind are other records
+    ({"cpu_acl": [{"id": 10}]}, HELD),
+    # records the switch does not hold are no error
+    ({"acl": [{"id": 99}, {"id": 11, "rules": [{"access_id": 5}]}]}, HELD),
+])
+def test_deleted_leaves_everything_not_named(config, left):
+    before = repr(HELD)
+    assert engine.after_deletion(HELD, config) == left
+    assert repr(HELD) == before, "the switch's state as read must not be changed in place"
+
+
+def test_overridden_names_both_kinds_and_unset_options_are_not_sent():
+    config = {"acl": [{"id": 3, "type": "ethernet", "vlan": True, "802.1p": None, "name": None,
+                       "rules": [{"access_id": 1, "action": "deny", "ports": "1", "vlan": None}]}],
+              "cpu_acl": None}
+    wanted = [{"id": 3, "type": "ethernet", "vlan": True, "rules": [{"access_id": 1, "action": "deny", "ports": "1"}]}]
+    assert engine.switch_state(config, "overridden") == {"acl": wanted, "cpu_acl": []}
+    assert engine.switch_state(config, "merged") == {"acl": wanted}
+    # false is a value the engine must see (a flag switched off), not an unset option
+    assert engine.switch_state({"acl": [{"id": 1, "vlan": False}]}, "merged") == {"acl": [{"id": 1, "vlan": False}]}
+
+
+def set_(oid, value):
+    return {"oid": oid, "type": "INTEGER", "value": value}
+
+
+def change(action, result, sets, **extra):
+    c = {"action": action, "owner": "acl", "kind": "rule", "profile_id": 10, "access_id": 1,
+         "before": None, "after": RULE_1, "sets": sets, "result": result}
+    c.update(extra)
+    return c
+
+
+def report(result, changes, **extra):
+    sw = {"name": "sw1", "address": "127.0.0.2", "model": "TVR4820", "result": result,
+          "before": {"acl": []}, "after": {"acl": HELD["acl"]}, "changes": changes}
+    sw.update(extra)
+    return sw
+
+
+def test_plan_result_lists_every_set_of_the_changes_and_closing_requests_last():
+    sw = report("changes", [
+        change("unchanged", "planned", [set_(".1.9", "4")]),
+        change("create", "planned", [set_(".1.1", "4"), set_(".1.2", "7")]),
+        change("delete", "planned", [set_(".1.3", "6")]),
+    ], closing_sets=[set_(".1.100", "1")])
+    result, error = engine.switch_result(sw, applied=False)
+    assert error is None
+    assert result["changed"] is True
+    assert result["commands"] == [".1.1 INTEGER 4", ".1.2 INTEGER 7", ".1.3 INTEGER 6", ".1.100 INTEGER 1"]
+    assert result["before"] == {"acl": []} and result["after"] == {"acl": HELD["acl"]}
+
+
+def test_refused_switch_fails_with_its_answer_the_record_and_only_what_was_sent():
+    sw = report("failed", [
+        change("create", "done", [set_(".1.1", "4")]),
+        change("create", "failed", [set_(".1.2", "4")], error="badValue", access_id=2, after=RULE_2),
+        change("create", "skipped", [set_(".1.3", "4")], error="not sent: profile 10 failed"),
+    ])
+    result, error = engine.switch_result(sw, applied=True)
+    assert error == "sw1 failed: acl rule 10/2: badValue"
+    assert result["changed"] is True  # the first rule was written before the refusal
+    assert result["commands"] == [".1.1 INTEGER 4", ".1.2 INTEGER 4"]
+    assert result["failures"] == [{"action": "create", "owner": "acl", "kind": "rule", "profile_id": 10,
+                                   "access_id": 2, "record": RULE_2, "error": "badValue"}]
