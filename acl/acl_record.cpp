@@ -114,17 +114,62 @@ const char* TypeWord(AclType type) {
 
 const char* OwnerWord(AclOwner owner) { return owner == AclOwner::kCpu ? "CPU ACL" : "ACL"; }
 
+namespace {
+
+struct ActionNames {
+  const char* code;
+  const char* dropDown;
+  const char* detail;
+  const char* staging;
+  const char* command;
+  bool cpu;  // the CPU ACL takes it
+};
+
+// Deny first: the word of a code not listed here.
+constexpr ActionNames kActions[] = {
+    {"1", "Deny", "deny", "deny", "deny", true},
+    {"2", "Permit", "Permit", "permit", "permit", true},
+    {"3", "Mirror", "mirror", "miror", "mirror", false},
+};
+
+const ActionNames* ActionOfCode(std::string_view code) {
+  for (const ActionNames& a : kActions)
+    if (code == a.code) return &a;
+  return nullptr;
+}
+
+}  // namespace
+
+std::string ActionCode(std::string_view dropDownWord, AclOwner owner) {
+  for (const ActionNames& a : kActions)
+    if (dropDownWord == a.dropDown && (a.cpu || owner == AclOwner::kAcl)) return a.code;
+  return kActions[0].code;
+}
+
+const char* ActionWord(std::string_view code) {
+  const ActionNames* a = ActionOfCode(code);
+  return (a ? a : &kActions[0])->dropDown;
+}
+
 const char* ActionDetailWord(std::string_view code) {
-  if (code == "2") return "Permit";
-  if (code == "3") return "mirror";
-  return "deny";
+  const ActionNames* a = ActionOfCode(code);
+  return (a ? a : &kActions[0])->detail;
 }
 
 std::string ActionStagingWord(std::string_view code) {
-  if (code == "2") return "permit";
-  if (code == "3") return "miror";
-  if (code == "1") return "deny";
-  return std::string(code);
+  const ActionNames* a = ActionOfCode(code);
+  return a ? a->staging : std::string(code);
+}
+
+std::string ActionCommandName(std::string_view code) {
+  const ActionNames* a = ActionOfCode(code);
+  return a ? a->command : std::string(code);
+}
+
+std::string ActionCodeOfCommandName(std::string_view name, AclOwner owner) {
+  for (const ActionNames& a : kActions)
+    if (name == a.command && (a.cpu || owner == AclOwner::kAcl)) return a.code;
+  return {};
 }
 
 bool AddProfile(AclRecordList& list, AclRecord record) {

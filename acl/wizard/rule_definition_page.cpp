@@ -144,7 +144,7 @@ RuleFields CRuleDefinitionPage::ReadFields() const {
     f.accessId = Text(IDC_RULE_ACCESS_ID);
     HWND action = GetDlgItem(IDC_RULE_ACTION);
     const int sel = static_cast<int>(SendMessageA(action, CB_GETCURSEL, 0, 0));
-    f.action = sel < 0 ? std::string() : acl::ActionCode(ui::ComboBox(action).GetLBText(sel), Owner());
+    f.action = sel < 0 ? std::string() : ActionCode(ui::ComboBox(action).GetLBText(sel), Owner());
     f.ports = Text(IDC_RULE_PORTS);
     // A field the model hides or a box leaves unchecked gives nothing.
     auto shown = [this](int id) { return IsWindowVisible(GetDlgItem(id)) && IsWindowEnabled(GetDlgItem(id)); };
@@ -205,7 +205,7 @@ void CRuleDefinitionPage::LoadRow(int row) {
     SetText(IDC_RULE_PORTS, f.ports);
     m_bInPortCheck = false;
     ui::ComboBox actions(GetDlgItem(IDC_RULE_ACTION));
-    SendMessageA(actions.Hwnd(), CB_SETCURSEL, static_cast<WPARAM>(actions.FindExact(acl::ActionWord(f.action))), 0);
+    SendMessageA(actions.Hwnd(), CB_SETCURSEL, static_cast<WPARAM>(actions.FindExact(ActionWord(f.action))), 0);
     SetText(IDC_RULE_RX, f.rxRate);
     const struct { int check, edit; bool on; const std::string& value; } boxes[] = {
         {IDC_RULE_PRIORITY_CHECK, IDC_RULE_PRIORITY, f.priorityChecked, f.priority},
