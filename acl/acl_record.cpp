@@ -180,11 +180,16 @@ bool AddProfile(AclRecordList& list, AclRecord record) {
   return true;
 }
 
-bool AddRule(AclRecordList& list, AclRecord record) {
+bool RulePending(const AclRecordList& list, const AclRecord& record) {
   const std::string id = record.size() > 0 ? record[0] : std::string();
   const std::string access = record.size() > 1 ? record[1] : std::string();
   for (const AclRecord& r : list)
-    if (r.size() > 1 && r[0] == id && r[1] == access) return false;
+    if (r.size() > 1 && r[0] == id && r[1] == access) return true;
+  return false;
+}
+
+bool AddRule(AclRecordList& list, AclRecord record) {
+  if (RulePending(list, record)) return false;
   list.push_back(std::move(record));
   return true;
 }
@@ -256,6 +261,28 @@ bool ValidatePortList(std::string_view s, int portCount) {
 }
 
 AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model, const RuleFields& f) {
+  const AclCheck values = ValidateRuleValues(ruleType, owner, model, f);
+  return values.code != AclMessage::kNone ? values : CheckRuleComplete(ruleType, f);
+}
+
+AclCheck CheckRuleComplete(AclType ruleType, const RuleFields& f) {
+  using M = AclMessage;
+  switch (ruleType) {
+    case AclType::kEthernet:
+      if (f.ports.empty()) return {M::kPortError};
+      return {};
+    case AclType::kIPv4:
+      if (f.accessId.empty() || f.ports.empty()) return {M::kAccessIdNull};
+      return {};
+    case AclType::kIPv6:
+    case AclType::kPacketContent:
+      if (f.ports.empty() || f.accessId.empty() || f.action.empty()) return {M::kPortNull};
+      return {};
+  }
+  return {};
+}
+
+AclCheck ValidateRuleValues(AclType ruleType, AclOwner owner, const ModelEntry& model, const RuleFields& f) {
   using M = AclMessage;
   const int ports = model.portCount;
   AclMessage m = M::kNone;
@@ -274,7 +301,6 @@ AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
       if (!ValidatePortList(f.ports, ports)) return {M::kPortError};
       if (!OptionalInRange(f.replaceDscp, 0, 63)) return {M::kDscpRange};
       if (!OptionalInRange(f.replaceTos, 0, 7)) return {M::kReplaceTosRange};
-      if (f.ports.empty()) return {M::kPortError};  // checked again before the record is added
       return {};
     case AclType::kIPv4: {
       if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId)) != M::kNone) return {m};
@@ -299,7 +325,6 @@ AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
           return {M::kValue255};
         if (tcpUdp && (!ValidateDigits(f.value2) || !OptionalInRange(f.value2, 0, 65535))) return {M::kValue65535};
       }
-      if (f.accessId.empty() || f.ports.empty()) return {M::kAccessIdNull};
       return {};
     }
     case AclType::kIPv6:
@@ -313,7 +338,6 @@ AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
       if (!ValidatePortList(f.ports, ports)) return {M::kPortError};
       if (!OptionalInRange(f.replaceDscp, 0, 63)) return {M::kDscpRange};
       if (!OptionalInRange(f.replaceTos, 0, 7)) return {M::kReplaceTosRange};
-      if (f.ports.empty() || f.accessId.empty() || f.action.empty()) return {M::kPortNull};
       return {};
     case AclType::kPacketContent:
       if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId)) != M::kNone) return {m};
@@ -322,7 +346,6 @@ AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
       if (!ValidatePortList(f.ports, ports)) return {M::kPortError};
       if (!OptionalInRange(f.replaceDscp, 0, 63)) return {M::kDscpRange};
       if (!OptionalInRange(f.replaceTos, 0, 7)) return {M::kReplaceTosRange};
-      if (f.ports.empty() || f.accessId.empty() || f.action.empty()) return {M::kPortNull};
       return {};
   }
   return {};

@@ -64,6 +64,8 @@ std::string ActionCodeOfCommandName(std::string_view name, AclOwner owner);
 // the list unchanged.
 bool AddProfile(AclRecordList& list, AclRecord record);
 bool AddRule(AclRecordList& list, AclRecord record);
+// Whether a rule with the record's profile ID and Access ID is in the list.
+bool RulePending(const AclRecordList& list, const AclRecord& record);
 
 // Text checks. Inputs longer than a field can hold are refused (the dialogs' buffers are
 // fixed); every check refuses texts longer than kMaxFieldText before looking further.
@@ -119,6 +121,11 @@ struct RuleFields {
 // before a record is added (empty Access ID / ports). Returns the first failing message.
 AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
                       const RuleFields& fields);
+// Its two halves: the value checks, and the checks made just before a record is added (the
+// rule dialogs skip a rule already pending between the two, without a word).
+AclCheck ValidateRuleValues(AclType ruleType, AclOwner owner, const ModelEntry& model,
+                            const RuleFields& fields);
+AclCheck CheckRuleComplete(AclType ruleType, const RuleFields& fields);
 
 // Builds the rule record in its cell order for the model and owner, as the rule dialogs do: MACs upper-cased and trimmed, an empty MAC stored as kOmittedMac,
 // priority flags "1"/"2", row status "4".

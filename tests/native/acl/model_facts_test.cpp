@@ -82,6 +82,7 @@ TEST(ModelFacts, LimitsAndTypesAsTheRuleChecksApplyThem) {
     EXPECT_EQ(Check(m, AclOwner::kAcl, AclType::kEthernet, first.c_str(), std::to_string(f.ports).c_str()), "ok");
     EXPECT_EQ(Check(m, AclOwner::kAcl, AclType::kEthernet, first.c_str(), std::to_string(f.ports + 1).c_str()),
               "Port  is error!");
+    EXPECT_EQ("1-" + std::to_string(f.ports), acl::AllPortsText(m)) << "\"ALL Ports\"";
     for (AclOwner owner : {AclOwner::kAcl, AclOwner::kCpu}) {
       const Range* access = owner == AclOwner::kAcl ? f.aclAccess : f.cpuAccess;
       for (AclType t : kTypes) {
