@@ -38,6 +38,15 @@ protected:
         m_wizard->SetActivePage(page);
         d.Settle();
     }
+    // One rule (the Access ID, port 1) added, and on to "Add rule", which lists it alone.
+    static void AddOneAndGoOn(WizardDriver& d, const std::string& accessId) {
+        d.TypeText(IDC_RULE_ACCESS_ID, accessId);
+        d.TypeText(IDC_RULE_PORTS, "1");
+        d.ClickButton(IDC_RULE_ADD);
+        d.Next();
+        ASSERT_EQ(acl::pages::kPageRuleApply, d.ActiveIndex());
+        ASSERT_EQ(1, d.RowCount(d.Control(IDC_RAPPLY_RULE_LIST)));
+    }
     // Types each field's text, first checking the box that enables it.
     static void Fill(WizardDriver& d, const Fields& fields) {
         for (const auto& [id, text] : fields) {
@@ -241,12 +250,7 @@ TEST_F(RulePageGui, StagedRulesAreThePendingListAndLoadedRulesSetTheirBoxes) {
 
         m_wizard->SetActivePage(PC);
         d.Settle();
-        d.TypeText(IDC_RULE_ACCESS_ID, "9");
-        d.TypeText(IDC_RULE_PORTS, "1");
-        d.ClickButton(IDC_RULE_ADD);
-        d.Next();
-        ASSERT_EQ(acl::pages::kPageRuleApply, d.ActiveIndex());
-        ASSERT_EQ(1, d.RowCount(d.Control(IDC_RAPPLY_RULE_LIST)));
+        ASSERT_NO_FATAL_FAILURE(AddOneAndGoOn(d, "9"));
         EXPECT_EQ("Packet content", d.CellText(d.Control(IDC_RAPPLY_RULE_LIST), 0, 2));
         EXPECT_TRUE(d.TakeTexts().empty());
     });
@@ -269,12 +273,7 @@ TEST_F(RulePageGui, ApplyWordsPerSwitchAndASecondApplySendsOnlyTheClosingRequest
         const std::vector<std::pair<std::string, std::string>> targets = {
             {s.address(), "TVG5690"}, {a.address(), "TVG5690"}, {r.address(), "TVG5690"}, {c.address(), "TVG5690"}};
         RulePage(targets, kind, E, [&](WizardDriver& d) {
-            d.TypeText(IDC_RULE_ACCESS_ID, "7");
-            d.TypeText(IDC_RULE_PORTS, "1");
-            d.ClickButton(IDC_RULE_ADD);
-            d.Next();
-            ASSERT_EQ(acl::pages::kPageRuleApply, d.ActiveIndex());
-            ASSERT_EQ(1, d.RowCount(d.Control(IDC_RAPPLY_RULE_LIST)));
+            ASSERT_NO_FATAL_FAILURE(AddOneAndGoOn(d, "7"));
             EXPECT_EQ(kind == 1 ? "Rule" : "CPU Rule", d.Text(IDC_RAPPLY_GROUP_RULE));
             d.ClickButton(IDC_RAPPLY_APPLY);
             HWND switches = d.Control(IDC_RAPPLY_SWITCH_LIST);
