@@ -114,17 +114,62 @@ const char* TypeWord(AclType type) {
 
 const char* OwnerWord(AclOwner owner) { return owner == AclOwner::kCpu ? "CPU ACL" : "ACL"; }
 
+namespace {
+
+struct ActionNames {
+  const char* code;
+  const char* dropDown;
+  const char* detail;
+  const char* staging;
+  const char* command;
+  bool cpu;  // the CPU ACL takes it
+};
+
+// Deny first: the word of a code not listed here.
+constexpr ActionNames kActions[] = {
+    {"1", "Deny", "deny", "deny", "deny", true},
+    {"2", "Permit", "Permit", "permit", "permit", true},
+    {"3", "Mirror", "mirror", "miror", "mirror", false},
+};
+
+const ActionNames* ActionOfCode(std::string_view code) {
+  for (const ActionNames& a : kActions)
+    if (code == a.code) return &a;
+  return nullptr;
+}
+
+}  // namespace
+
+std::string ActionCode(std::string_view dropDownWord, AclOwner owner) {
+  for (const ActionNames& a : kActions)
+    if (dropDownWord == a.dropDown && (a.cpu || owner == AclOwner::kAcl)) return a.code;
+  return kActions[0].code;
+}
+
+const char* ActionWord(std::string_view code) {
+  const ActionNames* a = ActionOfCode(code);
+  return (a ? a : &kActions[0])->dropDown;
+}
+
 const char* ActionDetailWord(std::string_view code) {
-  if (code == "2") return "Permit";
-  if (code == "3") return "mirror";
-  return "deny";
+  const ActionNames* a = ActionOfCode(code);
+  return (a ? a : &kActions[0])->detail;
 }
 
 std::string ActionStagingWord(std::string_view code) {
-  if (code == "2") return "permit";
-  if (code == "3") return "miror";
-  if (code == "1") return "deny";
-  return std::string(code);
+  const ActionNames* a = ActionOfCode(code);
+  return a ? a->staging : std::string(code);
+}
+
+std::string ActionCommandName(std::string_view code) {
+  const ActionNames* a = ActionOfCode(code);
+  return a ? a->command : std::string(code);
+}
+
+std::string ActionCodeOfCommandName(std::string_view name, AclOwner owner) {
+  for (const ActionNames& a : kActions)
+    if (name == a.command && (a.cpu || owner == AclOwner::kAcl)) return a.code;
+  return {};
 }
 
 bool AddProfile(AclRecordList& list, AclRecord record) {
@@ -135,11 +180,16 @@ bool AddProfile(AclRecordList& list, AclRecord record) {
   return true;
 }
 
-bool AddRule(AclRecordList& list, AclRecord record) {
+bool RulePending(const AclRecordList& list, const AclRecord& record) {
   const std::string id = record.size() > 0 ? record[0] : std::string();
   const std::string access = record.size() > 1 ? record[1] : std::string();
   for (const AclRecord& r : list)
-    if (r.size() > 1 && r[0] == id && r[1] == access) return false;
+    if (r.size() > 1 && r[0] == id && r[1] == access) return true;
+  return false;
+}
+
+bool AddRule(AclRecordList& list, AclRecord record) {
+  if (RulePending(list, record)) return false;
   list.push_back(std::move(record));
   return true;
 }
@@ -211,6 +261,28 @@ bool ValidatePortList(std::string_view s, int portCount) {
 }
 
 AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model, const RuleFields& f) {
+  const AclCheck values = ValidateRuleValues(ruleType, owner, model, f);
+  return values.code != AclMessage::kNone ? values : CheckRuleComplete(ruleType, f);
+}
+
+AclCheck CheckRuleComplete(AclType ruleType, const RuleFields& f) {
+  using M = AclMessage;
+  switch (ruleType) {
+    case AclType::kEthernet:
+      if (f.ports.empty()) return {M::kPortError};
+      return {};
+    case AclType::kIPv4:
+      if (f.accessId.empty() || f.ports.empty()) return {M::kAccessIdNull};
+      return {};
+    case AclType::kIPv6:
+    case AclType::kPacketContent:
+      if (f.ports.empty() || f.accessId.empty() || f.action.empty()) return {M::kPortNull};
+      return {};
+  }
+  return {};
+}
+
+AclCheck ValidateRuleValues(AclType ruleType, AclOwner owner, const ModelEntry& model, const RuleFields& f) {
   using M = AclMessage;
   const int ports = model.portCount;
   AclMessage m = M::kNone;
@@ -229,7 +301,6 @@ AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
       if (!ValidatePortList(f.ports, ports)) return {M::kPortError};
       if (!OptionalInRange(f.replaceDscp, 0, 63)) return {M::kDscpRange};
       if (!OptionalInRange(f.replaceTos, 0, 7)) return {M::kReplaceTosRange};
-      if (f.ports.empty()) return {M::kPortError};  // checked again before the record is added
       return {};
     case AclType::kIPv4: {
       if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId)) != M::kNone) return {m};
@@ -254,7 +325,6 @@ AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
           return {M::kValue255};
         if (tcpUdp && (!ValidateDigits(f.value2) || !OptionalInRange(f.value2, 0, 65535))) return {M::kValue65535};
       }
-      if (f.accessId.empty() || f.ports.empty()) return {M::kAccessIdNull};
       return {};
     }
     case AclType::kIPv6:
@@ -268,7 +338,6 @@ AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
       if (!ValidatePortList(f.ports, ports)) return {M::kPortError};
       if (!OptionalInRange(f.replaceDscp, 0, 63)) return {M::kDscpRange};
       if (!OptionalInRange(f.replaceTos, 0, 7)) return {M::kReplaceTosRange};
-      if (f.ports.empty() || f.accessId.empty() || f.action.empty()) return {M::kPortNull};
       return {};
     case AclType::kPacketContent:
       if ((m = CheckAccessIdField(model, owner, ruleType, f.accessId)) != M::kNone) return {m};
@@ -277,7 +346,6 @@ AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
       if (!ValidatePortList(f.ports, ports)) return {M::kPortError};
       if (!OptionalInRange(f.replaceDscp, 0, 63)) return {M::kDscpRange};
       if (!OptionalInRange(f.replaceTos, 0, 7)) return {M::kReplaceTosRange};
-      if (f.ports.empty() || f.accessId.empty() || f.action.empty()) return {M::kPortNull};
       return {};
   }
   return {};

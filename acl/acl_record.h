@@ -44,16 +44,28 @@ inline constexpr const char* kOmittedMac = "00.00.00.00.00.00";  // a rule MAC n
 // Display words: "Ethernet", "IPv4", "IPv6", "Packet Content"; owners "ACL" / "CPU ACL".
 const char* TypeWord(AclType type);
 const char* OwnerWord(AclOwner owner);
+// The rule actions by code (1 deny, 2 permit, 3 mirror; the CPU ACL does not mirror), in
+// every form the system names them. The drop-down word to the code: "Permit" 2, "Mirror" 3
+// (the CPU ACL: 1), anything else 1.
+std::string ActionCode(std::string_view dropDownWord, AclOwner owner);
+// The drop-down word a code selects: "Permit", "Mirror", "Deny" for any other code.
+const char* ActionWord(std::string_view code);
 // The action as the detail views show it: "Permit" for 2, "mirror" for 3, "deny" else.
 const char* ActionDetailWord(std::string_view code);
 // The action in the confirmation lists: "permit", "miror", "deny", other text as is.
 std::string ActionStagingWord(std::string_view code);
+// The command line's names: "deny", "permit", "mirror", other text as is; and back, the
+// code of a name the owner takes (empty for any other name).
+std::string ActionCommandName(std::string_view code);
+std::string ActionCodeOfCommandName(std::string_view name, AclOwner owner);
 
 // `AddProfile` / `AddRule`: append unless the key (profile ID; profile ID and Access
 // ID) is already in the list. Returns whether the record was appended; an existing key leaves
 // the list unchanged.
 bool AddProfile(AclRecordList& list, AclRecord record);
 bool AddRule(AclRecordList& list, AclRecord record);
+// Whether a rule with the record's profile ID and Access ID is in the list.
+bool RulePending(const AclRecordList& list, const AclRecord& record);
 
 // Text checks. Inputs longer than a field can hold are refused (the dialogs' buffers are
 // fixed); every check refuses texts longer than kMaxFieldText before looking further.
@@ -109,6 +121,11 @@ struct RuleFields {
 // before a record is added (empty Access ID / ports). Returns the first failing message.
 AclCheck ValidateRule(AclType ruleType, AclOwner owner, const ModelEntry& model,
                       const RuleFields& fields);
+// Its two halves: the value checks, and the checks made just before a record is added (the
+// rule dialogs skip a rule already pending between the two, without a word).
+AclCheck ValidateRuleValues(AclType ruleType, AclOwner owner, const ModelEntry& model,
+                            const RuleFields& fields);
+AclCheck CheckRuleComplete(AclType ruleType, const RuleFields& fields);
 
 // Builds the rule record in its cell order for the model and owner, as the rule dialogs do: MACs upper-cased and trimmed, an empty MAC stored as kOmittedMac,
 // priority flags "1"/"2", row status "4".

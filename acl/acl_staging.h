@@ -48,6 +48,10 @@ AclRecord SplitStagingRecord(std::string_view value, size_t cellCount);
 // cannot hold) cannot be represented; such a list is refused before the file is touched.
 bool StagingRepresentable(const AclRecordList& list);
 
+// The type as the rule confirmation list names a staged record: "Ethernet", "IPv4", "IPv6",
+// "Packet content" (lower-case "content", unlike the profile lists).
+const char* StagedRuleTypeWord(AclType type);
+
 // --- Windows only (acl_staging_win.cpp) ---
 
 // Current directory (GetCurrentDirectoryA, 256-byte buffer) followed by the name.

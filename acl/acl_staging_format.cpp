@@ -63,3 +63,7 @@ bool StagingRepresentable(const AclRecordList& list) {
       if (c.find_first_of("?\r\n") != std::string::npos) return false;
   return true;
 }
+
+const char* StagedRuleTypeWord(AclType type) {
+  return type == AclType::kPacketContent ? "Packet content" : TypeWord(type);
+}

@@ -154,22 +154,6 @@ RuleEnabling EnablingFor(AclType ruleType, std::span<const std::string> p) {
 
 namespace acl {
 
-std::string ActionCode(std::string_view word, AclOwner owner) {
-  if (word == "Permit") return "2";
-  if (word == "Mirror" && owner == AclOwner::kAcl) return "3";
-  return "1";
-}
-
-const char* ActionWord(std::string_view code) {
-  if (code == "2") return "Permit";
-  if (code == "3") return "Mirror";
-  return "Deny";
-}
-
-}  // namespace acl
-
-namespace acl {
-
 std::vector<std::string> ChosenProfileFields(AclType type, const AclRecord& profile) {
   static constexpr size_t kEthernet[] = {0, 1, 2, 5, 6};
   static constexpr size_t kIpv4[] = {0, 1, 2, 5, 6, 7, 8, 9, 10, 13, 15};

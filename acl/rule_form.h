@@ -63,15 +63,6 @@ const char* ProtocolCode(ProtocolArea area);
 
 namespace acl {
 
-// The action drop-down: "Permit" 2, "Mirror" 3, "Deny" 1; the CPU ACL knows only permit (2)
-// and deny (1). And back: the word a code selects.
-std::string ActionCode(std::string_view word, AclOwner owner);
-const char* ActionWord(std::string_view code);
-
-}  // namespace acl
-
-namespace acl {
-
 // The fields of a profile read from a switch that a rule needs (the select page copies them
 // into the sheet, in the order RuleEnabling's comment gives); empty for a short record.
 std::vector<std::string> ChosenProfileFields(AclType type, const AclRecord& profile);

@@ -289,12 +289,7 @@ std::string ProfileProtocolCode(const ProfileFields& f) {
   return std::to_string(f.protocolGroup - 1);
 }
 
-std::string ActionName(std::string_view code) {
-  if (code == "1") return "deny";
-  if (code == "2") return "permit";
-  if (code == "3") return "mirror";
-  return std::string(code);
-}
+std::string ActionName(std::string_view code) { return ActionCommandName(code); }
 
 void ProfileFromJson(const Json& j, const std::string& path, AclType type, AclOwner owner,
                      const ModelEntry& model, ProfileFields& f, std::vector<FieldError>& errors) {
@@ -414,9 +409,8 @@ void RuleFromJson(const Json& j, const std::string& path, AclType type, AclOwner
   } else {
     std::string a;
     if (ReadText(j, "action", path, false, a, errors)) {
-      if (a == "deny") f.action = "1";
-      else if (a == "permit") f.action = "2";
-      else if (a == "mirror" && owner == AclOwner::kAcl) f.action = "3";
+      if (std::string code = ActionCodeOfCommandName(a, owner); !code.empty())
+        f.action = code;
       else
         errors.push_back({Child(path, "action"), owner == AclOwner::kCpu ? "expected permit or deny (the CPU ACL does not mirror)"
                                                                          : "expected permit, deny or mirror"});

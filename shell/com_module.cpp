@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "acl/wizard/switch_reader.h"
 #include "shell/class_factory.h"
 
 namespace shell {
@@ -113,5 +114,7 @@ HRESULT ComModule::GetTypeInfo(REFGUID libid, REFIID iid, ITypeInfo** ppInfo) {
     LeaveCriticalSection(&m_csTypeInfo);
     return hr;
 }
+
+bool CanUnloadNow() { return Module().LockCount() == 0 && acl::wizard::SwitchReader::LiveWorkers() == 0; }
 
 }  // namespace shell

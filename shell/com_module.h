@@ -64,4 +64,8 @@ private:
 // The one module record of the process.
 ComModule& Module();
 
+// Whether the module may be unloaded: no object and no lock remain, and no switch reader
+// started by a wizard still runs (it may outlive the command that started it).
+bool CanUnloadNow();
+
 }  // namespace shell

@@ -19,10 +19,8 @@ extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID rclsid, REFIID riid, LPVOID
 }
 
 // The framework keeps no objects of its own beyond a command's modal window, and every
-// command runs inside Execute on a live object, so the module lock count says it all.
-extern "C" HRESULT WINAPI DllCanUnloadNow() {
-    return shell::Module().LockCount() == 0 ? S_OK : S_FALSE;
-}
+// command runs inside Execute on a live object; only a switch reader can outlive it.
+extern "C" HRESULT WINAPI DllCanUnloadNow() { return shell::CanUnloadNow() ? S_OK : S_FALSE; }
 
 extern "C" HRESULT WINAPI DllRegisterServer() { return shell::RegisterServer(); }
 

@@ -243,7 +243,9 @@ int CSnmpTable::getNext(const char* agent, CSnmp*& answer, unsigned long timeout
     return kSnmpAgentError;
   }
   auto& got = reply.pdu.varbinds;
-  if (got.size() != m_columns.size()) {
+  // A short answer is a row with its last cells missing (the reader leaves them empty), not
+  // the table's end; an empty or longer one cannot be matched to the columns.
+  if (got.empty() || got.size() > m_columns.size()) {
     m_ended = true;
     return kSnmpEndOfTable;
   }
@@ -257,6 +259,14 @@ int CSnmpTable::getNext(const char* agent, CSnmp*& answer, unsigned long timeout
     }
   }
   for (size_t i = 0; i < got.size(); ++i) m_cursor[i].name = got[i].name;
+  // A column left out moves on to the row just read (all columns share the row's instance),
+  // so the next step asks for the row after it there too.
+  const size_t instanceAt = m_columns[0].size();
+  for (size_t i = got.size(); i < m_columns.size(); ++i) {
+    m_cursor[i].name = m_columns[i];
+    m_cursor[i].name.insert(m_cursor[i].name.end(), got[0].name.begin() + static_cast<std::ptrdiff_t>(instanceAt),
+                            got[0].name.end());
+  }
   auto* a = new CSnmp;
   a->m_varBinds = std::move(got);
   a->m_errorStatus = reply.pdu.errorStatus;

@@ -132,7 +132,8 @@ class CSnmpTable {
   // One GetNext step: the first asks for the successors of the column OIDs, each
   // later one for the successors of the OIDs that the previous step returned. Returns 0 and
   // hands out the answer while every returned OID lies under its column and is greater than
-  // the OID asked for; non-zero at the end of the table, on an error status, on a time-out,
+  // the OID asked for (an answer with fewer bindings than columns is a row whose last cells
+  // are missing); non-zero at the end of the table, on an error status, on a time-out,
   // and for ever after. `answer` is only set on 0.
   int getNext(const char* agent, CSnmp*& answer, unsigned long timeoutMs);
 

@@ -137,7 +137,7 @@ void CACLStep2::StartReader() {
 bool CACLStep2::IsReaderRunning(int nACLKind) const { return m_readers[nACLKind == 1 ? 0 : 1].IsRunning(); }
 
 BOOL CACLStep2::OnKillActive() {
-    SwitchReader::StopAndWait({&m_readers[0], &m_readers[1]}, 3000);
+    SwitchReader::StopAll({&m_readers[0], &m_readers[1]});
     return TRUE;
 }
 

@@ -82,7 +82,7 @@ void CACLModifyPage::SelectDevice(int index) {
 }
 
 BOOL CACLModifyPage::OnKillActive() {
-    SwitchReader::StopAndWait(Readers(), kReaderWaitMs);
+    SwitchReader::StopAll(Readers());
     return TRUE;
 }
 
@@ -123,19 +123,53 @@ BOOL CACLModifyPage::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
         *pResult = 0;
         return TRUE;
     }
-    if (hdr->hwndFrom == m_profileList.GetSafeHwnd() && hdr->code == NM_CLICK) {
-        const int row = reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem;
-        if (row >= 0) {
-            m_strSelProfileID = m_profileList.GetItemText(row, 0);
-            m_strSelTypeName = m_profileList.GetItemText(row, 1);
-            ShowProfileDetails(m_details, m_aProfiles, m_strSelProfileID, m_strSelTypeName, Owner(),
-                               m_device.typeText);
-            OnProfileClicked();
+    if (hdr->hwndFrom == m_profileList.GetSafeHwnd()) {
+        // The details follow the selection however it moves (mouse, arrow keys); a click on
+        // the row already shown changes nothing, one after a deletion emptied the details
+        // shows it again.
+        if (SelectionChanged(hdr)) ShowProfile(m_profileList.GetFirstSelectedRow());
+        if (hdr->code == NM_CLICK) ShowProfile(reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem);
+        if (hdr->code == NM_CLICK || hdr->code == LVN_ITEMCHANGED) {
+            *pResult = 0;
+            return TRUE;
         }
-        *pResult = 0;
-        return TRUE;
     }
     return OnListNotify(hdr, pResult);
+}
+
+bool CACLModifyPage::SelectionChanged(const NMHDR* hdr) {
+    if (hdr->code != LVN_ITEMCHANGED) return false;
+    const auto* change = reinterpret_cast<const NMLISTVIEW*>(hdr);
+    return (change->uChanged & LVIF_STATE) != 0 && ((change->uOldState ^ change->uNewState) & LVIS_SELECTED) != 0;
+}
+
+int CACLModifyPage::FindRow(controls::CXListCtrl& list, int column, const std::string& text,
+                            const std::string& typeName) {
+    if (text.empty()) return -1;
+    for (int row = 0; row < list.GetItemCount(); ++row)
+        if (list.GetItemText(row, column) == text && (typeName.empty() || list.GetItemText(row, 1) == typeName))
+            return row;
+    return -1;
+}
+
+// The details of the profile in `row` (none for -1), the rule page's rules with them.
+void CACLModifyPage::ShowProfile(int row) {
+    if (row < 0) {
+        if (m_strSelProfileID.empty()) return;
+        m_strSelProfileID.clear();
+        m_strSelTypeName.clear();
+        m_details.DeleteAllItems();
+        ShowWindow(m_details.GetSafeHwnd(), SW_HIDE);
+        OnProfilesEmptied();
+        return;
+    }
+    const std::string id = m_profileList.GetItemText(row, 0), typeName = m_profileList.GetItemText(row, 1);
+    if (id == m_strSelProfileID && typeName == m_strSelTypeName) return;
+    m_strSelProfileID = id;
+    m_strSelTypeName = typeName;
+    ShowProfileDetails(m_details, m_aProfiles, m_strSelProfileID, m_strSelTypeName, Owner(), m_device.typeText);
+    ReportKept(0);  // that line spoke of the rows of another profile
+    OnProfileClicked();
 }
 
 bool CACLModifyPage::DeleteOnSwitch(AclKind kind, const std::string& typeWord, const std::string& profileId,
@@ -174,11 +208,11 @@ void CACLModifyPage::ReportKept(int nKept) {
     SetWindowTextA(GetDlgItem(IDC_MODIFY_STATUS), line.c_str());
 }
 
-void CACLModifyPage::DeleteRows(controls::CXListCtrl& list, controls::CXListCtrl& details, bool bAll,
+void CACLModifyPage::DeleteRows(controls::CXListCtrl& list, controls::CXListCtrl& details, bool bAll, int shown,
                                 const std::function<bool(int row)>& send, const std::function<void(int row)>& forget) {
-    const int selected = list.GetFirstSelectedRow();
+    const int selected = shown;
     const int n = list.GetItemCount();
-    if (bAll ? n == 0 : selected < 0) return;  // "Delete" without a selection sends nothing
+    if (bAll ? n == 0 : selected < 0) return;  // "Delete" with no details shown sends nothing
     const HCURSOR previous = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));  // IDC_WAIT
     const int first = bAll ? 0 : selected, last = bAll ? n - 1 : selected;
     std::vector<bool> confirmed(static_cast<size_t>(n));
@@ -200,13 +234,15 @@ void CACLModifyPage::DeleteRows(controls::CXListCtrl& list, controls::CXListCtrl
 
 void CACLModifyPage::DeleteProfiles(bool bAll) {
     DeleteRows(
-        m_profileList, m_details, bAll,
+        m_profileList, m_details, bAll, FindRow(m_profileList, 0, m_strSelProfileID, m_strSelTypeName),
         [this](int row) {
             return DeleteOnSwitch(AclKind::kProfiles, m_profileList.GetItemText(row, 1), m_profileList.GetItemText(row, 0));
         },
         [this](int row) {
             RemoveRecord(m_aProfiles, m_profileList.GetItemText(row, 1), m_profileList.GetItemText(row, 0));
         });
+    m_strSelProfileID.clear();  // the details are emptied
+    m_strSelTypeName.clear();
     OnProfilesEmptied();
 }
 

@@ -36,9 +36,9 @@ protected:
 
     // Every reader slot of the page (stopped together on leave and close).
     virtual std::vector<SwitchReader*> Readers() { return {&m_profileReader}; }
-    // A profile was clicked (its details are shown): the rule page reads its rules.
+    // A profile's details are shown (clicked or selected by key): the rule page reads its rules.
     virtual void OnProfileClicked() {}
-    // The profile list was emptied for a new reading.
+    // The profile list was emptied for a new reading, or no profile's details are shown.
     virtual void OnProfilesEmptied() {}
     // "Delete" and "Delete All": the profiles here; the rule page deletes rules.
     virtual void OnDelete();
@@ -51,14 +51,20 @@ protected:
     // True when the switch confirmed it.
     bool DeleteOnSwitch(AclKind kind, const std::string& typeWord, const std::string& profileId,
                         const std::string& accessId = {});
-    // "Delete" (the selected row) or "Delete All" (every row, in list order) on `list`, with the
-    // wait cursor: `send` deletes a row on the switch, and a row it confirmed leaves the list
-    // after `forget` dropped its record; the details list is emptied and the line under the
-    // lists says how many rows the switch kept.
-    void DeleteRows(controls::CXListCtrl& list, controls::CXListCtrl& details, bool bAll,
+    // "Delete" (the row `shown`, whose details are shown; -1: none, nothing is sent) or "Delete
+    // All" (every row, in list order) on `list`, with the wait cursor: `send` deletes a row on
+    // the switch, and a row it confirmed leaves the list after `forget` dropped its record;
+    // the details list is emptied and the line under the lists says how many rows the switch
+    // kept.
+    void DeleteRows(controls::CXListCtrl& list, controls::CXListCtrl& details, bool bAll, int shown,
                     const std::function<bool(int row)>& send, const std::function<void(int row)>& forget);
     // The line under the lists: empty when every deletion was confirmed.
     void ReportKept(int nKept);
+    // Whether a list notification says a row's selection changed.
+    static bool SelectionChanged(const NMHDR* hdr);
+    // The row whose `column` holds `text` (and, unless empty, column 1 `typeName`); -1 if none.
+    static int FindRow(controls::CXListCtrl& list, int column, const std::string& text,
+                       const std::string& typeName = {});
     static void RemoveRecord(std::array<AclRecordList, 4>& tables, const std::string& typeWord,
                              const std::string& profileId, const std::string& accessId = {});
 
@@ -73,6 +79,7 @@ protected:
 
 private:
     void SelectDevice(int index);
+    void ShowProfile(int row);
     void StartProfileReader();
     void DeleteProfiles(bool bAll);
 };

@@ -77,6 +77,12 @@ void CACLModifyRule::OnProfileClicked() {
 
 void CACLModifyRule::ShowRuleDetails(int row) {
     const ModelEntry* model = LookupModel(m_device.typeText);
+    if (row < 0) {
+        m_strSelAccessID.clear();
+        m_ruleDetails.DeleteAllItems();
+        ShowWindow(m_ruleDetails.GetSafeHwnd(), SW_HIDE);
+        return;
+    }
     m_strSelAccessID = m_ruleList.GetItemText(row, 1);
     const AclRecord* record = FindRecord(m_aRules, m_strRuleTypeName, m_strRuleProfileID, m_strSelAccessID);
     if (model == nullptr || record == nullptr) return;
@@ -85,21 +91,28 @@ void CACLModifyRule::ShowRuleDetails(int row) {
             FillDetailsList(m_ruleDetails, acl::RuleDetails(RecordKindFor(*model, Owner(), AclKind::kRules, type), *record));
 }
 
+// The rule details follow the selection however it moves; a click shows the clicked rule
+// (again, after a deletion emptied the details).
 BOOL CACLModifyRule::OnListNotify(const NMHDR* hdr, LRESULT* pResult) {
-    if (hdr->hwndFrom != m_ruleList.GetSafeHwnd() || hdr->code != NM_CLICK) return FALSE;
-    const int row = reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem;
-    if (row >= 0) ShowRuleDetails(row);
+    if (hdr->hwndFrom != m_ruleList.GetSafeHwnd()) return FALSE;
+    if (SelectionChanged(hdr)) ShowRuleDetails(m_ruleList.GetFirstSelectedRow());
+    if (hdr->code == NM_CLICK) {
+        const int row = reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem;
+        if (row >= 0) ShowRuleDetails(row);
+    }
+    if (hdr->code != NM_CLICK && hdr->code != LVN_ITEMCHANGED) return FALSE;
     *pResult = 0;
     return TRUE;
 }
 
 void CACLModifyRule::DeleteRules(bool bAll) {
     DeleteRows(
-        m_ruleList, m_ruleDetails, bAll,
+        m_ruleList, m_ruleDetails, bAll, FindRow(m_ruleList, 1, m_strSelAccessID),
         [this](int row) {
             return DeleteOnSwitch(AclKind::kRules, m_strRuleTypeName, m_strRuleProfileID, m_ruleList.GetItemText(row, 1));
         },
         [this](int row) { RemoveRecord(m_aRules, m_strRuleTypeName, m_strRuleProfileID, m_ruleList.GetItemText(row, 1)); });
+    m_strSelAccessID.clear();  // the details are emptied
 }
 
 void CACLModifyRule::OnDelete() { DeleteRules(false); }

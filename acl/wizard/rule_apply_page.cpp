@@ -48,7 +48,7 @@ void CACLRuleApply::ReadStaged(const WizardState& wizard, AclOwner owner) {
             const AclRecord& r = list[i];
             const int row = AddRow(type, i, r.empty() ? "" : r[0]);
             m_pendingList.SetItemText(row, 1, r.size() > 1 ? r[1] : "");
-            m_pendingList.SetItemText(row, 2, TypeWord(type));
+            m_pendingList.SetItemText(row, 2, StagedRuleTypeWord(type));
             for (size_t c = 0; c < r.size() && c < columns.size(); ++c)
                 if (columns[c].idsHeader == IDS_RCOL_PERMIT) m_pendingList.SetItemText(row, 3, ActionStagingWord(r[c]));
         }

@@ -144,7 +144,7 @@ RuleFields CRuleDefinitionPage::ReadFields() const {
     f.accessId = Text(IDC_RULE_ACCESS_ID);
     HWND action = GetDlgItem(IDC_RULE_ACTION);
     const int sel = static_cast<int>(SendMessageA(action, CB_GETCURSEL, 0, 0));
-    f.action = sel < 0 ? std::string() : acl::ActionCode(ui::ComboBox(action).GetLBText(sel), Owner());
+    f.action = sel < 0 ? std::string() : ActionCode(ui::ComboBox(action).GetLBText(sel), Owner());
     f.ports = Text(IDC_RULE_PORTS);
     // A field the model hides or a box leaves unchecked gives nothing.
     auto shown = [this](int id) { return IsWindowVisible(GetDlgItem(id)) && IsWindowEnabled(GetDlgItem(id)); };
@@ -166,13 +166,23 @@ void CRuleDefinitionPage::OnAdd() {
     RuleFields fields = ReadFields();
     const std::span<const std::string> profile = ChosenProfile();
     fields.profileId = profile.empty() ? std::string() : profile[0];
-    if (const AclCheck check = ValidateRule(m_type, Owner(), *model, fields); check.code != AclMessage::kNone) {
+    auto refused = [this](const AclCheck& check) {
+        if (check.code == AclMessage::kNone) return false;
         ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(static_cast<UINT>(check.code)));
-        return;
-    }
+        return true;
+    };
+    if (refused(ValidateRuleValues(m_type, Owner(), *model, fields))) return;
     AclRecordList& pending = m_pending[OwnerIndex()];
     AclRecord record = BuildRule(m_type, Owner(), *model, fields);
-    if (!AddRule(pending, record)) return;  // same profile and Access ID: nothing added
+    if (RulePending(pending, record)) return;  // same profile and Access ID: nothing added, nothing said
+    if (refused(CheckRuleComplete(m_type, fields))) return;
+    // The staging file would refuse the whole list at Next and the apply would send an older
+    // one: say so now, while the input is still on the page.
+    if (!StagingRepresentable({record})) {
+        ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(IDS_MSG_CANNOT_STAGE));
+        return;
+    }
+    pending.push_back(record);
     m_profiles[OwnerIndex()].emplace_back(profile.begin(), profile.end());
     const int row = m_list.InsertItem(m_list.GetItemCount(), record[0]);
     for (size_t c = 1; c < record.size(); ++c) m_list.SetItemText(row, static_cast<int>(c), record[c]);
@@ -204,8 +214,19 @@ void CRuleDefinitionPage::LoadRow(int row) {
     SetText(IDC_RULE_ACCESS_ID, f.accessId);
     SetText(IDC_RULE_PORTS, f.ports);
     m_bInPortCheck = false;
+    // The boxes that disable a field follow the rule, so its values are the ones the next
+    // Add reads (a field the model fixes stays as the model has it).
+    const acl::RuleRows rows = acl::RuleRowsFor(*model, Owner(), m_type);
+    if (!rows.portsFixedZero) {
+        const bool all = rows.allPorts && f.ports == acl::AllPortsText(*model);
+        Check(IDC_RULE_ALL_PORTS, all);
+        Enable(IDC_RULE_PORTS, !all);
+    }
+    const bool noLimit = IsWindowVisible(GetDlgItem(IDC_RULE_NO_LIMIT)) && f.rxRate.empty();
+    Check(IDC_RULE_NO_LIMIT, noLimit);
+    Enable(IDC_RULE_RX, !noLimit);
     ui::ComboBox actions(GetDlgItem(IDC_RULE_ACTION));
-    SendMessageA(actions.Hwnd(), CB_SETCURSEL, static_cast<WPARAM>(actions.FindExact(acl::ActionWord(f.action))), 0);
+    SendMessageA(actions.Hwnd(), CB_SETCURSEL, static_cast<WPARAM>(actions.FindExact(ActionWord(f.action))), 0);
     SetText(IDC_RULE_RX, f.rxRate);
     const struct { int check, edit; bool on; const std::string& value; } boxes[] = {
         {IDC_RULE_PRIORITY_CHECK, IDC_RULE_PRIORITY, f.priorityChecked, f.priority},
@@ -279,8 +300,12 @@ BOOL CRuleDefinitionPage::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
 // apart; packet content in the model's layout), `m_nRuleType`, then "Add rule".
 LRESULT CRuleDefinitionPage::OnWizardNext() {
     if (const ModelEntry* model = LookupModel(m_strModel)) {
-        if (auto file = StagingFileFor(*model, Owner(), AclKind::kRules, m_type))
-            WriteStagingFile(file->name, m_pending[OwnerIndex()], file->cellCount);
+        auto file = StagingFileFor(*model, Owner(), AclKind::kRules, m_type);
+        if (file && !WriteStagingFile(file->name, m_pending[OwnerIndex()], file->cellCount)) {
+            // Never leave with a file that differs from the pending list.
+            ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(IDS_MSG_CANNOT_STAGE));
+            return kStay;
+        }
     }
     State().m_nRuleType = acl::pages::RuleTypeOfPage(Index());
     return CACLPage::OnWizardNext();

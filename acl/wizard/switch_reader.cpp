@@ -45,11 +45,7 @@ void Post(SwitchReader::Job& job, Posted* posted) {
     }
 }
 
-DWORD WINAPI Worker(LPVOID param) {
-    auto* handed = static_cast<std::shared_ptr<SwitchReader::Job>*>(param);
-    std::shared_ptr<SwitchReader::Job> job = std::move(*handed);
-    delete handed;
-    ++g_nLiveWorkers;
+void RunJob(std::shared_ptr<SwitchReader::Job> job) {
     AclReadOptions options;
     options.stop = &job->stop;
     options.sink = [&job](AclType type, const AclRecord& record, const AclSummaryLine& line) {
@@ -57,7 +53,21 @@ DWORD WINAPI Worker(LPVOID param) {
     };
     job->read(options);
     Post(*job, new Posted{job, true, AclType::kEthernet, {}, {}});
+}
+
+// The worker holds a reference on the module whose code it runs (counted in LiveWorkers from
+// its creation, so the module never answers that it may unload while a worker runs) and lets
+// it go only as the thread ends: a worker that outlives the wizard never runs in an unloaded
+// module.
+DWORD WINAPI Worker(LPVOID param) {
+    HMODULE self = nullptr;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCSTR>(&Worker), &self);
+    auto* handed = static_cast<std::shared_ptr<SwitchReader::Job>*>(param);
+    std::shared_ptr<SwitchReader::Job> job = std::move(*handed);
+    delete handed;
+    RunJob(std::move(job));
     --g_nLiveWorkers;
+    if (self) FreeLibraryAndExitThread(self, 0);
     return 0;
 }
 
@@ -100,6 +110,9 @@ bool SwitchReader::Start(HWND hwndPage, ReadFn read) {
         return false;
     }
     Release(m_job, m_hThread, false);  // ended, its last rows not yet delivered: dropped
+    // A reading put off earlier is for a device no longer current: this one replaces it.
+    m_pending = nullptr;
+    m_hwndPending = nullptr;
     Launch(hwndPage, std::move(read));
     return m_hThread != nullptr;
 }
@@ -111,8 +124,10 @@ void SwitchReader::Launch(HWND hwndPage, ReadFn read) {
     job->nSerial = ++g_nSerial;
     job->read = std::move(read);
     auto* param = new std::shared_ptr<Job>(job);
+    ++g_nLiveWorkers;
     m_hThread = CreateThread(nullptr, 0, Worker, param, 0, nullptr);
     if (!m_hThread) {
+        --g_nLiveWorkers;
         delete param;
         job->slot = nullptr;
         return;
@@ -140,6 +155,10 @@ void SwitchReader::Ended(const std::shared_ptr<Job>& job) {
         return;
     }
     if (shown && m_onDone) m_onDone();
+}
+
+void SwitchReader::StopAll(const std::vector<SwitchReader*>& slots) {
+    for (SwitchReader* s : slots) s->Stop();
 }
 
 void SwitchReader::StopAndWait(const std::vector<SwitchReader*>& slots, DWORD waitMs) {

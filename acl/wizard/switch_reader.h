@@ -35,16 +35,20 @@ public:
 
     // Reads on a new worker thread that posts to `hwndPage`; rows of earlier readings are
     // dropped from now on. While this slot's thread still runs, no second one starts: the
-    // running one is asked to stop and `read` starts when it has ended. Returns whether a
-    // thread started now.
+    // running one is asked to stop and `read` starts when it has ended. Only the last reading
+    // asked for ever runs: it replaces any reading put off before. Returns whether a thread
+    // started now.
     bool Start(HWND hwndPage, ReadFn read);
     bool IsRunning() const;
     // Asks the running worker to end at its next answer; rows it already read still arrive.
     void Stop();
 
-    // Stops every slot at once and waits at most `waitMs` in all for their threads (leaving a
-    // page: 3000 ms); a worker still running then keeps its slot, so none starts beside it,
-    // and ends on its own. A reading put off by Start is dropped.
+    // Leaving a page: every slot is asked to stop (and its put-off reading dropped); nothing
+    // waits, a running worker keeps its slot until it has ended.
+    static void StopAll(const std::vector<SwitchReader*>& slots);
+    // Stops every slot at once and waits at most `waitMs` in all for their threads; a worker
+    // still running then keeps its slot, so none starts beside it, and ends on its own. A
+    // reading put off by Start is dropped.
     static void StopAndWait(const std::vector<SwitchReader*>& slots, DWORD waitMs);
     // The page's window goes (the wizard closes): StopAndWait, then no worker of these slots
     // posts to the window again, and rows posted but never delivered are freed.
@@ -52,7 +56,7 @@ public:
     // In the page's message handler: true when `msg` was a reader's (and it was handled).
     static bool Deliver(UINT msg, WPARAM wParam, LPARAM lParam);
     // Posts that found the page's window gone (it must stay 0), and the workers of all slots
-    // still running (the tests watch both).
+    // still running (the module stays loaded while there are any; the tests watch both).
     static long PostsToClosedWindows();
     static long LiveWorkers();
 

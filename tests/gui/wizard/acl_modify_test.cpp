@@ -2,10 +2,13 @@
 // against simulated switches seeded with profiles and rules; the lists are checked against
 // what was put on the switch, deletions against the switch's store and its SET log.
 #include <chrono>
+#include <cstdio>
+#include <mutex>
 #include <set>
 #include <tuple>
 
 #include "acl/wizard/switch_reader.h"
+#include "shell/com_module.h"
 #include "tests/gui/wizard/profile_flow.h"
 
 using namespace profile_flow;
@@ -248,6 +251,142 @@ TEST_F(ModifyGui, SlowSwitchOneReaderPerSlotAndClosingWithinThreeSeconds) {
     while (SwitchReader::LiveWorkers() > 0 && Clock::now() < deadline) Sleep(50);
     EXPECT_EQ(0, SwitchReader::LiveWorkers());
     EXPECT_EQ(0, SwitchReader::PostsToClosedWindows());
+}
+
+// A key press on a list, as the user's arrow keys give it.
+void PressKey(WizardDriver& d, HWND list, WPARAM key) {
+    PostMessageA(list, WM_KEYDOWN, key, 0);
+    PostMessageA(list, WM_KEYUP, key, 0);
+    d.Settle();
+}
+
+// The details follow the selection however it moves (arrow keys too), "Delete" deletes the
+// row whose details are shown, and the line about kept rows goes when another profile is
+// shown; on "Modify Rule" the rule list follows a profile chosen by key.
+TEST_F(ModifyGui, DetailsFollowTheSelectionAndDeleteActsOnTheRowShown) {
+    sim::Faults refuse;
+    refuse.refuseSets = {8};  // the first deletion after the seven seeding SETs
+    SimAgent a(40, "TVR4820", refuse);
+    ASSERT_TRUE(a.ok()) << a.error();
+    CreateProfiles(a, "TVR4820", AclOwner::kAcl, {{AclType::kEthernet, "1"}, {AclType::kIPv4, "2"}, {AclType::kIPv6, "3"}});
+    CreateRules(a, "TVR4820", AclOwner::kAcl, AclType::kEthernet, "1", {"5"});
+    CreateRules(a, "TVR4820", AclOwner::kAcl, AclType::kIPv4, "2", {"1", "2", "3"});
+    const ModelEntry& m = *LookupModel("TVR4820");
+    auto lastSet = [&] { return a.sets().empty() ? std::string() : snmp::FormatOid(a.sets().back().varbinds.at(0).name); };
+    const AclOwner O = AclOwner::kAcl;
+    const int modifyProfile = acl::pages::kPageModifyProfile, modifyRule = acl::pages::kPageModifyRule;
+    Wizard({{a.address(), "TVR4820"}}, 1, [&](WizardDriver& d) {
+        HWND details = d.Control(IDC_MODIFY_DETAILS);
+        ASSERT_TRUE(Loaded(d, modifyProfile, Profiles(d), 3));
+        d.ClickCell(Profiles(d), 0, 0);
+        PressKey(d, Profiles(d), VK_DOWN);
+        ASSERT_EQ(1, d.SelectedRow(Profiles(d)));
+        EXPECT_EQ("2", d.CellText(details, 0, 1)) << "the details of the row the key selected";
+        d.ClickButton(IDC_MODIFY_DELETE);
+        EXPECT_EQ(RowStatusColumnOid(m, O, AclKind::kProfiles, AclType::kIPv4) + ".2", lastSet());
+        EXPECT_NE("", d.Text(IDC_MODIFY_STATUS)) << "refused: the row stays and the line says so";
+        PressKey(d, Profiles(d), VK_DOWN);
+        EXPECT_EQ("3", d.CellText(details, 0, 1));
+        EXPECT_EQ("", d.Text(IDC_MODIFY_STATUS)) << "the line spoke of another profile";
+        d.ClickButton(IDC_MODIFY_DELETE);
+        EXPECT_EQ(RowStatusColumnOid(m, O, AclKind::kProfiles, AclType::kIPv6) + ".3", lastSet());
+        EXPECT_FALSE(RowOnSwitch(a, "TVR4820", O, AclKind::kProfiles, AclType::kIPv6, "3"));
+        EXPECT_EQ(2, d.RowCount(Profiles(d)));
+    }, modifyProfile);
+    Wizard({{a.address(), "TVR4820"}}, 1, [&](WizardDriver& d) {
+        HWND ruleDetails = d.Control(IDC_MODIFY_RULE_DETAILS);
+        ASSERT_TRUE(Loaded(d, modifyRule, Profiles(d), 2));
+        d.ClickCell(Profiles(d), 1, 0);
+        ASSERT_TRUE(Loaded(d, modifyRule, RuleList(d), 3));
+        d.ClickCell(RuleList(d), 0, 0);
+        PressKey(d, RuleList(d), VK_DOWN);
+        const std::string shown = d.CellText(RuleList(d), 1, 1);
+        EXPECT_EQ(shown, d.CellText(ruleDetails, 1, 1)) << "the rule details follow the key";
+        d.ClickButton(IDC_MODIFY_DELETE);
+        EXPECT_EQ(RowStatusColumnOid(m, O, AclKind::kRules, AclType::kIPv4) + ".2." + shown, lastSet());
+        EXPECT_EQ(2, d.RowCount(RuleList(d)));
+        PressKey(d, Profiles(d), VK_UP);
+        ASSERT_TRUE(Loaded(d, modifyRule, RuleList(d), 1)) << "the rule list follows the profile chosen by key";
+        EXPECT_EQ("1/5/ACL", *Rows(d, RuleList(d)).begin());
+        d.Screenshot("modify_rule_selection_by_key");
+    }, modifyRule);
+}
+
+// Leaving a page only asks its readers to stop: with a silent switch, Back from "Modify
+// Profile" (through "Add profile", whose reading starts and stops in passing) reaches the
+// action page at once.
+TEST_F(ModifyGui, BackFromASilentSwitchReturnsAtOnce) {
+    sim::Faults silent;
+    silent.silent = true;
+    SimAgent a(41, "TVR4820", silent);
+    ASSERT_TRUE(a.ok()) << a.error();
+    Wizard({{a.address(), "TVR4820"}}, 1, [&](WizardDriver& d) {
+        ASSERT_TRUE(Modify(acl::pages::kPageModifyProfile).IsProfileReaderRunning());
+        const auto start = Clock::now();
+        d.Back();
+        ASSERT_TRUE(d.WaitFor([&] { return d.ActiveIndex() == acl::pages::kPageSelect; }, 10000));
+        const long long ms = MsSince(start);
+        std::printf("Back from \"Modify Profile\" to the action page: %lld ms\n", ms);
+        EXPECT_LT(ms, 500);
+    }, acl::pages::kPageModifyProfile);
+}
+
+LRESULT CALLBACK ReaderPageProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam) {
+    if (SwitchReader::Deliver(msg, wParam, lParam)) return 0;
+    return DefWindowProcA(hwnd, msg, wParam, lParam);
+}
+
+// A reading put off behind a slow one never runs once another device was asked for: device A
+// is read slowly, B is asked for (put off), A's thread ends, and C is asked for before A's end
+// reaches the page. Only C's rows are shown and B is never read. While a reader runs the
+// module may not be unloaded.
+TEST(ReaderSlot, OnlyTheDeviceAskedForLastIsRead) {
+    WNDCLASSA wc{};
+    wc.lpfnWndProc = ReaderPageProc;
+    wc.hInstance = GetModuleHandleA(nullptr);
+    wc.lpszClassName = "SentrelReaderSlotTest";
+    RegisterClassA(&wc);
+    HWND page = CreateWindowA(wc.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, wc.hInstance, nullptr);
+    ASSERT_NE(nullptr, page);
+    HANDLE releaseA = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    std::vector<std::string> shown, read;
+    std::mutex readMutex;
+    int done = 0;
+    {
+        SwitchReader slot;
+        slot.OnRow([&](AclType, const AclRecord& r, const AclSummaryLine&) { shown.push_back(r.at(0)); });
+        slot.OnDone([&] { ++done; });
+        auto device = [&](const std::string& ip, HANDLE wait) {
+            return [&, ip, wait](const AclReadOptions& o) {
+                if (wait) WaitForSingleObject(wait, 10000);
+                {
+                    std::lock_guard<std::mutex> lock(readMutex);
+                    read.push_back(ip);
+                }
+                o.sink(AclType::kEthernet, AclRecord{ip}, AclSummaryLine{});
+            };
+        };
+        ASSERT_TRUE(slot.Start(page, device("A", releaseA)));
+        EXPECT_FALSE(shell::CanUnloadNow()) << "a reader runs";
+        EXPECT_FALSE(slot.Start(page, device("B", nullptr))) << "put off while A runs";
+        SetEvent(releaseA);
+        const auto deadline = Clock::now() + std::chrono::seconds(10);
+        while (slot.IsRunning() && Clock::now() < deadline) Sleep(10);  // A's end stays in the queue
+        ASSERT_FALSE(slot.IsRunning());
+        EXPECT_TRUE(shell::CanUnloadNow());
+        EXPECT_TRUE(slot.Start(page, device("C", nullptr)));
+        for (const auto quiet = Clock::now() + std::chrono::milliseconds(500); Clock::now() < quiet;) {
+            MSG msg;
+            while (PeekMessageA(&msg, page, 0, 0, PM_REMOVE)) DispatchMessageA(&msg);
+            Sleep(10);
+        }
+        EXPECT_EQ(std::vector<std::string>{"C"}, shown);
+        EXPECT_EQ(1, done);
+        std::lock_guard<std::mutex> lock(readMutex);
+        EXPECT_EQ((std::vector<std::string>{"A", "C"}), read) << "B is never read";
+    }
+    CloseHandle(releaseA);
+    DestroyWindow(page);
 }
 
 }  // namespace

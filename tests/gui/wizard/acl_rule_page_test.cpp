@@ -2,6 +2,7 @@
 // order (two bad fields: the earlier one speaks), the page keeping its input and adding
 // nothing, the Add rules, the port check while typing, the two replacements excluding each
 // other; then "Add rule" over switches that fail in each way it must tell apart.
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -36,6 +37,15 @@ protected:
         d.Settle();
         m_wizard->SetActivePage(page);
         d.Settle();
+    }
+    // One rule (the Access ID, port 1) added, and on to "Add rule", which lists it alone.
+    static void AddOneAndGoOn(WizardDriver& d, const std::string& accessId) {
+        d.TypeText(IDC_RULE_ACCESS_ID, accessId);
+        d.TypeText(IDC_RULE_PORTS, "1");
+        d.ClickButton(IDC_RULE_ADD);
+        d.Next();
+        ASSERT_EQ(acl::pages::kPageRuleApply, d.ActiveIndex());
+        ASSERT_EQ(1, d.RowCount(d.Control(IDC_RAPPLY_RULE_LIST)));
     }
     // Types each field's text, first checking the box that enables it.
     static void Fill(WizardDriver& d, const Fields& fields) {
@@ -161,6 +171,91 @@ TEST_F(RulePageGui, AddRulesPortTypingAndTheReplacementsExcludingEachOther) {
     });
 }
 
+// The staging file and the pending list never differ: a value the file cannot hold ("?") is
+// refused at Add with the input kept, so a rule deleted earlier is not what "Add rule" sends;
+// a rule already pending is skipped without a word before the empty-field messages; a
+// pending rule loaded back sets "ALL Ports" and "No Limit" by its own values, so the next Add
+// reads what is shown; "Add rule" names packet content as the staged lists do.
+TEST_F(RulePageGui, StagedRulesAreThePendingListAndLoadedRulesSetTheirBoxes) {
+    RulePage({{"127.0.0.1:1", "TVG5240-10"}}, 1, E, [&](WizardDriver& d) {
+        HWND list = d.Control(IDC_RULE_LIST);
+        d.TypeText(IDC_RULE_ACCESS_ID, "7");
+        d.TypeText(IDC_RULE_PORTS, "1-2");
+        d.TypeText(IDC_RULE_VLAN, "a");
+        d.ClickButton(IDC_RULE_ADD);
+        ASSERT_EQ(1, d.RowCount(list));
+        d.Next();
+        ASSERT_EQ(acl::pages::kPageRuleApply, d.ActiveIndex());
+        m_wizard->SetActivePage(E);
+        d.Settle();
+        d.ClickCell(list, 0, 0);  // loads its values back
+        d.ClickButton(IDC_RULE_DELETE);
+        ASSERT_EQ(0, d.RowCount(list));
+        for (int id : {IDC_RULE_ACCESS_ID, IDC_RULE_PORTS, IDC_RULE_VLAN}) SetWindowTextA(d.Control(id), "");
+        d.TypeText(IDC_RULE_ACCESS_ID, "8");
+        d.TypeText(IDC_RULE_PORTS, "3");
+        d.TypeText(IDC_RULE_VLAN, "v?1");
+        d.ClickButton(IDC_RULE_ADD);
+        EXPECT_EQ(std::vector<std::string>{"A field contains \"?\" or a line break, which can not be kept until the "
+                                           "apply! Please change it."},
+                  d.TakeTexts());
+        EXPECT_EQ(0, d.RowCount(list));
+        EXPECT_EQ("v?1", d.Text(IDC_RULE_VLAN)) << "the input stays";
+        d.Next();
+        ASSERT_EQ(acl::pages::kPageRuleApply, d.ActiveIndex());
+        EXPECT_EQ(0, d.RowCount(d.Control(IDC_RAPPLY_RULE_LIST))) << "the deleted rule is not staged";
+
+        m_wizard->SetActivePage(E);
+        d.Settle();
+        d.TypeText(IDC_RULE_ACCESS_ID, "7");
+        d.TypeText(IDC_RULE_PORTS, "1-2");
+        d.ClickButton(IDC_RULE_ADD);
+        ASSERT_EQ(1, d.RowCount(list));
+        SetWindowTextA(d.Control(IDC_RULE_PORTS), "");
+        d.ClickButton(IDC_RULE_ADD);
+        EXPECT_TRUE(d.TakeTexts().empty()) << "pending already: nothing said, not even about the empty ports";
+        d.ClickButton(IDC_RULE_ALL_PORTS);
+        d.ClickCell(list, 0, 0);
+        EXPECT_FALSE(d.IsChecked(IDC_RULE_ALL_PORTS));
+        EXPECT_TRUE(d.IsEnabled(IDC_RULE_PORTS));
+        EXPECT_EQ("1-2", d.Text(IDC_RULE_PORTS));
+        d.Screenshot("rule-page-11-loaded-back");
+
+        m_wizard->SetActivePage(V6);
+        d.Settle();
+        list = d.Control(IDC_RULE_LIST);
+        d.TypeText(IDC_RULE_ACCESS_ID, "5");
+        d.TypeText(IDC_RULE_PORTS, "1");
+        d.TypeText(IDC_RULE_RX, "100");
+        d.ClickButton(IDC_RULE_ADD);
+        d.ClickButton(IDC_RULE_NO_LIMIT);
+        EXPECT_FALSE(d.IsEnabled(IDC_RULE_RX));
+        d.ClickCell(list, 0, 0);
+        EXPECT_FALSE(d.IsChecked(IDC_RULE_NO_LIMIT));
+        EXPECT_TRUE(d.IsEnabled(IDC_RULE_RX));
+        SetWindowTextA(d.Control(IDC_RULE_ACCESS_ID), "");
+        d.TypeText(IDC_RULE_ACCESS_ID, "6");
+        d.ClickButton(IDC_RULE_ADD);
+        EXPECT_TRUE(d.TakeTexts().empty());
+        ASSERT_EQ(2, d.RowCount(list));
+        const int columns = Header_GetItemCount(ListView_GetHeader(list));
+        for (int c = 2; c < columns; ++c)
+            EXPECT_EQ(d.CellText(list, 0, c), d.CellText(list, 1, c)) << "the second rule takes what is shown, column " << c;
+        const Strings second = [&] {
+            Strings cells;
+            for (int c = 0; c < columns; ++c) cells.push_back(d.CellText(list, 1, c));
+            return cells;
+        }();
+        EXPECT_NE(std::find(second.begin(), second.end(), "100"), second.end()) << "its Rx Rate";
+
+        m_wizard->SetActivePage(PC);
+        d.Settle();
+        ASSERT_NO_FATAL_FAILURE(AddOneAndGoOn(d, "9"));
+        EXPECT_EQ("Packet content", d.CellText(d.Control(IDC_RAPPLY_RULE_LIST), 0, 2));
+        EXPECT_TRUE(d.TakeTexts().empty());
+    });
+}
+
 // The result words of rule rows: a silent switch, a good one, one refusing the record, one
 // not answering the closing request; only the CPU ACL tells that last one apart ("fail").
 // Finish, or Cancel, then deletes the rule staging files and no others.
@@ -178,12 +273,7 @@ TEST_F(RulePageGui, ApplyWordsPerSwitchAndASecondApplySendsOnlyTheClosingRequest
         const std::vector<std::pair<std::string, std::string>> targets = {
             {s.address(), "TVG5690"}, {a.address(), "TVG5690"}, {r.address(), "TVG5690"}, {c.address(), "TVG5690"}};
         RulePage(targets, kind, E, [&](WizardDriver& d) {
-            d.TypeText(IDC_RULE_ACCESS_ID, "7");
-            d.TypeText(IDC_RULE_PORTS, "1");
-            d.ClickButton(IDC_RULE_ADD);
-            d.Next();
-            ASSERT_EQ(acl::pages::kPageRuleApply, d.ActiveIndex());
-            ASSERT_EQ(1, d.RowCount(d.Control(IDC_RAPPLY_RULE_LIST)));
+            ASSERT_NO_FATAL_FAILURE(AddOneAndGoOn(d, "7"));
             EXPECT_EQ(kind == 1 ? "Rule" : "CPU Rule", d.Text(IDC_RAPPLY_GROUP_RULE));
             d.ClickButton(IDC_RAPPLY_APPLY);
             HWND switches = d.Control(IDC_RAPPLY_SWITCH_LIST);

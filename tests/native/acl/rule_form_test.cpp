@@ -1,6 +1,6 @@
-// What the rule pages take from the core: the port list "ALL Ports" puts in the field, the MAC
-// forms accepted, the enabling of fields by a profile made by the definition pages, and a
-// pending rule loaded back into the fields rebuilding the same row.
+// What the rule pages take from the core: the MAC forms accepted, the enabling of fields by a
+// profile made by the definition pages, and a pending rule loaded back into the fields
+// rebuilding the same row.
 #include <gtest/gtest.h>
 
 #include "acl/acl_fields.h"
@@ -11,15 +11,6 @@
 namespace {
 
 constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent};
-
-TEST(RuleForm, AllPortsNamesEveryPortOfTheModelAndPassesThePortCheck) {
-  for (const ModelEntry* m = CatalogueBegin(); m != CatalogueEnd(); ++m) {
-    if (!m->supported) continue;
-    const std::string all = acl::AllPortsText(*m);
-    EXPECT_EQ("1-" + std::to_string(m->portCount), all) << m->typeText;
-    EXPECT_TRUE(ValidatePortList(all, m->portCount)) << m->typeText;
-  }
-}
 
 TEST(RuleForm, MacTypedAsTheExampleShowsBecomesTwelveDigitsAnythingElseStaysForTheCheck) {
   const struct {

@@ -143,15 +143,14 @@ TEST(SnmpWalk, RowsInAgentOrderWithMultiPartIndex) {
 
 // The walk ends without a row of another table: at an empty column, at the end of the agent's
 // MIB (noSuchName on the first step), on an error status, when one column runs out before the
-// others, on an answer with fewer bindings than asked, and after one time-out when no answer
-// comes.
+// others, on an answer without bindings, and after one time-out when no answer comes.
 TEST(SnmpWalk, EndsAtTheTableEndAnErrorOrAColumnThatRunsOut) {
   const struct {
     const char* what;
     std::vector<std::string> columns;
     int errorAt;       // the request answered with genErr, 0: none
     bool dropColumn4;  // column 4 lacks the last row
-    bool oneBinding;   // every answer carries a single binding
+    bool noBinding;    // every answer carries no binding
     bool silent;       // no answer at all
     std::vector<std::string> rows;
   } cases[] = {
@@ -159,7 +158,7 @@ TEST(SnmpWalk, EndsAtTheTableEndAnErrorOrAColumnThatRunsOut) {
       {"past the agent's last table", {"1.3.6.1.4.1.32473.99.1.1"}, 0, false, false, false, {}},
       {"genErr on the third request", Columns({3}), 3, false, false, false, {"1.2", "1.10"}},
       {"column 4 runs out one row early", Columns({3, 4}), 0, true, false, false, {"1.2", "1.10"}},
-      {"fewer bindings than columns", Columns({3, 4}), 0, false, true, false, {}},
+      {"no bindings", Columns({3, 4}), 0, false, true, false, {}},
       {"no answer", Columns({3}), 0, false, false, true, {}},
   };
   for (const auto& c : cases) {
@@ -171,7 +170,7 @@ TEST(SnmpWalk, EndsAtTheTableEndAnErrorOrAColumnThatRunsOut) {
     FakeAgent agent(TestAddress(8), [&](FakeAgent& a, const Message& req, const Endpoint& from) {
       if (c.silent) return;
       if (++asked == c.errorAt) return a.Reply(req, from, req.pdu.varbinds, kGenErr, 1);
-      if (c.oneBinding) return a.Reply(req, from, {VarBind{O((Col(kEthRule, 3) + ".1.1").c_str()), Value::Integer(1)}});
+      if (c.noBinding) return a.Reply(req, from, {});
       inner(a, req, from);
     });
     ASSERT_TRUE(agent.bound());
@@ -182,6 +181,27 @@ TEST(SnmpWalk, EndsAtTheTableEndAnErrorOrAColumnThatRunsOut) {
     EXPECT_EQ(rows, c.rows) << c.what;
     EXPECT_LT(MsSince(t0), 950) << c.what << ": one time-out at most, no retry";
   }
+}
+
+// An answer with fewer bindings than columns is a row whose last cells are missing: the walk
+// goes on, and the next step asks for the row after it in every column, so later rows stay
+// whole and aligned.
+TEST(SnmpWalk, AShortAnswerIsARowWithMissingCells) {
+  MapMib mib;
+  FillRuleTable(mib);
+  auto inner = mib.Handler();
+  int asked = 0;
+  FakeAgent agent(TestAddress(11), [&](FakeAgent& a, const Message& req, const Endpoint& from) {
+    if (++asked != 1) return inner(a, req, from);
+    a.Reply(req, from, {VarBind{O((Col(kEthRule, 3) + ".1.2").c_str()), Value::OctetString("v12")}});
+  });
+  ASSERT_TRUE(agent.bound());
+  std::vector<SnmpRow> rows;
+  ASSERT_EQ(SnmpWalk(TestAddress(11), "public", Columns({3, 4}), [&](const SnmpRow& r) { rows.push_back(r); }), 3u);
+  EXPECT_EQ(rows[0].bindings.size(), 1u);
+  ASSERT_EQ(rows[1].bindings.size(), 2u);
+  EXPECT_EQ(rows[1].index + " " + rows[2].index, "1.10 3.12");
+  EXPECT_EQ(rows[1].bindings[1].oid, Col(kEthRule, 4) + ".1.10");
 }
 
 TEST(SnmpWalk, EndsWhenTheAgentLoopsOrGoesBackwards) {
