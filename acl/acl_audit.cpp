@@ -159,7 +159,7 @@ std::string OperatorName() {
 }
 
 AclAuditLog::AclAuditLog(std::string path, std::function<std::string(const AclTarget&)> switchName)
-    : path_(std::move(path)), switchName_(std::move(switchName)) {}
+    : path_(std::move(path)), switchName_(std::move(switchName)), user_(OperatorName()) {}
 
 AclAuditLog::~AclAuditLog() {
   if (file_ != nullptr) std::fclose(file_);
@@ -183,7 +183,7 @@ bool AclAuditLog::Open(std::string& error) {
 }
 
 void AclAuditLog::Write(const AclWriteEvent& e) {
-  std::string line = "{\"time\":" + JsonQuote(UtcNow()) + ",\"user\":" + JsonQuote(OperatorName());
+  std::string line = "{\"time\":" + JsonQuote(UtcNow()) + ",\"user\":" + JsonQuote(user_);
   if (switchName_) line += ",\"switch\":" + JsonQuote(switchName_(e.target));
   line += ",\"address\":" + JsonQuote(e.target.ip) + ",\"model\":" + JsonQuote(e.target.typeText);
   line += ",\"operation\":" + JsonQuote(WriteOpWord(e.op));

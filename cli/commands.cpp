@@ -4,8 +4,11 @@
 #include <chrono>
 #include <iomanip>
 #include <iostream>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <sstream>
+#include <unordered_map>
 
 #include "acl/acl_audit.h"
 #include "cli/engine.h"
@@ -110,6 +113,123 @@ class Progress {
   std::mutex mutex_;
 };
 
+// The counts under a plan, summed over the switches.
+struct PlanCounts {
+  size_t create = 0, remove = 0, replace = 0, same = 0, kept = 0;
+  void add(const SwitchPlan& p) {
+    create += p.count(Change::kCreate);
+    remove += p.count(Change::kDelete);
+    replace += p.count(Change::kReplace);
+    same += p.count(Change::kUnchanged);
+    kept += p.count(Change::kKept);
+  }
+  void print(std::ostream& out) const {
+    if (create + remove + replace == 0)
+      out << "\nNo changes. The switches hold what the file says.\n";
+    else
+      out << "\nPlan: " << create << " to create, " << remove << " to delete, " << replace << " to replace, " << same
+          << " unchanged" << (kept ? ", " + std::to_string(kept) + " kept as they are" : std::string()) << ".\n";
+  }
+};
+
+std::string PlanText(const SwitchPlan& p, bool verbose) {
+  std::ostringstream out;
+  const SwitchEntry& sw = *p.sw;
+  out << sw.name << " (" << sw.target.ip << ", " << sw.target.typeText << ")";
+  if (!p.failure.empty()) {
+    out << ": " << p.failure << "\n";
+    return out.str();
+  }
+  out << (p.items.empty() ? ": nothing named for this switch\n" : "\n");
+  for (const PlanItem& i : p.items) {
+    out << "  " << std::left << std::setw(3) << Mark(i.change) << " " << RecordName(i);
+    if (i.change == Change::kCreate) out << ": " << FieldsSummary(ItemJson(sw, i, i.wanted));
+    if (i.change == Change::kReplace || i.change == Change::kKept) out << ": " << FieldChanges(sw, i);
+    if (i.change == Change::kKept) out << " (kept: --state replaced would replace it)";
+    if (!i.note.empty()) out << "; " << i.note;
+    out << "\n";
+    if (verbose) PrintSets(out, sw, i);
+  }
+  return out.str();
+}
+
+// Each switch's text in inventory order, printed as soon as it and every switch before it are
+// done (or, held, all at finish), so finished switches never wait in memory for a slow one.
+class InOrderOutput {
+ public:
+  InOrderOutput(std::ostream& out, bool hold) : out_(out), hold_(hold) {}
+  void put(size_t index, std::string text) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    waiting_.emplace(index, std::move(text));
+    if (!hold_) flush();
+  }
+  void finish() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    hold_ = false;
+    flush();
+  }
+
+ private:
+  void flush() {
+    for (auto it = waiting_.begin(); it != waiting_.end() && it->first == next_; it = waiting_.erase(it), ++next_)
+      out_ << it->second;
+  }
+  std::ostream& out_;
+  bool hold_;
+  std::map<size_t, std::string> waiting_;
+  size_t next_ = 0;
+  std::mutex mutex_;
+};
+
+// The recap's totals, summed over the switches.
+struct RecapCounts {
+  size_t switches = 0, created = 0, deleted = 0, same = 0, failed = 0, verified = 0, changes = 0, badSwitches = 0;
+  void print(std::ostream& out) const {
+    out << "Total: " << switches << " switch" << (switches == 1 ? "" : "es") << ", " << badSwitches
+        << " failed; created=" << created << " deleted=" << deleted << " unchanged=" << same << " failed=" << failed
+        << " verified=" << verified << "/" << changes << "\n";
+  }
+};
+
+// One switch's recap lines (names padded to `width`); adds its counts to `counts`.
+std::string RecapText(const SwitchPlan& p, size_t width, RecapCounts& counts) {
+  std::ostringstream out;
+  size_t c = 0, d = 0, f = 0, v = 0, n = 0;
+  for (const PlanItem& i : p.items) {
+    if (i.change == Change::kUnchanged || i.change == Change::kKept) continue;
+    ++n;
+    if (i.done && i.change != Change::kDelete) ++c;
+    if (i.done && i.change == Change::kDelete) ++d;
+    if (i.change == Change::kReplace && i.done) ++d;
+    if (!i.failure.empty() || !i.done) ++f;
+    if (i.verified) ++v;
+  }
+  if (!p.before.reached) f = 0;
+  const bool bad = !p.failure.empty() || f > 0 || v < n;
+  out << std::left << std::setw(static_cast<int>(width)) << p.sw->name << "  " << std::setw(6)
+      << (bad ? "FAILED" : "ok") << "  created=" << c << " deleted=" << d
+      << " unchanged=" << p.count(Change::kUnchanged) << " failed=" << f << " verified=" << v << "/" << n;
+  char secs[32];
+  std::snprintf(secs, sizeof secs, "  %.2fs", p.seconds);
+  out << secs << "\n";
+  if (!p.failure.empty()) out << "    " << p.failure << "\n";
+  for (const PlanItem& i : p.items)
+    if (!i.failure.empty()) {
+      out << "    " << Mark(i.change) << " " << RecordName(i) << ": " << i.failure << "\n";
+      const AclRecord& r = i.change == Change::kDelete ? i.actual : i.wanted;
+      out << "      record: " << FieldsSummary(ItemJson(*p.sw, i, r)) << "\n";
+    }
+  ++counts.switches;
+  counts.badSwitches += bad;
+  counts.created += c;
+  counts.deleted += d;
+  counts.same += p.count(Change::kUnchanged);
+  counts.failed += f;
+  counts.verified += v;
+  counts.changes += n;
+  return out.str();
+}
+
 struct Common {
   std::string inventory;
   std::vector<std::string> limit;
@@ -144,6 +264,7 @@ struct Session {
     std::unique_ptr<Progress> p;
     if (progress && terminal) p = std::make_unique<Progress>(err, plans, true, false);
     ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
+      const SnmpSocketScope oneSocketPerSwitch;
       if (p) p->Update(i, "reading");
       ReadOne(plans[i], owners[i]);
       if (p) p->Update(i, plans[i].before.reached ? "read" : "no answer");
@@ -159,45 +280,57 @@ struct Session {
   }
 
   void PrintPlan(const std::vector<SwitchPlan>& plans, bool verbose) {
-    size_t create = 0, remove = 0, replace = 0, same = 0, kept = 0;
+    PlanCounts counts;
     for (const SwitchPlan& p : plans) {
-      const SwitchEntry& sw = *p.sw;
-      out << sw.name << " (" << sw.target.ip << ", " << sw.target.typeText << ")";
-      if (!p.failure.empty()) {
-        out << ": " << p.failure << "\n";
-        continue;
-      }
-      out << (p.items.empty() ? ": nothing named for this switch\n" : "\n");
-      for (const PlanItem& i : p.items) {
-        out << "  " << std::left << std::setw(3) << Mark(i.change) << " " << RecordName(i);
-        if (i.change == Change::kCreate) out << ": " << FieldsSummary(ItemJson(sw, i, i.wanted));
-        if (i.change == Change::kReplace || i.change == Change::kKept) out << ": " << FieldChanges(sw, i);
-        if (i.change == Change::kKept) out << " (kept: --state replaced would replace it)";
-        if (!i.note.empty()) out << "; " << i.note;
-        out << "\n";
-        if (verbose) PrintSets(out, sw, i);
-      }
-      create += p.count(Change::kCreate);
-      remove += p.count(Change::kDelete);
-      replace += p.count(Change::kReplace);
-      same += p.count(Change::kUnchanged);
-      kept += p.count(Change::kKept);
+      out << PlanText(p, verbose);
+      counts.add(p);
     }
-    if (create + remove + replace == 0)
-      out << "\nNo changes. The switches hold what the file says.\n";
-    else
-      out << "\nPlan: " << create << " to create, " << remove << " to delete, " << replace << " to replace, " << same
-          << " unchanged" << (kept ? ", " + std::to_string(kept) + " kept as they are" : std::string()) << ".\n";
+    counts.print(out);
+  }
+
+  // Reads and plans every switch in the workers; each switch's plan is printed in inventory
+  // order as soon as those before it are, and its records are dropped once its text is made,
+  // so memory follows --parallel, not the size of the fleet. Exit status.
+  int PlanEach(const std::vector<const SwitchEntry*>& switches, std::vector<DesiredSwitch>& desired,
+               StateMode mode, bool verbose, bool detailed) {
+    std::vector<SwitchPlan> names(switches.size());
+    for (size_t i = 0; i < switches.size(); ++i) names[i].sw = switches[i];
+    std::unique_ptr<Progress> p;
+    if (terminal) p = std::make_unique<Progress>(err, names, true, false);
+    InOrderOutput texts(out, p != nullptr);  // a terminal's progress lines are redrawn meanwhile
+    std::mutex countsMutex;
+    PlanCounts counts;
+    bool pending = false, unreachable = false;
+    ForEachParallel(switches.size(), c.parallel, [&](size_t i) {
+      const SnmpSocketScope oneSocketPerSwitch;
+      SwitchPlan plan;
+      plan.sw = switches[i];
+      if (p) p->Update(i, "reading");
+      ReadOne(plan, desired[i].named);
+      if (p) p->Update(i, plan.before.reached ? "read" : "no answer");
+      if (plan.before.reached) PlanSwitch(desired[i], mode, plan);
+      desired[i] = DesiredSwitch{};
+      texts.put(i, PlanText(plan, verbose));
+      std::lock_guard<std::mutex> lock(countsMutex);
+      counts.add(plan);
+      pending = pending || plan.pending();
+      unreachable = unreachable || !plan.before.reached;
+    });
+    texts.finish();
+    counts.print(out);
+    return unreachable ? kExitFailed : (pending && detailed) ? kExitPending : kExitOk;
   }
 
   // Applies the plans in parallel with the audit log open; prints the recap. Exit status.
   // `prepare`, when given, reads and plans a switch in its own worker first, so a slow switch
   // never holds the others back between reading and writing.
   int Apply(std::vector<SwitchPlan>& plans, const std::function<void(size_t)>& prepare = nullptr) {
-    AclAuditLog audit(c.auditLog.empty() ? DefaultAuditLogPath() : c.auditLog, [this](const AclTarget& t) {
-      for (const SwitchEntry* s : selected)
-        if (s->target.ip == t.ip) return s->name;
-      return std::string();
+    // The audit log names the switch of every SET: looked up by address once, not per SET.
+    std::unordered_map<std::string, std::string> nameByAddress;
+    for (const SwitchEntry* s : selected) nameByAddress.emplace(s->target.ip, s->name);
+    AclAuditLog audit(c.auditLog.empty() ? DefaultAuditLogPath() : c.auditLog, [&nameByAddress](const AclTarget& t) {
+      auto it = nameByAddress.find(t.ip);
+      return it != nameByAddress.end() ? it->second : std::string();
     });
     std::string error;
     if (!audit.Open(error)) {
@@ -212,61 +345,33 @@ struct Session {
     RunOptions options;
     options.timeoutMs = c.timeoutMs;
     options.progress = [&](size_t i, const std::string& s) { progress.Update(i, s); };
-    ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
-      if (prepare) {
-        options.progress(i, "reading");
-        prepare(i);
-      }
-      if (plans[i].before.reached) ApplySwitch(plans[i], options, i);
-      else options.progress(i, "no answer");
-    });
-    SetAclWriteObserver(nullptr);
-    return Recap(plans);
-  }
-
-  int Recap(const std::vector<SwitchPlan>& plans) {
     size_t width = 0;
     for (const SwitchPlan& p : plans) width = std::max(width, p.sw->name.size());
-    size_t created = 0, deleted = 0, same = 0, failed = 0, verified = 0, changes = 0, badSwitches = 0;
-    out << "\n";
-    for (const SwitchPlan& p : plans) {
-      size_t c = 0, d = 0, f = 0, v = 0, n = 0;
-      for (const PlanItem& i : p.items) {
-        if (i.change == Change::kUnchanged || i.change == Change::kKept) continue;
-        ++n;
-        if (i.done && i.change != Change::kDelete) ++c;
-        if (i.done && i.change == Change::kDelete) ++d;
-        if (i.change == Change::kReplace && i.done) ++d;
-        if (!i.failure.empty() || !i.done) ++f;
-        if (i.verified) ++v;
-      }
-      if (!p.before.reached) f = 0;
-      const bool bad = !p.failure.empty() || f > 0 || v < n;
-      badSwitches += bad;
-      out << std::left << std::setw(static_cast<int>(width)) << p.sw->name << "  " << std::setw(6)
-          << (bad ? "FAILED" : "ok") << "  created=" << c << " deleted=" << d
-          << " unchanged=" << p.count(Change::kUnchanged) << " failed=" << f << " verified=" << v << "/" << n;
-      char secs[32];
-      std::snprintf(secs, sizeof secs, "  %.2fs", p.seconds);
-      out << secs << "\n";
-      if (!p.failure.empty()) out << "    " << p.failure << "\n";
-      for (const PlanItem& i : p.items)
-        if (!i.failure.empty()) {
-          out << "    " << Mark(i.change) << " " << RecordName(i) << ": " << i.failure << "\n";
-          const AclRecord& r = i.change == Change::kDelete ? i.actual : i.wanted;
-          out << "      record: " << FieldsSummary(ItemJson(*p.sw, i, r)) << "\n";
+    InOrderOutput recap(out, true);  // after the progress lines
+    std::mutex countsMutex;
+    RecapCounts counts;
+    ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
+      {
+        const SnmpSocketScope oneSocketPerSwitch;  // reading, writing and reading back
+        if (prepare) {
+          options.progress(i, "reading");
+          prepare(i);
         }
-      created += c;
-      deleted += d;
-      same += p.count(Change::kUnchanged);
-      failed += f;
-      verified += v;
-      changes += n;
-    }
-    out << "Total: " << plans.size() << " switch" << (plans.size() == 1 ? "" : "es") << ", " << badSwitches
-        << " failed; created=" << created << " deleted=" << deleted << " unchanged=" << same << " failed=" << failed
-        << " verified=" << verified << "/" << changes << "\n";
-    return badSwitches > 0 ? kExitFailed : kExitOk;
+        if (plans[i].before.reached) ApplySwitch(plans[i], options, i);
+        else options.progress(i, "no answer");
+      }
+      // Only the recap's lines outlive the switch's work.
+      std::lock_guard<std::mutex> lock(countsMutex);
+      recap.put(i, RecapText(plans[i], width, counts));
+      SwitchPlan done;
+      done.sw = plans[i].sw;
+      plans[i] = std::move(done);
+    });
+    SetAclWriteObserver(nullptr);
+    out << "\n";
+    recap.finish();
+    counts.print(out);
+    return counts.badSwitches > 0 ? kExitFailed : kExitOk;
   }
 };
 
@@ -441,20 +546,10 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
       return s.Apply(plans, [&](size_t i) {
         s.ReadOne(plans[i], owners[i]);
         if (plans[i].before.reached) PlanSwitch(desired[i], modes.at(mode), plans[i]);
+        desired[i] = DesiredSwitch{};
       });
     }
-    plans = s.Read(switches, owners, true);
-    for (size_t i = 0; i < plans.size(); ++i)
-      if (plans[i].before.reached) PlanSwitch(desired[i], modes.at(mode), plans[i]);
-    {
-      s.PrintPlan(plans, verbose);
-      bool pending = false, unreachable = false;
-      for (const SwitchPlan& p : plans) {
-        pending = pending || p.pending();
-        unreachable = unreachable || !p.before.reached;
-      }
-      return unreachable ? kExitFailed : (pending && detailed) ? kExitPending : kExitOk;
-    }
+    return s.PlanEach(switches, desired, modes.at(mode), verbose, detailed);
   }
 
   // delete

@@ -35,11 +35,18 @@ bool ParseOid(std::string_view text, Oid& out) {
 std::string FormatOid(const Oid& oid) {
   std::string s;
   s.reserve(oid.size() * 4);
-  char buf[16];
+  // By hand rather than snprintf: a walk formats every OID of every answer.
+  char buf[10];
   for (size_t i = 0; i < oid.size(); ++i) {
     if (i) s.push_back('.');
-    int n = std::snprintf(buf, sizeof buf, "%u", static_cast<unsigned>(oid[i]));
-    s.append(buf, static_cast<size_t>(n));
+    char* end = buf + sizeof buf;
+    char* p = end;
+    uint32_t v = oid[i];
+    do {
+      *--p = static_cast<char>('0' + v % 10);
+      v /= 10;
+    } while (v != 0);
+    s.append(p, static_cast<size_t>(end - p));
   }
   return s;
 }

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -34,7 +35,25 @@ bool ParseInteger(const char* text, int64_t& v) {
   return true;
 }
 
+// The socket of the thread's outermost SnmpSocketScope, if one lives.
+thread_local snmp::UdpSocket* t_scopeSocket = nullptr;
+
+// Room for the largest datagram, once per thread rather than once per request object (a set
+// is one request object, and clearing 64 KB per set cost more than the set's own work).
+uint8_t* ReceiveBuffer() {
+  thread_local std::unique_ptr<uint8_t[]> buffer(new uint8_t[snmp::kMaxMessageSize + 1]);
+  return buffer.get();
+}
+
 }  // namespace
+
+SnmpSocketScope::SnmpSocketScope() : m_outermost(t_scopeSocket == nullptr) {
+  if (m_outermost) t_scopeSocket = &m_socket;
+}
+
+SnmpSocketScope::~SnmpSocketScope() {
+  if (m_outermost) t_scopeSocket = nullptr;
+}
 
 // ---------------------------------------------------------------------------------------------
 // CSnmp
@@ -149,7 +168,7 @@ int CSnmpV1::setCommunity(const char* community) {
   return 0;
 }
 
-int CSnmpV1::exchange(const char* agent, uint8_t pduType, const std::vector<snmp::VarBind>& binds,
+int CSnmpV1::exchange(const char* agent, uint8_t pduType, std::vector<snmp::VarBind>& binds,
                       unsigned long timeoutMs, snmp::Message& reply) {
   snmp::Endpoint to;
   if (agent == nullptr || !snmp::ParseEndpoint(agent, snmp::kSnmpPort, to)) return kSnmpBadAddress;
@@ -161,29 +180,33 @@ int CSnmpV1::exchange(const char* agent, uint8_t pduType, const std::vector<snmp
   // Unpredictable, positive request-ids: an off-path sender cannot forge an answer.
   req.pdu.requestId = static_cast<int32_t>(snmp::RandomU32() & 0x7FFFFFFF);
   if (req.pdu.requestId == 0) req.pdu.requestId = 1;
-  req.pdu.varbinds = binds;
+  req.pdu.varbinds.swap(binds);
   m_sendBuffer.clear();
-  if (!snmp::EncodeMessage(req, m_sendBuffer)) return kSnmpBadRequest;
+  const bool encoded = snmp::EncodeMessage(req, m_sendBuffer);
+  req.pdu.varbinds.swap(binds);
+  if (!encoded) return kSnmpBadRequest;
 
-  if (!m_socket.IsOpen() && !m_socket.Open()) return kSnmpSocketError;
-  if (!m_socket.SendTo(to, m_sendBuffer.data(), m_sendBuffer.size())) return kSnmpSocketError;
+  snmp::UdpSocket& socket = t_scopeSocket != nullptr ? *t_scopeSocket : m_socket;
+  if (!socket.IsOpen() && !socket.Open()) return kSnmpSocketError;
+  if (!socket.ConnectedTo(to) && !socket.Connect(to)) return kSnmpSocketError;
+  if (!socket.Send(m_sendBuffer.data(), m_sendBuffer.size())) return kSnmpSocketError;
 
   using Clock = std::chrono::steady_clock;
   const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
-  m_recvBuffer.resize(snmp::kMaxMessageSize + 1);
+  uint8_t* const buffer = ReceiveBuffer();
   for (;;) {
     auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
     if (left.count() < 0) return kSnmpTimeout;
     size_t size = 0;
     snmp::Endpoint from;
-    auto r = m_socket.RecvFrom(m_recvBuffer.data(), m_recvBuffer.size(), size, from,
-                               static_cast<int>(left.count()));
+    auto r = socket.RecvFrom(buffer, snmp::kMaxMessageSize + 1, size, from,
+                             static_cast<int>(left.count()));
     if (r == snmp::UdpSocket::Recv::kTimeout) return kSnmpTimeout;
     if (r == snmp::UdpSocket::Recv::kError) return kSnmpSocketError;
-    // Only the agent's own answer to this request counts; the rest (other senders, stale or
-    // duplicate answers, garbage) is dropped and the wait goes on.
+    // Only the agent's own answer to this request counts; the rest (stale or duplicate
+    // answers, garbage) is dropped and the wait goes on.
     if (!(from == to)) continue;
-    if (snmp::DecodeMessage(m_recvBuffer.data(), size, reply) != snmp::DecodeError::kOk) continue;
+    if (snmp::DecodeMessage(buffer, size, reply) != snmp::DecodeError::kOk) continue;
     if (reply.version != 0 || reply.pdu.type != snmp::kTagGetResponse ||
         reply.pdu.requestId != req.pdu.requestId)
       continue;
