@@ -98,12 +98,13 @@ const char* BindingTypeWord(const SnmpBinding& b) {
 
 std::string BindingValueText(const SnmpBinding& b) {
   if (b.type != kSnmpOctetString || !b.raw) return b.value;
+  static const char kHex[] = "0123456789ABCDEF";  // every raw value of every SET is logged
   std::string out;
-  char buf[4];
+  out.reserve(b.value.size() * 3);
   for (unsigned char c : b.value) {
-    std::snprintf(buf, sizeof buf, "%02X", c);
     if (!out.empty()) out += ' ';
-    out += buf;
+    out += kHex[c >> 4];
+    out += kHex[c & 15];
   }
   return out;
 }
