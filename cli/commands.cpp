@@ -291,8 +291,8 @@ struct Session {
   // Reads and plans every switch in the workers; each switch's plan is printed in inventory
   // order as soon as those before it are, and its records are dropped once its text is made,
   // so memory follows --parallel, not the size of the fleet. Exit status.
-  int PlanEach(const std::vector<const SwitchEntry*>& switches, std::vector<DesiredSwitch>& desired,
-               StateMode mode, bool verbose, bool detailed) {
+  int PlanEach(const std::vector<const SwitchEntry*>& switches,
+               const std::function<void(size_t, SwitchPlan&)>& planOne, bool verbose, bool detailed) {
     std::vector<SwitchPlan> names(switches.size());
     for (size_t i = 0; i < switches.size(); ++i) names[i].sw = switches[i];
     std::unique_ptr<Progress> p;
@@ -306,10 +306,8 @@ struct Session {
       SwitchPlan plan;
       plan.sw = switches[i];
       if (p) p->Update(i, "reading");
-      ReadOne(plan, desired[i].named);
+      planOne(i, plan);
       if (p) p->Update(i, plan.before.reached ? "read" : "no answer");
-      if (plan.before.reached) PlanSwitch(desired[i], mode, plan);
-      desired[i] = DesiredSwitch{};
       texts.put(i, PlanText(plan, verbose));
       std::lock_guard<std::mutex> lock(countsMutex);
       counts.add(plan);
@@ -526,30 +524,35 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
 
   std::vector<SwitchPlan> plans;
   if (plan->parsed() || apply->parsed()) {
-    std::vector<DesiredSwitch> desired;
+    DesiredStateFile file;
     std::vector<std::string> errors;
-    LoadDesiredState(stateFile, s.selected, s.inventory, desired, errors);
+    std::vector<const SwitchEntry*> switches;
+    std::vector<std::array<bool, 2>> owners;
+    // Every switch's part is built and checked before anything is sent, and dropped: it is
+    // built again when the switch's turn comes, so the fleet's parts are never all held at once.
+    if (file.Load(stateFile, s.inventory, errors))
+      for (const SwitchEntry* sw : s.selected) {
+        const DesiredSwitch d = file.For(*sw, errors);
+        if (!d.named[0] && !d.named[1]) continue;
+        switches.push_back(sw);
+        owners.push_back(d.named);
+      }
     for (const std::string& e : errors) err << "sentrel-acl: " << e << "\n";
     if (!errors.empty()) {
       err << "sentrel-acl: " << errors.size() << " error" << (errors.size() == 1 ? "" : "s") << "; nothing was sent\n";
       return kExitUsage;
     }
-    std::vector<const SwitchEntry*> switches;
-    std::vector<std::array<bool, 2>> owners;
-    for (const DesiredSwitch& d : desired) {
-      switches.push_back(d.sw);
-      owners.push_back(d.named);
-    }
+    auto planOne = [&](size_t i, SwitchPlan& plan) {
+      s.ReadOne(plan, owners[i]);
+      std::vector<std::string> checkedAlready;
+      if (plan.before.reached) PlanSwitch(file.For(*switches[i], checkedAlready), modes.at(mode), plan);
+    };
     if (apply->parsed() && !dryRun) {
       plans.resize(switches.size());
       for (size_t i = 0; i < plans.size(); ++i) plans[i].sw = switches[i];
-      return s.Apply(plans, [&](size_t i) {
-        s.ReadOne(plans[i], owners[i]);
-        if (plans[i].before.reached) PlanSwitch(desired[i], modes.at(mode), plans[i]);
-        desired[i] = DesiredSwitch{};
-      });
+      return s.Apply(plans, [&](size_t i) { planOne(i, plans[i]); });
     }
-    return s.PlanEach(switches, desired, modes.at(mode), verbose, detailed);
+    return s.PlanEach(switches, planOne, verbose, detailed);
   }
 
   // delete
