@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstring>
-#include <memory>
 
 namespace {
 
@@ -35,24 +34,18 @@ bool ParseInteger(const char* text, int64_t& v) {
   return true;
 }
 
-// The socket of the thread's outermost SnmpSocketScope, if one lives.
-thread_local snmp::UdpSocket* t_scopeSocket = nullptr;
-
-// Room for the largest datagram, once per thread rather than once per request object (a set
-// is one request object, and clearing 64 KB per set cost more than the set's own work).
-uint8_t* ReceiveBuffer() {
-  thread_local std::unique_ptr<uint8_t[]> buffer(new uint8_t[snmp::kMaxMessageSize + 1]);
-  return buffer.get();
-}
+// The thread's outermost SnmpSocketScope, if one lives. A plain pointer: a thread_local with a
+// destructor would run at thread exit, after the plug-in DLL may have been unloaded.
+thread_local SnmpSocketScope* t_scope = nullptr;
 
 }  // namespace
 
-SnmpSocketScope::SnmpSocketScope() : m_outermost(t_scopeSocket == nullptr) {
-  if (m_outermost) t_scopeSocket = &m_socket;
+SnmpSocketScope::SnmpSocketScope() : m_outermost(t_scope == nullptr) {
+  if (m_outermost) t_scope = this;
 }
 
 SnmpSocketScope::~SnmpSocketScope() {
-  if (m_outermost) t_scopeSocket = nullptr;
+  if (m_outermost) t_scope = nullptr;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -186,27 +179,31 @@ int CSnmpV1::exchange(const char* agent, uint8_t pduType, std::vector<snmp::VarB
   req.pdu.varbinds.swap(binds);
   if (!encoded) return kSnmpBadRequest;
 
-  snmp::UdpSocket& socket = t_scopeSocket != nullptr ? *t_scopeSocket : m_socket;
+  SnmpSocketScope* const scope = t_scope;
+  snmp::UdpSocket& socket = scope != nullptr ? scope->m_socket : m_socket;
+  std::unique_ptr<uint8_t[]>& buffer = scope != nullptr ? scope->m_buffer : m_recvBuffer;
+  // Left uncleared (only received bytes are read): clearing 64 KB for every set cost more than
+  // the set's own work.
+  if (!buffer) buffer.reset(new uint8_t[snmp::kMaxMessageSize + 1]);
   if (!socket.IsOpen() && !socket.Open()) return kSnmpSocketError;
   if (!socket.ConnectedTo(to) && !socket.Connect(to)) return kSnmpSocketError;
   if (!socket.Send(m_sendBuffer.data(), m_sendBuffer.size())) return kSnmpSocketError;
 
   using Clock = std::chrono::steady_clock;
   const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
-  uint8_t* const buffer = ReceiveBuffer();
   for (;;) {
     auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
     if (left.count() < 0) return kSnmpTimeout;
     size_t size = 0;
     snmp::Endpoint from;
-    auto r = socket.RecvFrom(buffer, snmp::kMaxMessageSize + 1, size, from,
+    auto r = socket.RecvFrom(buffer.get(), snmp::kMaxMessageSize + 1, size, from,
                              static_cast<int>(left.count()));
     if (r == snmp::UdpSocket::Recv::kTimeout) return kSnmpTimeout;
     if (r == snmp::UdpSocket::Recv::kError) return kSnmpSocketError;
     // Only the agent's own answer to this request counts; the rest (stale or duplicate
     // answers, garbage) is dropped and the wait goes on.
     if (!(from == to)) continue;
-    if (snmp::DecodeMessage(buffer, size, reply) != snmp::DecodeError::kOk) continue;
+    if (snmp::DecodeMessage(buffer.get(), size, reply) != snmp::DecodeError::kOk) continue;
     if (reply.version != 0 || reply.pdu.type != snmp::kTagGetResponse ||
         reply.pdu.requestId != req.pdu.requestId)
       continue;

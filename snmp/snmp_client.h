@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -60,7 +61,9 @@ class SnmpSocketScope {
   SnmpSocketScope& operator=(const SnmpSocketScope&) = delete;
 
  private:
+  friend class CSnmpV1;
   snmp::UdpSocket m_socket;
+  std::unique_ptr<uint8_t[]> m_buffer;  // room for the largest answer, from the first request
   bool m_outermost;
 };
 
@@ -135,8 +138,9 @@ class CSnmpV1 : public CSnmp {
 
   int m_type = -1;
   std::string m_community;
-  snmp::UdpSocket m_socket;   // without a SnmpSocketScope: opened on first use, closed with
-                              // the request object
+  // Without a SnmpSocketScope: opened on first use, released with the request object.
+  snmp::UdpSocket m_socket;
+  std::unique_ptr<uint8_t[]> m_recvBuffer;
   std::string m_sendBuffer;
 };
 
