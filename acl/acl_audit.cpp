@@ -98,12 +98,13 @@ const char* BindingTypeWord(const SnmpBinding& b) {
 
 std::string BindingValueText(const SnmpBinding& b) {
   if (b.type != kSnmpOctetString || !b.raw) return b.value;
+  static const char kHex[] = "0123456789ABCDEF";  // every raw value of every SET is logged
   std::string out;
-  char buf[4];
+  out.reserve(b.value.size() * 3);
   for (unsigned char c : b.value) {
-    std::snprintf(buf, sizeof buf, "%02X", c);
     if (!out.empty()) out += ' ';
-    out += buf;
+    out += kHex[c >> 4];
+    out += kHex[c & 15];
   }
   return out;
 }
@@ -159,7 +160,7 @@ std::string OperatorName() {
 }
 
 AclAuditLog::AclAuditLog(std::string path, std::function<std::string(const AclTarget&)> switchName)
-    : path_(std::move(path)), switchName_(std::move(switchName)) {}
+    : path_(std::move(path)), switchName_(std::move(switchName)), user_(OperatorName()) {}
 
 AclAuditLog::~AclAuditLog() {
   if (file_ != nullptr) std::fclose(file_);
@@ -183,7 +184,7 @@ bool AclAuditLog::Open(std::string& error) {
 }
 
 void AclAuditLog::Write(const AclWriteEvent& e) {
-  std::string line = "{\"time\":" + JsonQuote(UtcNow()) + ",\"user\":" + JsonQuote(OperatorName());
+  std::string line = "{\"time\":" + JsonQuote(UtcNow()) + ",\"user\":" + JsonQuote(user_);
   if (switchName_) line += ",\"switch\":" + JsonQuote(switchName_(e.target));
   line += ",\"address\":" + JsonQuote(e.target.ip) + ",\"model\":" + JsonQuote(e.target.typeText);
   line += ",\"operation\":" + JsonQuote(WriteOpWord(e.op));

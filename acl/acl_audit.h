@@ -70,6 +70,7 @@ class AclAuditLog {
   void Append(const std::string& line);  // whole and flushed
   std::string path_;
   std::function<std::string(const AclTarget&)> switchName_;
+  std::string user_;  // looked up once: without USER set it reads the password database
   std::FILE* file_ = nullptr;
   std::mutex mutex_;
 };

@@ -22,6 +22,7 @@ void Apply(AclKind kind, const std::vector<AclTarget>& targets, AclOwner owner,
   for (size_t i = 0; i < targets.size(); ++i) {
     const AclTarget& target = targets[i];
     const long long d = static_cast<long long>(i) + 1;
+    const SnmpSocketScope oneSocketPerSwitch;  // its records and its closing request
     bool deviceOk = true;
     // The model once per target: every record of it goes through the same tables.
     const ModelEntry* model = LookupSupportedModel(target.typeText);
@@ -91,6 +92,7 @@ AclReadResult ReadProfiles(const AclTarget& target, AclOwner owner, const AclRea
   AclReadResult out;
   const ModelEntry* model = LookupSupportedModel(target.typeText);
   if (model == nullptr) return out;
+  const SnmpSocketScope oneSocket;  // for the walks of every table
   for (AclType type : kTypeOrder) {
     if (Stopped(options)) break;
     if (auto table = TableLayout(*model, owner, AclKind::kProfiles, type))

@@ -6,8 +6,11 @@
 #include <cstdlib>
 #include <iomanip>
 #include <iostream>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <sstream>
+#include <unordered_map>
 
 #include "acl/acl_audit.h"
 #include "cli/engine.h"
@@ -143,6 +146,156 @@ class Progress {
 
 std::string Records(size_t n) { return std::to_string(n) + " record" + (n == 1 ? "" : "s"); }
 
+// One switch's part of a plan as people read it.
+std::string PlanText(const SwitchPlan& p, bool verbose) {
+  std::ostringstream out;
+  const SwitchEntry& sw = *p.sw;
+  out << sw.name << " (" << sw.target.ip << ", " << sw.target.typeText << ")";
+  if (!p.failure.empty()) {
+    out << ": " << p.failure << "\n";
+    return out.str();
+  }
+  out << (p.items.empty() && p.owedClosings.empty() ? ": nothing named for this switch\n" : "\n");
+  for (const OwedClosing& o : p.owedClosings)
+    out << "  !   closing request of the " << OwedClosingName(o)
+        << " owed: an earlier apply stopped after its records landed; apply sends it\n";
+  for (const PlanItem& i : p.items) {
+    out << "  " << std::left << std::setw(3) << Mark(i.change) << " " << RecordName(i);
+    if (i.change == Change::kCreate) out << ": " << FieldsSummary(ItemJson(sw, i, i.wanted));
+    if (i.change == Change::kReplace || i.change == Change::kKept) out << ": " << FieldChanges(sw, i);
+    if (i.change == Change::kKept) out << " (kept: --state replaced would replace it)";
+    if (!i.note.empty()) out << "; " << i.note;
+    out << "\n";
+    if (verbose) PrintSets(out, sw, i);
+  }
+  return out.str();
+}
+
+// The counts under a plan, summed over the switches, and the line that says what they mean.
+struct PlanCounts {
+  size_t create = 0, remove = 0, replace = 0, same = 0, kept = 0, owed = 0, silent = 0;
+  void add(const SwitchPlan& p) {
+    if (!p.failure.empty()) {
+      ++silent;
+      return;
+    }
+    create += p.count(Change::kCreate);
+    remove += p.count(Change::kDelete);
+    replace += p.count(Change::kReplace);
+    same += p.count(Change::kUnchanged);
+    kept += p.count(Change::kKept);
+    owed += p.owedClosings.size();
+  }
+  // `nothing`: the line when no switch has anything to do and every switch answered.
+  void print(std::ostream& out, const char* nothing) const {
+    out << "\n";
+    if (create + remove + replace + owed > 0) {
+      out << "Plan: " << create << " to create, " << remove << " to delete, " << replace << " to replace, " << same
+          << " unchanged" << (kept ? ", " + std::to_string(kept) + " kept as they are" : std::string())
+          << (owed ? ", " + std::to_string(owed) + " closing request" + (owed == 1 ? "" : "s") + " owed" : std::string())
+          << ".\n";
+    } else if (kept > 0) {
+      out << "No changes in --state merged, but " << Records(kept)
+          << " on the switches differ from the file and are kept as they are.\n";
+    } else if (silent == 0) {
+      out << nothing << "\n";
+    }
+    if (silent > 0)
+      out << silent << " switch" << (silent == 1 ? " was" : "es were")
+          << " not read (see above): nothing is known of what they hold.\n";
+  }
+};
+
+constexpr const char* kNoChanges = "No changes. The switches hold what the file says.";
+
+void PrintPlan(std::ostream& out, const std::vector<SwitchPlan>& plans, bool verbose, const char* nothing = kNoChanges) {
+  PlanCounts counts;
+  for (const SwitchPlan& p : plans) {
+    out << PlanText(p, verbose);
+    counts.add(p);
+  }
+  counts.print(out, nothing);
+}
+
+// Each switch's text in inventory order, printed as soon as it and every switch before it are
+// done (or, held, all at finish), so finished switches never wait in memory for a slow one.
+class InOrderOutput {
+ public:
+  InOrderOutput(std::ostream& out, bool hold) : out_(out), hold_(hold) {}
+  void put(size_t index, std::string text) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    waiting_.emplace(index, std::move(text));
+    if (!hold_) flush();
+  }
+  void finish() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    hold_ = false;
+    flush();
+  }
+
+ private:
+  void flush() {
+    for (auto it = waiting_.begin(); it != waiting_.end() && it->first == next_; it = waiting_.erase(it), ++next_)
+      out_ << it->second;
+  }
+  std::ostream& out_;
+  bool hold_;
+  std::map<size_t, std::string> waiting_;
+  size_t next_ = 0;
+  std::mutex mutex_;
+};
+
+// The recap's totals, summed over the switches.
+struct RecapCounts {
+  size_t switches = 0, created = 0, deleted = 0, same = 0, failed = 0, verified = 0, changes = 0, badSwitches = 0;
+  void print(std::ostream& out) const {
+    out << "Total: " << switches << " switch" << (switches == 1 ? "" : "es") << ", " << badSwitches
+        << " failed; created=" << created << " deleted=" << deleted << " unchanged=" << same << " failed=" << failed
+        << " verified=" << verified << "/" << changes << "\n";
+  }
+};
+
+// One switch's recap lines (its name padded to `width`); adds its counts to `counts`.
+std::string RecapText(const SwitchPlan& p, size_t width, RecapCounts& counts) {
+  std::ostringstream out;
+  size_t c = 0, d = 0, f = 0, k = 0, v = 0, n = 0;
+  for (const PlanItem& i : p.items) {
+    if (i.change == Change::kUnchanged || i.change == Change::kKept) continue;
+    ++n;
+    if (i.done && i.change != Change::kDelete) ++c;
+    if (i.done && i.change == Change::kDelete) ++d;
+    if (i.change == Change::kReplace && i.done) ++d;
+    if (i.skipped) ++k;
+    else if (!i.failure.empty() || !i.done) ++f;
+    if (i.verified) ++v;
+  }
+  if (!p.before.reached) f = 0;
+  const bool bad = p.failed();
+  out << std::left << std::setw(static_cast<int>(width)) << p.sw->name << "  " << std::setw(6)
+      << (p.interrupted ? "INTERRUPTED" : bad ? "FAILED" : "ok") << "  created=" << c << " deleted=" << d
+      << " unchanged=" << p.count(Change::kUnchanged) << " failed=" << f
+      << (k ? " skipped=" + std::to_string(k) : std::string()) << " verified=" << v << "/" << n;
+  char secs[32];
+  std::snprintf(secs, sizeof secs, "  %.2fs", p.seconds);
+  out << secs << "\n";
+  if (!p.failure.empty()) out << "    " << p.failure << "\n";
+  for (const PlanItem& i : p.items)
+    if (!i.failure.empty()) {
+      out << "    " << Mark(i.change) << " " << RecordName(i) << ": " << i.failure << "\n";
+      const AclRecord& r = i.change == Change::kDelete ? i.actual : i.wanted;
+      out << "      record: " << FieldsSummary(ItemJson(*p.sw, i, r)) << "\n";
+    }
+  ++counts.switches;
+  counts.badSwitches += bad;
+  counts.created += c;
+  counts.deleted += d;
+  counts.same += p.count(Change::kUnchanged);
+  counts.failed += f;
+  counts.verified += v;
+  counts.changes += n;
+  return out.str();
+}
+
 struct Common {
   std::string inventory;
   SingleSwitch single;
@@ -190,6 +343,7 @@ struct Session {
     std::unique_ptr<Progress> p;
     if (progress && terminal) p = std::make_unique<Progress>(err, plans, true, false);
     ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
+      const SnmpSocketScope oneSocketPerSwitch;
       if (p) p->Update(i, "reading");
       ReadOne(plans[i], owners[i]);
       if (p) p->Update(i, plans[i].before.reached ? "read" : "no answer");
@@ -208,63 +362,54 @@ struct Session {
       plan.failure = "no answer within " + std::to_string(c.timeoutMs) + " ms (a wrong community looks the same)";
   }
 
-  // `nothing`: the line when no switch has anything to do and every switch answered.
-  void PrintPlan(std::ostream& out, const std::vector<SwitchPlan>& plans, bool verbose,
-                 const char* nothing = "No changes. The switches hold what the file says.") {
-    size_t create = 0, remove = 0, replace = 0, same = 0, kept = 0, owed = 0, silent = 0;
-    for (const SwitchPlan& p : plans) {
-      const SwitchEntry& sw = *p.sw;
-      out << sw.name << " (" << sw.target.ip << ", " << sw.target.typeText << ")";
-      if (!p.failure.empty()) {
-        out << ": " << p.failure << "\n";
-        ++silent;
-        continue;
-      }
-      out << (p.items.empty() && p.owedClosings.empty() ? ": nothing named for this switch\n" : "\n");
-      for (const OwedClosing& o : p.owedClosings)
-        out << "  !   closing request of the " << OwedClosingName(o)
-            << " owed: an earlier apply stopped after its records landed; apply sends it\n";
-      for (const PlanItem& i : p.items) {
-        out << "  " << std::left << std::setw(3) << Mark(i.change) << " " << RecordName(i);
-        if (i.change == Change::kCreate) out << ": " << FieldsSummary(ItemJson(sw, i, i.wanted));
-        if (i.change == Change::kReplace || i.change == Change::kKept) out << ": " << FieldChanges(sw, i);
-        if (i.change == Change::kKept) out << " (kept: --state replaced would replace it)";
-        if (!i.note.empty()) out << "; " << i.note;
-        out << "\n";
-        if (verbose) PrintSets(out, sw, i);
-      }
-      create += p.count(Change::kCreate);
-      remove += p.count(Change::kDelete);
-      replace += p.count(Change::kReplace);
-      same += p.count(Change::kUnchanged);
-      kept += p.count(Change::kKept);
-      owed += p.owedClosings.size();
+  // Reads (unless `planOne` needs no switch) and plans every switch in the workers. For people,
+  // each switch's plan is printed in inventory order as soon as those before it are and its
+  // records are then dropped, so memory follows --parallel, not the size of the fleet; --json
+  // keeps every plan for its one document. Exit status.
+  int PlanEach(const std::vector<const SwitchEntry*>& switches,
+               const std::function<void(size_t, SwitchPlan&)>& planOne, bool verbose, bool detailed) {
+    std::vector<SwitchPlan> plans(switches.size());
+    for (size_t i = 0; i < switches.size(); ++i) plans[i].sw = switches[i];
+    std::unique_ptr<Progress> p;
+    if (terminal) p = std::make_unique<Progress>(err, plans, true, false);
+    InOrderOutput texts(out, p != nullptr);  // a terminal's progress lines are redrawn meanwhile
+    std::mutex countsMutex;
+    PlanCounts counts;
+    bool pending = false, unreachable = false;
+    ForEachParallel(switches.size(), c.parallel, [&](size_t i) {
+      const SnmpSocketScope oneSocketPerSwitch;
+      if (p) p->Update(i, "reading");
+      planOne(i, plans[i]);
+      if (p) p->Update(i, plans[i].before.reached ? "read" : "no answer");
+      std::lock_guard<std::mutex> lock(countsMutex);
+      counts.add(plans[i]);
+      pending = pending || plans[i].pending();
+      unreachable = unreachable || !plans[i].before.reached;
+      if (json) return;
+      texts.put(i, PlanText(plans[i], verbose));
+      SwitchPlan done;
+      done.sw = plans[i].sw;
+      plans[i] = std::move(done);
+    });
+    if (json) {
+      out << PlanResultJson(false, mode, plans).dump(2) << "\n";
+    } else {
+      texts.finish();
+      counts.print(out, kNoChanges);
     }
-    out << "\n";
-    if (create + remove + replace + owed > 0) {
-      out << "Plan: " << create << " to create, " << remove << " to delete, " << replace << " to replace, " << same
-          << " unchanged" << (kept ? ", " + std::to_string(kept) + " kept as they are" : std::string())
-          << (owed ? ", " + std::to_string(owed) + " closing request" + (owed == 1 ? "" : "s") + " owed" : std::string())
-          << ".\n";
-    } else if (kept > 0) {
-      out << "No changes in --state merged, but " << Records(kept)
-          << " on the switches differ from the file and are kept as they are.\n";
-    } else if (silent == 0) {
-      out << nothing << "\n";
-    }
-    if (silent > 0)
-      out << silent << " switch" << (silent == 1 ? " was" : "es were")
-          << " not read (see above): nothing is known of what they hold.\n";
+    return unreachable ? kExitFailed : (pending && detailed) ? kExitPending : kExitOk;
   }
 
   // Applies the plans in parallel with the audit log open; prints the recap. Exit status.
   // `prepare`, when given, reads and plans a switch in its own worker first, so a slow switch
   // never holds the others back between reading and writing.
   int Apply(std::vector<SwitchPlan>& plans, const std::function<void(size_t)>& prepare = nullptr) {
-    AclAuditLog audit(c.auditLog.empty() ? DefaultAuditLogPath() : c.auditLog, [this](const AclTarget& t) {
-      for (const SwitchEntry* s : selected)
-        if (s->target.ip == t.ip) return s->name;
-      return std::string();
+    // The audit log names the switch of every SET: looked up by address once, not per SET.
+    std::unordered_map<std::string, std::string> nameByAddress;
+    for (const SwitchEntry* s : selected) nameByAddress.emplace(s->target.ip, s->name);
+    AclAuditLog audit(c.auditLog.empty() ? DefaultAuditLogPath() : c.auditLog, [&nameByAddress](const AclTarget& t) {
+      auto it = nameByAddress.find(t.ip);
+      return it != nameByAddress.end() ? it->second : std::string();
     });
     std::string error;
     if (!audit.Open(error)) {
@@ -279,6 +424,12 @@ struct Session {
       CollectSetOutcome(e);
     });
     InterruptGuard interrupt;
+    size_t width = 0;
+    for (const SwitchPlan& p : plans) width = std::max(width, p.sw->name.size());
+    InOrderOutput recap(out, true);  // after the progress lines
+    std::mutex countsMutex;
+    RecapCounts counts;
+    bool interrupted = false;
     {
       Progress progress(err, plans, terminal, !json);
       RunOptions options;
@@ -288,95 +439,68 @@ struct Session {
       options.stop = &InterruptGuard::Requested;
       ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
         SwitchPlan& p = plans[i];
-        if (options.stop()) {
-          p.interrupted = true;
-          return options.progress(i, "interrupted");
+        ApplyOne(p, i, options, folder, ledger, prepare);
+        if (p.interrupted) {
+          size_t sent = 0, changes = 0;
+          for (const PlanItem& item : p.items) {
+            changes += item.change != Change::kUnchanged && item.change != Change::kKept;
+            sent += item.done || (!item.skipped && !item.failure.empty());
+          }
+          audit.WriteSwitchOutcome(p.sw->target, "interrupted",
+                                   p.before.reached ? std::to_string(sent) + " of " + std::to_string(changes) +
+                                                          " changes sent"
+                                                    : "not started");
         }
-        SwitchLock lock;
-        std::string busy;
-        if (!lock.Acquire(folder, p.sw->target.ip, busy)) {
-          p.failure = busy;
-          p.busy = true;
-          return options.progress(i, "busy");
-        }
-        p.owedClosings = ledger.Owed(p.sw->target.ip);
-        if (prepare) {
-          options.progress(i, "reading");
-          prepare(i);
-        }
-        if (p.before.reached) ApplySwitch(p, options, i);
-        else options.progress(i, "no answer");
+        std::lock_guard<std::mutex> lock(countsMutex);
+        interrupted = interrupted || p.interrupted;
+        if (json) return;  // the document needs every switch's records
+        // Only the recap's lines outlive the switch's work.
+        recap.put(i, RecapText(p, width, counts));
+        SwitchPlan done;
+        done.sw = p.sw;
+        p = std::move(done);
       });
     }
     SetAclWriteObserver(nullptr);
-    bool interrupted = false;
-    for (const SwitchPlan& p : plans) {
-      if (!p.interrupted) continue;
-      interrupted = true;
-      size_t sent = 0, changes = 0;
-      for (const PlanItem& i : p.items) {
-        changes += i.change != Change::kUnchanged && i.change != Change::kKept;
-        sent += i.done || (!i.skipped && !i.failure.empty());
-      }
-      audit.WriteSwitchOutcome(p.sw->target, "interrupted",
-                               p.before.reached ? std::to_string(sent) + " of " + std::to_string(changes) + " changes sent"
-                                                : "not started");
+    int status;
+    if (json) {
+      out << PlanResultJson(true, mode, plans).dump(2) << "\n";
+      status = std::any_of(plans.begin(), plans.end(), [](const SwitchPlan& p) { return p.failed(); }) ? kExitFailed
+                                                                                                       : kExitOk;
+    } else {
+      out << "\n";
+      recap.finish();
+      counts.print(out);
+      status = counts.badSwitches > 0 ? kExitFailed : kExitOk;
+      if (interrupted) out << "Interrupted: the switches above that were not finished hold part of the plan.\n";
     }
-    const int status = Recap(plans);
-    if (interrupted && !json) out << "Interrupted: the switches above that were not finished hold part of the plan.\n";
     return interrupted ? kExitInterrupted : status;
   }
 
-  int Recap(const std::vector<SwitchPlan>& plans) {
-    if (json) {
-      out << PlanResultJson(true, mode, plans).dump(2) << "\n";
-      return std::any_of(plans.begin(), plans.end(), [](const SwitchPlan& p) { return p.failed(); }) ? kExitFailed
-                                                                                                     : kExitOk;
+  // One switch's apply in its worker: its lock, what it owes from an earlier run, its reading
+  // and plan (`prepare`), its records and closing requests, and the read-back, all through one
+  // socket.
+  void ApplyOne(SwitchPlan& p, size_t i, const RunOptions& options, const std::string& folder, ClosingLedger& ledger,
+                const std::function<void(size_t)>& prepare) {
+    if (options.stop()) {
+      p.interrupted = true;
+      return options.progress(i, "interrupted");
     }
-    size_t width = 0;
-    for (const SwitchPlan& p : plans) width = std::max(width, p.sw->name.size());
-    size_t created = 0, deleted = 0, same = 0, failed = 0, verified = 0, changes = 0, badSwitches = 0;
-    out << "\n";
-    for (const SwitchPlan& p : plans) {
-      size_t c = 0, d = 0, f = 0, k = 0, v = 0, n = 0;
-      for (const PlanItem& i : p.items) {
-        if (i.change == Change::kUnchanged || i.change == Change::kKept) continue;
-        ++n;
-        if (i.done && i.change != Change::kDelete) ++c;
-        if (i.done && i.change == Change::kDelete) ++d;
-        if (i.change == Change::kReplace && i.done) ++d;
-        if (i.skipped) ++k;
-        else if (!i.failure.empty() || !i.done) ++f;
-        if (i.verified) ++v;
-      }
-      if (!p.before.reached) f = 0;
-      const bool bad = p.failed();
-      badSwitches += bad;
-      out << std::left << std::setw(static_cast<int>(width)) << p.sw->name << "  " << std::setw(6)
-          << (p.interrupted ? "INTERRUPTED" : bad ? "FAILED" : "ok") << "  created=" << c << " deleted=" << d
-          << " unchanged=" << p.count(Change::kUnchanged) << " failed=" << f
-          << (k ? " skipped=" + std::to_string(k) : std::string()) << " verified=" << v << "/" << n;
-      char secs[32];
-      std::snprintf(secs, sizeof secs, "  %.2fs", p.seconds);
-      out << secs << "\n";
-      if (!p.failure.empty()) out << "    " << p.failure << "\n";
-      for (const PlanItem& i : p.items)
-        if (!i.failure.empty()) {
-          out << "    " << Mark(i.change) << " " << RecordName(i) << ": " << i.failure << "\n";
-          const AclRecord& r = i.change == Change::kDelete ? i.actual : i.wanted;
-          out << "      record: " << FieldsSummary(ItemJson(*p.sw, i, r)) << "\n";
-        }
-      created += c;
-      deleted += d;
-      same += p.count(Change::kUnchanged);
-      failed += f;
-      verified += v;
-      changes += n;
+    SwitchLock lock;
+    std::string busy;
+    if (!lock.Acquire(folder, p.sw->target.ip, busy)) {
+      p.failure = busy;
+      p.busy = true;
+      return options.progress(i, "busy");
     }
-    out << "Total: " << plans.size() << " switch" << (plans.size() == 1 ? "" : "es") << ", " << badSwitches
-        << " failed; created=" << created << " deleted=" << deleted << " unchanged=" << same << " failed=" << failed
-        << " verified=" << verified << "/" << changes << "\n";
-    return badSwitches > 0 ? kExitFailed : kExitOk;
+    p.owedClosings = ledger.Owed(p.sw->target.ip);
+    const SnmpSocketScope oneSocketPerSwitch;
+    if (prepare) {
+      options.progress(i, "reading");
+      prepare(i);
+    }
+    if (p.before.reached) ApplySwitch(p, options, i);
+    else options.progress(i, "no answer");
   }
 };
 
@@ -578,23 +702,27 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
 
   std::vector<SwitchPlan> plans;
   if (plan->parsed() || apply->parsed()) {
-    std::vector<DesiredSwitch> desired;
+    DesiredStateFile file;
     std::vector<std::string> errors;
-    LoadDesiredState(stateFile, in, s.selected, s.inventory, desired, errors);
+    std::vector<const SwitchEntry*> switches;
+    std::vector<std::array<bool, 2>> owners;
+    // Every switch's part is built and checked before anything is sent, and dropped: it is
+    // built again when the switch's turn comes, so the fleet's parts are never all held at once.
+    if (file.Load(stateFile, in, s.inventory, errors))
+      for (const SwitchEntry* sw : s.selected) {
+        const DesiredSwitch d = file.For(*sw, errors);
+        if (!d.named[0] && !d.named[1]) continue;
+        switches.push_back(sw);
+        owners.push_back(d.named);
+      }
     for (const std::string& e : errors) err << "sentrel-acl: " << e << "\n";
     if (!errors.empty()) {
       err << "sentrel-acl: " << errors.size() << " error" << (errors.size() == 1 ? "" : "s") << "; nothing was sent\n";
       return kExitUsage;
     }
-    std::vector<const SwitchEntry*> switches;
-    std::vector<std::array<bool, 2>> owners;
-    for (const DesiredSwitch& d : desired) {
-      switches.push_back(d.sw);
-      owners.push_back(d.named);
-    }
-    auto planAll = [&] {
-      for (size_t i = 0; i < plans.size(); ++i)
-        if (plans[i].before.reached) PlanSwitch(desired[i], s.mode, plans[i]);
+    auto planSwitch = [&](size_t i, SwitchPlan& plan) {
+      std::vector<std::string> checkedAlready;
+      if (plan.before.reached) PlanSwitch(file.For(*switches[i], checkedAlready), s.mode, plan);
     };
     if (apply->parsed() && !dryRun) {
       // Merged never deletes, and --yes has agreed to whatever the plans delete: each switch is
@@ -604,13 +732,13 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
         for (size_t i = 0; i < plans.size(); ++i) plans[i].sw = switches[i];
         return s.Apply(plans, [&](size_t i) {
           s.ReadOne(plans[i], owners[i]);
-          if (plans[i].before.reached) PlanSwitch(desired[i], s.mode, plans[i]);
+          planSwitch(i, plans[i]);
         });
       }
       plans = s.Read(switches, owners, true);
-      planAll();
+      for (size_t i = 0; i < plans.size(); ++i) planSwitch(i, plans[i]);
       if (const size_t n = Deletions(plans); n > 0) {
-        s.PrintPlan(s.json ? err : out, plans, verbose);
+        PrintPlan(s.json ? err : out, plans, verbose);
         if (!inputTerminal) {
           err << "sentrel-acl: the plan deletes " << Records(n)
               << " and stdin is not a terminal to ask: give --yes to go ahead; nothing was sent\n";
@@ -623,30 +751,18 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
       }
       return s.Apply(plans);
     }
-    if (plan->parsed() && assumeEmpty) {
-      plans.resize(switches.size());
-      for (size_t i = 0; i < plans.size(); ++i) {
-        plans[i].sw = switches[i];
-        plans[i].before.reached = true;
-        plans[i].before.read = owners[i];
-      }
-    } else {
-      plans = s.Read(switches, owners, true);
-      ClosingLedger ledger(StateFolder());
-      for (SwitchPlan& p : plans)
-        if (p.before.reached) p.owedClosings = ledger.Owed(p.sw->target.ip);
-    }
-    planAll();
-    if (s.json)
-      out << PlanResultJson(false, s.mode, plans).dump(2) << "\n";
-    else
-      s.PrintPlan(out, plans, verbose);
-    bool pending = false, unreachable = false;
-    for (const SwitchPlan& p : plans) {
-      pending = pending || p.pending();
-      unreachable = unreachable || !p.before.reached;
-    }
-    return unreachable ? kExitFailed : (pending && detailed) ? kExitPending : kExitOk;
+    if (assumeEmpty)
+      return s.PlanEach(switches, [&](size_t i, SwitchPlan& plan) {
+        plan.before.reached = true;
+        plan.before.read = owners[i];
+        planSwitch(i, plan);
+      }, verbose, detailed);
+    ClosingLedger ledger(StateFolder());
+    return s.PlanEach(switches, [&](size_t i, SwitchPlan& plan) {
+      s.ReadOne(plan, owners[i]);
+      if (plan.before.reached) plan.owedClosings = ledger.Owed(plan.sw->target.ip);
+      planSwitch(i, plan);
+    }, verbose, detailed);
   }
 
   // delete
@@ -665,7 +781,7 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
     if (p.before.reached) PlanDeletion(targets, p);
     count += p.items.size();
   }
-  s.PrintPlan(out, plans, false, "Nothing to delete: no switch holds any of these records.");
+  PrintPlan(out, plans, false, "Nothing to delete: no switch holds any of these records.");
   if (count == 0) return plans.empty() || std::all_of(plans.begin(), plans.end(), [](const SwitchPlan& p) {
                             return p.before.reached;
                           }) ? kExitOk : kExitFailed;

@@ -180,19 +180,19 @@ void ReadSection(const Json& section, const std::string& path, DesiredSwitch& d,
 
 }  // namespace
 
-void LoadDesiredState(const std::string& path, std::istream& input, const std::vector<const SwitchEntry*>& selected,
-                      const Inventory& inventory, std::vector<DesiredSwitch>& out,
-                      std::vector<std::string>& errors) {
-  Json j;
+bool DesiredStateFile::Load(const std::string& path, std::istream& input, const Inventory& inventory, std::vector<std::string>& errors) {
+  path_ = path;
+  const size_t before = errors.size();
+  Json& j = json_;
   std::string error;
   if (path == "-" ? !ParseJsonText("stdin", std::string(std::istreambuf_iterator<char>(input), {}), j, error)
                   : !LoadJsonFile(path, j, error)) {
     errors.push_back(error);
-    return;
+    return false;
   }
   if (!j.is_object()) {
     errors.push_back(path + ": $: expected an object with \"switches\" and/or \"groups\"");
-    return;
+    return false;
   }
   for (const auto& item : j.items()) {
     if (item.key() != "switches" && item.key() != "groups") {
@@ -212,17 +212,21 @@ void LoadDesiredState(const std::string& path, std::istream& input, const std::v
                          (item.key() == "switches" ? "switch" : "group") + " of that name in " + inventory.path);
     }
   }
-  if (!errors.empty()) return;
-  for (const SwitchEntry* sw : selected) {
-    DesiredSwitch d;
-    d.sw = sw;
-    for (const std::string& g : sw->groups)
-      if (j.contains("groups") && j["groups"].contains(g))
-        ReadSection(j["groups"][g], "$.groups." + g, d, Context{path, *sw, true, errors});
-    if (j.contains("switches") && j["switches"].contains(sw->name))
-      ReadSection(j["switches"][sw->name], "$.switches." + sw->name, d, Context{path, *sw, false, errors});
-    if (d.named[0] || d.named[1]) out.push_back(std::move(d));
-  }
+  return errors.size() == before;
+}
+
+DesiredSwitch DesiredStateFile::For(const SwitchEntry& sw, std::vector<std::string>& errors) const {
+  // Only const access: the parsed file is shared by the threads that build switches' parts.
+  const Json& j = json_;
+  DesiredSwitch d;
+  d.sw = &sw;
+  const Json* groups = j.contains("groups") ? &j.at("groups") : nullptr;
+  for (const std::string& g : sw.groups)
+    if (groups != nullptr && groups->contains(g))
+      ReadSection(groups->at(g), "$.groups." + g, d, Context{path_, sw, true, errors});
+  if (j.contains("switches") && j.at("switches").contains(sw.name))
+    ReadSection(j.at("switches").at(sw.name), "$.switches." + sw.name, d, Context{path_, sw, false, errors});
+  return d;
 }
 
 std::string ProtocolOfProfile(AclType type, const AclRecord& profile) {

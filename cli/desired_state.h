@@ -27,13 +27,24 @@ struct DesiredSwitch {
   std::array<std::vector<DesiredProfile>, 2> profiles;
 };
 
-// Loads the file for the selected switches: each switch's groups (in the order the inventory
-// gives them) and then the switch itself; a later profile with the same ID replaces an earlier
-// one. Every error ("file: $.path: message") is appended; the result is only used when none.
-// `path` "-" reads `input`.
-void LoadDesiredState(const std::string& path, std::istream& input, const std::vector<const SwitchEntry*>& selected,
-                      const Inventory& inventory, std::vector<DesiredSwitch>& out,
-                      std::vector<std::string>& errors);
+// A desired-state file read once and its switch and group names checked against the
+// inventory; each switch's part is built when asked, so that a command working through a fleet
+// holds the parts of the switches in work only, not of the whole fleet.
+class DesiredStateFile {
+ public:
+  // Reads the file (`path` "-": `input`) and checks its names; false with the errors appended
+  // when it cannot be used.
+  bool Load(const std::string& path, std::istream& input, const Inventory& inventory,
+            std::vector<std::string>& errors);
+  // One switch's part: its groups' sections in the inventory's order, then its own (a later
+  // profile with the same ID replaces an earlier one). Every error ("file: $.path: message") is
+  // appended; the part is only used when there is none. Safe from several threads at once.
+  DesiredSwitch For(const SwitchEntry& sw, std::vector<std::string>& errors) const;
+
+ private:
+  std::string path_;
+  Json json_;
+};
 
 // What one switch holds, as read: per owner and type, the profiles and the rules.
 struct AclHoldings {

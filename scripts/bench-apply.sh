@@ -9,7 +9,8 @@
 #  3. 1,000 switches x 10 records: the apply with its progress on a terminal (a tmux pane)
 #     against the same apply into a pipe;
 #  4. 200 switches x 10 records: the sentrel.acl collection through ansible-playbook (forks 50)
-#     against `sentrel-acl apply --parallel 50`, the same fleet and state.
+#     against `sentrel-acl apply --parallel 50`, the same fleet and state;
+#  5. a large estate: 10,000 switches x 10 records applied, then planned again (see scale_case).
 # Usage: scripts/bench-apply.sh [terminal]   (terminal: only the run of 1,000 switches)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -219,5 +220,63 @@ YML
   printf '  sentrel-acl apply --parallel 50, the same:               %.2f s (ansible-playbook %.1fx of it)\n' \
     "$t_acl" "$(calc "$t_ansible / $t_acl")"
 }
-echo "== 4. 200 switches x 10 records: ansible-playbook (forks 50) against sentrel-acl apply --parallel 50"
-bench_ansible
+
+# 5. A large estate: SENTREL_BENCH_SWITCHES (10,000) switches on 127.10.x.y:161 in one simulator,
+# 10 records each (an Ethernet profile and 9 rules), --parallel SENTREL_BENCH_PARALLEL (10, the
+# command's default). Every address of 127.0.0.0/8 is local to lo, so the simulator binds one
+# socket per switch without adding addresses. Times the first apply (read, write, read back),
+# then a plan that finds nothing to do, with the peak memory of each.
+scale_case() {
+  local n=${SENTREL_BENCH_SWITCHES:-10000} parallel=${SENTREL_BENCH_PARALLEL:-10} i addr
+  echo "== 5. a large estate: $n switches x 10 records, --parallel $parallel"
+  : > "$work/fleet.txt"
+  {
+    echo '{"communities": {"read_env": "BENCH_READ", "write_env": "BENCH_WRITE"}, "switches": {'
+    for ((i = 0; i < n; i++)); do
+      addr="127.10.$((i / 250)).$((i % 250 + 1))"
+      echo "$addr TVR4820 public private" >> "$work/fleet.txt"
+      echo "  \"sw$i\": {\"address\": \"$addr\", \"model\": \"TVR4820\", \"groups\": [\"site\"]}$([ "$i" -lt $((n - 1)) ] && echo ,)"
+    done
+    echo '}}'
+  } > "$work/estate.json"
+  {
+    echo '{"groups": {"site": {"acl": ['
+    echo '  {"id": 1, "type": "ethernet", "vlan": true, "src_mac_mask": "FFFFFFFFFFFF", "rules": ['
+    for a in $(seq 1 9); do
+      echo "    {\"access_id\": $a, \"src_mac\": \"00A0C9000$((100 + a))\", \"vlan\": \"v$a\", \"action\": \"permit\", \"ports\": \"1-$((a + 2))\"}$([ "$a" -lt 9 ] && echo ,)"
+    done
+    echo '  ]}]}}}'
+  } > "$work/estate-state.json"
+  "$sim" --quiet --fleet "$work/fleet.txt" > "$work/sim.log" 2>&1 &
+  sim_pid=$!
+  for _ in $(seq 600); do grep -q ready "$work/sim.log" && break; sleep 0.05; done
+  grep -q ready "$work/sim.log" || { echo "bench-apply: the simulator did not start" >&2; cat "$work/sim.log" >&2; exit 1; }
+  # The simulator's CPU seconds so far (user + system, from /proc), to tell its share apart.
+  sim_cpu() { awk -v hz="$(getconf CLK_TCK)" '{ printf "%.2f", ($14 + $15) / hz }' "/proc/$sim_pid/stat"; }
+  local c0 c1 c2
+  c0=$(sim_cpu)
+  # GNU time: wall seconds, peak resident kilobytes and CPU seconds of sentrel-acl alone (the CPU
+  # time shows the cost on a machine busy with other work, where the wall time does not).
+  /usr/bin/time -f '%e %M %U %S' -o "$work/apply.time" "$acl" -i "$work/estate.json" --parallel "$parallel" \
+    apply --audit-log "$work/audit.jsonl" "$work/estate-state.json" > "$work/recap.txt" 2>/dev/null || true
+  grep -E '^Total' "$work/recap.txt"
+  c1=$(sim_cpu)
+  /usr/bin/time -f '%e %M %U %S' -o "$work/plan.time" "$acl" -i "$work/estate.json" --parallel "$parallel" \
+    plan "$work/estate-state.json" > "$work/plan.txt" 2>/dev/null || true
+  tail -1 "$work/plan.txt"
+  c2=$(sim_cpu)
+  stop_sim
+  local t m u s
+  read -r t m u s < "$work/apply.time"
+  printf '  apply (read, write, read back): %6.2f s, peak %5.1f MB, CPU %5.2f s (simulator %5.2f s)\n' \
+    "$t" "$(calc "$m / 1024")" "$(calc "$u + $s")" "$(calc "$c1 - $c0")"
+  read -r t m u s < "$work/plan.time"
+  printf '  plan again (nothing to do):     %6.2f s, peak %5.1f MB, CPU %5.2f s (simulator %5.2f s)\n' \
+    "$t" "$(calc "$m / 1024")" "$(calc "$u + $s")" "$(calc "$c2 - $c1")"
+}
+
+if [ "$terminal_only" = 0 ]; then
+  echo "== 4. 200 switches x 10 records: ansible-playbook (forks 50) against sentrel-acl apply --parallel 50"
+  bench_ansible
+  scale_case
+fi

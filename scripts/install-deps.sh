@@ -10,7 +10,7 @@ packages=(
   nlohmann-json3-dev libcli11-dev              # sentrel-acl: its files and its arguments
   snmp snmpd                                   # net-snmp: the outside referee
   clang libclang-rt-14-dev                     # libFuzzer and sanitizers
-  iproute2 util-linux ccache
+  iproute2 util-linux ccache time              # time: the benchmarks' peak memory
   python3-jsonschema                           # sentrel-acl: its JSON output checked against its schemas
   ansible-core python3-pytest                  # the sentrel.acl collection and its tests
 )

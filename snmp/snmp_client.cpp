@@ -34,7 +34,19 @@ bool ParseInteger(const char* text, int64_t& v) {
   return true;
 }
 
+// The thread's outermost SnmpSocketScope, if one lives. A plain pointer: a thread_local with a
+// destructor would run at thread exit, after the plug-in DLL may have been unloaded.
+thread_local SnmpSocketScope* t_scope = nullptr;
+
 }  // namespace
+
+SnmpSocketScope::SnmpSocketScope() : m_outermost(t_scope == nullptr) {
+  if (m_outermost) t_scope = this;
+}
+
+SnmpSocketScope::~SnmpSocketScope() {
+  if (m_outermost) t_scope = nullptr;
+}
 
 // ---------------------------------------------------------------------------------------------
 // CSnmp
@@ -149,7 +161,7 @@ int CSnmpV1::setCommunity(const char* community) {
   return 0;
 }
 
-int CSnmpV1::exchange(const char* agent, uint8_t pduType, const std::vector<snmp::VarBind>& binds,
+int CSnmpV1::exchange(const char* agent, uint8_t pduType, std::vector<snmp::VarBind>& binds,
                       unsigned long timeoutMs, snmp::Message& reply) {
   snmp::Endpoint to;
   if (agent == nullptr || !snmp::ParseEndpoint(agent, snmp::kSnmpPort, to)) return kSnmpBadAddress;
@@ -161,29 +173,37 @@ int CSnmpV1::exchange(const char* agent, uint8_t pduType, const std::vector<snmp
   // Unpredictable, positive request-ids: an off-path sender cannot forge an answer.
   req.pdu.requestId = static_cast<int32_t>(snmp::RandomU32() & 0x7FFFFFFF);
   if (req.pdu.requestId == 0) req.pdu.requestId = 1;
-  req.pdu.varbinds = binds;
+  req.pdu.varbinds.swap(binds);
   m_sendBuffer.clear();
-  if (!snmp::EncodeMessage(req, m_sendBuffer)) return kSnmpBadRequest;
+  const bool encoded = snmp::EncodeMessage(req, m_sendBuffer);
+  req.pdu.varbinds.swap(binds);
+  if (!encoded) return kSnmpBadRequest;
 
-  if (!m_socket.IsOpen() && !m_socket.Open()) return kSnmpSocketError;
-  if (!m_socket.SendTo(to, m_sendBuffer.data(), m_sendBuffer.size())) return kSnmpSocketError;
+  SnmpSocketScope* const scope = t_scope;
+  snmp::UdpSocket& socket = scope != nullptr ? scope->m_socket : m_socket;
+  std::unique_ptr<uint8_t[]>& buffer = scope != nullptr ? scope->m_buffer : m_recvBuffer;
+  // Left uncleared (only received bytes are read): clearing 64 KB for every set cost more than
+  // the set's own work.
+  if (!buffer) buffer.reset(new uint8_t[snmp::kMaxMessageSize + 1]);
+  if (!socket.IsOpen() && !socket.Open()) return kSnmpSocketError;
+  if (!socket.ConnectedTo(to) && !socket.Connect(to)) return kSnmpSocketError;
+  if (!socket.Send(m_sendBuffer.data(), m_sendBuffer.size())) return kSnmpSocketError;
 
   using Clock = std::chrono::steady_clock;
   const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
-  m_recvBuffer.resize(snmp::kMaxMessageSize + 1);
   for (;;) {
     auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
     if (left.count() < 0) return kSnmpTimeout;
     size_t size = 0;
     snmp::Endpoint from;
-    auto r = m_socket.RecvFrom(m_recvBuffer.data(), m_recvBuffer.size(), size, from,
-                               static_cast<int>(left.count()));
+    auto r = socket.RecvFrom(buffer.get(), snmp::kMaxMessageSize + 1, size, from,
+                             static_cast<int>(left.count()));
     if (r == snmp::UdpSocket::Recv::kTimeout) return kSnmpTimeout;
     if (r == snmp::UdpSocket::Recv::kError) return kSnmpSocketError;
-    // Only the agent's own answer to this request counts; the rest (other senders, stale or
-    // duplicate answers, garbage) is dropped and the wait goes on.
+    // Only the agent's own answer to this request counts; the rest (stale or duplicate
+    // answers, garbage) is dropped and the wait goes on.
     if (!(from == to)) continue;
-    if (snmp::DecodeMessage(m_recvBuffer.data(), size, reply) != snmp::DecodeError::kOk) continue;
+    if (snmp::DecodeMessage(buffer.get(), size, reply) != snmp::DecodeError::kOk) continue;
     if (reply.version != 0 || reply.pdu.type != snmp::kTagGetResponse ||
         reply.pdu.requestId != req.pdu.requestId)
       continue;

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,27 @@ enum SnmpSendStatus : int {
 };
 
 class CSnmpTable;
+
+// While one lives, every request that its thread sends (sets and walks alike) goes through one
+// UDP socket, opened at the first request and closed with the scope, instead of a socket per
+// request object: a switch's whole apply, tens of requests, costs one socket. The socket is
+// connected to the switch last asked, so the kernel routes once per switch and hands on only
+// that switch's datagrams. A scope opened while another lives on the thread uses the outer one.
+// Answers are still matched by address and request-id, so a late answer to an earlier request
+// is dropped as before.
+class SnmpSocketScope {
+ public:
+  SnmpSocketScope();
+  ~SnmpSocketScope();
+  SnmpSocketScope(const SnmpSocketScope&) = delete;
+  SnmpSocketScope& operator=(const SnmpSocketScope&) = delete;
+
+ private:
+  friend class CSnmpV1;
+  snmp::UdpSocket m_socket;
+  std::unique_ptr<uint8_t[]> m_buffer;  // room for the largest answer, from the first request
+  bool m_outermost;
+};
 
 class CSnmp {
  public:
@@ -109,15 +131,17 @@ class CSnmpV1 : public CSnmp {
 
  private:
   friend class CSnmpTable;
-  // One exchange with explicit bindings; on 0 `reply` holds the accepted answer.
-  int exchange(const char* agent, uint8_t pduType, const std::vector<snmp::VarBind>& binds,
+  // One exchange with explicit bindings; on 0 `reply` holds the accepted answer. `binds` is
+  // lent to the request while it is encoded and handed back unchanged.
+  int exchange(const char* agent, uint8_t pduType, std::vector<snmp::VarBind>& binds,
                unsigned long timeoutMs, snmp::Message& reply);
 
   int m_type = -1;
   std::string m_community;
-  snmp::UdpSocket m_socket;   // opened on first use, closed with the request object
+  // Without a SnmpSocketScope: opened on first use, released with the request object.
+  snmp::UdpSocket m_socket;
+  std::unique_ptr<uint8_t[]> m_recvBuffer;
   std::string m_sendBuffer;
-  std::vector<uint8_t> m_recvBuffer;
 };
 
 class CSnmpTable {

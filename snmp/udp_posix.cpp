@@ -49,7 +49,10 @@ UdpSocket& UdpSocket::operator=(UdpSocket&& other) noexcept {
   if (this != &other) {
     Close();
     handle_ = other.handle_;
+    peer_ = other.peer_;
+    connected_ = other.connected_;
     other.handle_ = kInvalid;
+    other.connected_ = false;
   }
   return *this;
 }
@@ -60,6 +63,7 @@ void UdpSocket::Close() {
     if (fd == t_lastFd) t_lastFd = -1;
     ::close(fd);
     handle_ = kInvalid;
+    connected_ = false;
   }
 }
 
@@ -87,6 +91,27 @@ bool UdpSocket::SendTo(const Endpoint& to, const void* data, size_t size) {
                          reinterpret_cast<sockaddr*>(&sa), sizeof sa);
     if (n >= 0) return static_cast<size_t>(n) == size;
     if (errno != EINTR) return false;
+  }
+}
+
+bool UdpSocket::Connect(const Endpoint& peer) {
+  if (handle_ == kInvalid) return false;
+  connected_ = false;
+  sockaddr_in sa = ToSockaddr(peer);
+  if (::connect(static_cast<int>(handle_), reinterpret_cast<sockaddr*>(&sa), sizeof sa) != 0) return false;
+  peer_ = peer;
+  connected_ = true;
+  return true;
+}
+
+bool UdpSocket::Send(const void* data, size_t size) {
+  if (!connected_) return false;
+  for (;;) {
+    ssize_t n = ::send(static_cast<int>(handle_), data, size, 0);
+    if (n >= 0) return static_cast<size_t>(n) == size;
+    // A port-unreachable left by an earlier datagram is reported here once; it says nothing
+    // about this one.
+    if (errno != EINTR && errno != ECONNREFUSED) return false;
   }
 }
 

@@ -29,7 +29,10 @@ class UdpSocket {
   ~UdpSocket();
   UdpSocket(const UdpSocket&) = delete;
   UdpSocket& operator=(const UdpSocket&) = delete;
-  UdpSocket(UdpSocket&& other) noexcept : handle_(other.handle_) { other.handle_ = kInvalid; }
+  UdpSocket(UdpSocket&& other) noexcept : handle_(other.handle_), peer_(other.peer_), connected_(other.connected_) {
+    other.handle_ = kInvalid;
+    other.connected_ = false;
+  }
   UdpSocket& operator=(UdpSocket&& other) noexcept;
 
   // A client socket on an ephemeral port of any local address.
@@ -40,6 +43,11 @@ class UdpSocket {
   void Close();
 
   bool SendTo(const Endpoint& to, const void* data, size_t size);
+  // Fixes the peer of an open socket (again when it changes): the kernel then looks the route
+  // up once instead of per datagram and passes on only the peer's datagrams. Send goes to it.
+  bool Connect(const Endpoint& peer);
+  bool ConnectedTo(const Endpoint& peer) const { return connected_ && peer_ == peer; }
+  bool Send(const void* data, size_t size);
 
   enum class Recv { kOk, kTimeout, kError };
   // Waits up to timeoutMs (0: do not wait) for one datagram. Datagrams larger than `capacity`
@@ -54,6 +62,8 @@ class UdpSocket {
  private:
   static constexpr intptr_t kInvalid = -1;
   intptr_t handle_ = kInvalid;
+  Endpoint peer_;
+  bool connected_ = false;
 };
 
 // 32 unpredictable bits from the operating system's generator (getrandom / BCryptGenRandom).

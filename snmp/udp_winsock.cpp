@@ -42,7 +42,10 @@ UdpSocket& UdpSocket::operator=(UdpSocket&& other) noexcept {
   if (this != &other) {
     Close();
     handle_ = other.handle_;
+    peer_ = other.peer_;
+    connected_ = other.connected_;
     other.handle_ = kInvalid;
+    other.connected_ = false;
   }
   return *this;
 }
@@ -51,6 +54,7 @@ void UdpSocket::Close() {
   if (handle_ != kInvalid) {
     closesocket(Sock(handle_));
     handle_ = kInvalid;
+    connected_ = false;
   }
 }
 
@@ -76,6 +80,27 @@ bool UdpSocket::SendTo(const Endpoint& to, const void* data, size_t size) {
   int n = ::sendto(Sock(handle_), static_cast<const char*>(data), static_cast<int>(size), 0,
                    reinterpret_cast<sockaddr*>(&sa), sizeof sa);
   return n >= 0 && static_cast<size_t>(n) == size;
+}
+
+bool UdpSocket::Connect(const Endpoint& peer) {
+  if (handle_ == kInvalid) return false;
+  connected_ = false;
+  sockaddr_in sa = ToSockaddr(peer);
+  if (::connect(Sock(handle_), reinterpret_cast<sockaddr*>(&sa), sizeof sa) != 0) return false;
+  peer_ = peer;
+  connected_ = true;
+  return true;
+}
+
+bool UdpSocket::Send(const void* data, size_t size) {
+  if (!connected_ || size > 0x7FFFFFFF) return false;
+  for (;;) {
+    int n = ::send(Sock(handle_), static_cast<const char*>(data), static_cast<int>(size), 0);
+    if (n >= 0) return static_cast<size_t>(n) == size;
+    // A port-unreachable left by an earlier datagram is reported here once; it says nothing
+    // about this one.
+    if (WSAGetLastError() != WSAECONNRESET) return false;
+  }
 }
 
 UdpSocket::Recv UdpSocket::RecvFrom(void* buffer, size_t capacity, size_t& size, Endpoint& from,

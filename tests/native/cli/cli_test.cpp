@@ -298,6 +298,28 @@ TEST_F(CliTest, RefusingAndSilentSwitchesFailAloneAndTheOthersFinish) {
   EXPECT_LT(std::stod(secs[1]), 0.4);
 }
 
+// Each switch's plan and recap lines come out once and in the inventory's order, though the
+// first switch, silent, finishes last and the others are done and dropped long before.
+TEST_F(CliTest, PlanAndRecapKeepTheInventoryOrderWhoeverFinishesFirst) {
+  sim::Faults silent;
+  silent.silent = true;
+  Fleet({{"a-silent", "TVR4820", silent}, {"b-sw", "TVR4820", {}}, {"c-sw", "TVR4820", {}}, {"d-sw", "TVR4820", {}}});
+  const Json profile = Json::parse(R"([{"id": 4, "type": "ethernet", "vlan": true}])");
+  const std::string file = Write("state.json", Json{{"groups", {{"all", {{"acl", profile}}}}}}.dump());
+  const std::regex line(R"((^|\n)([a-d]-[a-z]+) )");
+  auto names = [&line](const std::string& text) {
+    std::string order;
+    for (auto it = std::sregex_iterator(text.begin(), text.end(), line); it != std::sregex_iterator(); ++it)
+      order += (*it)[2].str().substr(0, 1);
+    return order;
+  };
+  for (const char* command : {"plan", "apply"}) {
+    const Result r = Run({"--parallel", "4", command, file});
+    EXPECT_EQ(r.status, kExitFailed) << r.out;
+    EXPECT_EQ(names(r.out), "abcd") << r.out;
+  }
+}
+
 TEST_F(CliTest, BadFilesNameThePlaceAndSendNothing) {
   Fleet({{"sw1", "TVG5240-10", {}}, {"sw2", "TVG5470", {}}, {"sw3", "TVG5690", {}}});
   struct Case {

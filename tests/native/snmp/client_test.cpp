@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <map>
+#include <mutex>
 #include <set>
 #include <thread>
 
@@ -315,4 +316,55 @@ TEST(SnmpClient, RequestIdsAreNotPredictable) {
   EXPECT_EQ(ids.size(), 64u);
   EXPECT_GT(steps.size(), 60u) << "no constant step between consecutive ids";
   EXPECT_GT(static_cast<int64_t>(hi) - lo, 1 << 24) << "ids spread over the 31-bit space";
+}
+
+// Inside a scope every request of the thread, sets and walks to several switches alike, leaves
+// from one socket, and each switch still gets its own answers: the socket follows the switch
+// asked, and a late answer to a request that timed out is not taken for the next one's.
+TEST(SnmpSocketScope, OneSocketForEveryRequestAndEachAnswerToItsOwnRequest) {
+  MapMib mibA, mibB;
+  FillRuleTable(mibA);
+  mibB.Put(Col(kEthRule, 3) + ".7.7", Value::OctetString("b77"));
+  std::mutex sourcesMutex;  // the two agents serve on threads of their own
+  std::vector<Endpoint> sources;
+  auto recording = [&](FakeAgent::Handler serve) {
+    return [&, serve](FakeAgent& agent, const Message& req, const Endpoint& from) {
+      {
+        std::lock_guard<std::mutex> lock(sourcesMutex);
+        sources.push_back(from);
+      }
+      serve(agent, req, from);
+    };
+  };
+  FakeAgent a(TestAddress(21), recording(mibA.Handler()));
+  int setsSeen = 0;
+  FakeAgent b(TestAddress(22), recording([&setsSeen](FakeAgent& agent, const Message& req, const Endpoint& from) {
+    if (req.pdu.type != kTagSetRequest) return;
+    // The first set is answered only after the client gave up on it, and with an error.
+    if (++setsSeen == 1) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(300));
+      agent.Reply(req, from, req.pdu.varbinds, kGenErr, 1);
+      return;
+    }
+    agent.Reply(req, from, req.pdu.varbinds);
+  }));
+  ASSERT_TRUE(a.bound() && b.bound());
+  auto values = [](const std::string& agent) {
+    std::vector<std::string> v;
+    SnmpWalk(agent, "public", Columns({3}), [&v](const SnmpRow& r) { v.push_back(r.bindings[0].value); });
+    return v;
+  };
+  const auto set = [](unsigned long timeoutMs) {
+    return SnmpVerdict(SnmpSet(TestAddress(22), "private", {SnmpBinding::Integer("1.3.6.1.9.0", 1)}, timeoutMs));
+  };
+  {
+    const SnmpSocketScope scope;
+    EXPECT_EQ(values(TestAddress(21)), (std::vector<std::string>{"v12", "v110", "v312"}));
+    EXPECT_STREQ(set(100), "fail");
+    EXPECT_STREQ(set(2000), "Succeed");  // the late "genErr" of the first set arrives first
+    EXPECT_EQ(values(TestAddress(21)), (std::vector<std::string>{"v12", "v110", "v312"}));
+  }
+  std::lock_guard<std::mutex> lock(sourcesMutex);
+  ASSERT_EQ(sources.size(), 10u);  // 4 + 4 GetNexts, 2 sets
+  for (const Endpoint& e : sources) EXPECT_EQ(e.port, sources.front().port);
 }
