@@ -391,6 +391,7 @@ struct Session {
       done.sw = plans[i].sw;
       plans[i] = std::move(done);
     });
+    p.reset();  // its last frame is drawn now, not over the plan's closing lines
     if (json) {
       out << PlanResultJson(false, mode, plans).dump(2) << "\n";
     } else {
