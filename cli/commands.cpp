@@ -144,6 +144,9 @@ class Progress {
   std::mutex mutex_;
 };
 
+// A switch's progress word once its read is over.
+const char* ReadWord(const SwitchHoldings& h) { return h.reached ? "read" : h.cut.empty() ? "no answer" : "not read"; }
+
 std::string Records(size_t n) { return std::to_string(n) + " record" + (n == 1 ? "" : "s"); }
 
 // One switch's part of a plan as people read it.
@@ -346,20 +349,16 @@ struct Session {
       const SnmpSocketScope oneSocketPerSwitch;
       if (p) p->Update(i, "reading");
       ReadOne(plans[i], owners[i]);
-      if (p) p->Update(i, plans[i].before.reached ? "read" : "no answer");
+      if (p) p->Update(i, ReadWord(plans[i].before));
     });
     return plans;
   }
 
   void ReadOne(SwitchPlan& plan, std::array<bool, 2> owners) {
     const auto start = std::chrono::steady_clock::now();
-    // Reading twice does no harm: a lost answer is simply asked again.
-    for (int attempt = 0; attempt <= c.retries && !plan.before.reached; ++attempt)
-      plan.before = ReadSwitch(*plan.sw, owners, c.timeoutMs);
+    plan.before = ReadSwitch(*plan.sw, owners, c.timeoutMs, c.retries);
     plan.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    // SNMPv1 agents drop a request with a wrong community without a word.
-    if (!plan.before.reached)
-      plan.failure = "no answer within " + std::to_string(c.timeoutMs) + " ms (a wrong community looks the same)";
+    if (!plan.before.reached) plan.failure = NotReadText(plan.before, c.timeoutMs);
   }
 
   // Reads (unless `planOne` needs no switch) and plans every switch in the workers. For people,
@@ -380,7 +379,7 @@ struct Session {
       const SnmpSocketScope oneSocketPerSwitch;
       if (p) p->Update(i, "reading");
       planOne(i, plans[i]);
-      if (p) p->Update(i, plans[i].before.reached ? "read" : "no answer");
+      if (p) p->Update(i, ReadWord(plans[i].before));
       std::lock_guard<std::mutex> lock(countsMutex);
       counts.add(plans[i]);
       pending = pending || plans[i].pending();
@@ -507,7 +506,7 @@ struct Session {
 void ShowTable(std::ostream& out, const SwitchEntry& sw, const SwitchHoldings& h, unsigned long timeoutMs) {
   out << sw.name << "  " << sw.target.ip << "  " << sw.target.typeText;
   if (!h.reached) {
-    out << "  no answer within " << timeoutMs << " ms\n\n";
+    out << "  " << NotReadText(h, timeoutMs) << "\n\n";
     return;
   }
   out << "\n";
