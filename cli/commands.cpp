@@ -25,7 +25,9 @@ constexpr const char* kExitText =
     "    0  done and every change verified by reading it back, or nothing to do\n"
     "    1  bad arguments, an inventory or state file that cannot be read or is invalid\n"
     "       (nothing is sent), or a deletion not confirmed\n"
-    "    2  a switch did not answer, refused a request, or did not read back as written\n"
+    "    2  a switch did not answer (or stopped answering partway through a table, which counts\n"
+    "       as not read: nothing is planned or shown from part of a table), refused a request,\n"
+    "       or did not read back as written\n"
     "    3  plan --detailed-exitcode only: changes pending\n"
     "  130  apply or delete stopped by Ctrl-C or SIGTERM: no new record was sent, what landed\n"
     "       got its closing request, the recap says what was done (a second Ctrl-C ends at once)\n";
@@ -614,8 +616,9 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
   app.add_option("-t,--timeout", s.c.timeoutMs, "Wait this many ms for each answer")->check(CLI::Range(100, 60000));
   app.add_option("-p,--parallel", s.c.parallel, "Work on up to N switches at a time")->check(CLI::Range(1, 256));
   app.add_option("-r,--retries", s.c.retries,
-                 "Ask a switch again when an answer is lost, up to N times: reads simply again; a record\n"
-                 "only after reading that its row is still absent (one that landed counts as sent)")
+                 "Ask a switch again when an answer is lost, up to N times: a read or read-back simply\n"
+                 "again from the start; a record only after reading that its row is still absent\n"
+                 "(one that landed counts as sent)")
       ->check(CLI::Range(0, 10));
   app.footer(std::string("\n") + kExitText +
              "\nExamples:\n"

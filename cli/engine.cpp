@@ -528,5 +528,5 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
     plan.after = plan.before;
   }
   plan.seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  status(plan.interrupted ? "interrupted" : plan.failure.empty() ? "done" : "failed");
+  status(plan.interrupted ? "interrupted" : plan.failed() ? "failed" : "done");
 }

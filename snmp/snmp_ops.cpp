@@ -130,14 +130,14 @@ std::string SnmpErrorStatusName(int errorStatus) {
 
 std::string SnmpWalkEndText(const SnmpWalkResult& r) {
   switch (r.end) {
-    case SnmpWalkEnd::kEndOfTable: return "end of table";
+    case SnmpWalkEnd::kEndOfTable: return "the end of the table";
     case SnmpWalkEnd::kEndOfMib:
     case SnmpWalkEnd::kErrorStatus: return "error status " + SnmpErrorStatusName(r.errorStatus);
     case SnmpWalkEnd::kNoAnswer: return "no answer";
-    case SnmpWalkEnd::kNotSent: return "request not sent";
+    case SnmpWalkEnd::kNotSent: return "a request that could not be sent";
     case SnmpWalkEnd::kNotIncreasing: return "an OID that did not increase";
     case SnmpWalkEnd::kUnmatched: return "an answer that did not match the columns";
-    case SnmpWalkEnd::kStopped: return "stopped";
+    case SnmpWalkEnd::kStopped: return "a stop";
   }
   return "";
 }

@@ -77,7 +77,7 @@ struct SnmpWalkResult {
   bool complete() const { return end == SnmpWalkEnd::kEndOfTable || end == SnmpWalkEnd::kEndOfMib; }
 };
 
-// Why a walk ended, for messages: "no answer", "error status genErr", ...
+// How a walk ended, for messages: "no answer", "error status genErr", "the end of the table"...
 std::string SnmpWalkEndText(const SnmpWalkResult& result);
 // "noSuchName", "genErr", ... (the number as text for others).
 std::string SnmpErrorStatusName(int errorStatus);
