@@ -81,10 +81,7 @@ const char* WriteOpWord(AclWriteOp op) {
 std::string OutcomeWord(const SnmpSetResult& r) {
   if (!r.responded) return "no answer";
   if (r.errorStatus == 0) return "ok";
-  static const char* const kNames[] = {"noError", "tooBig", "noSuchName", "badValue", "readOnly", "genErr"};
-  const std::string status = r.errorStatus > 0 && r.errorStatus <= 5 ? kNames[r.errorStatus]
-                                                                      : std::to_string(r.errorStatus);
-  return "error " + status + " at binding " + std::to_string(r.errorIndex);
+  return "error " + SnmpErrorStatusName(r.errorStatus) + " at binding " + std::to_string(r.errorIndex);
 }
 
 const char* BindingTypeWord(const SnmpBinding& b) {

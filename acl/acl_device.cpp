@@ -73,6 +73,7 @@ void ReadTable(const AclTarget& target, const ModelEntry& model, const AclTableL
   if (columns.empty()) return;
   const size_t cells = RecordCellCount(table.record);
   const AclType type = table.record.type;
+  SnmpWalkResult walk;
   SnmpWalk(target.ip, target.readCommunity, columns,
            [&](const SnmpRow& row) {
              AclRecord record(cells);
@@ -85,7 +86,8 @@ void ReadTable(const AclTarget& target, const ModelEntry& model, const AclTableL
              out.lines.push_back(line);
              if (options.sink) options.sink(type, record, line);
            },
-           options.timeoutMs, options.stop);
+           options.timeoutMs, options.stop, &walk);
+  if (!walk.complete() && !out.cut) out.cut = AclTableCut{table.record.owner, table.record.kind, type, walk};
 }
 
 AclReadResult ReadProfiles(const AclTarget& target, AclOwner owner, const AclReadOptions& options) {

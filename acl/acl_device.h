@@ -7,6 +7,7 @@
 #include <array>
 #include <atomic>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,9 +33,22 @@ struct AclSummaryLine {
   std::string ownerWord;
 };
 
+// A table whose walk ended before the table's end (no answer, an error status, a looping
+// agent, a stop): the rows before it were read, the rest is unknown.
+struct AclTableCut {
+  AclOwner owner = AclOwner::kAcl;
+  AclKind kind = AclKind::kProfiles;
+  AclType type = AclType::kEthernet;
+  SnmpWalkResult walk;  // its rows read and how the walk ended
+};
+
 struct AclReadResult {
   std::array<AclRecordList, 4> records;  // by AclType: the hidden lists
   std::vector<AclSummaryLine> lines;     // the visible list, in reading order
+  // The first table not read to its end. The wizard's pages show what was read either way;
+  // whoever changes a switch from what it read must not take a cut table for the whole one.
+  std::optional<AclTableCut> cut;
+  bool complete() const { return !cut; }
 };
 
 // Called once per row as it arrives (a page inserts it into its lists); may be empty.
@@ -54,7 +68,8 @@ AclReadResult ReadProfiles(const AclTarget& target, AclOwner owner, const AclRea
 // Walks one rule table of the model and owner.
 AclReadResult ReadRules(const AclTarget& target, AclOwner owner, AclType ruleType,
                         const AclReadOptions& options = {});
-// Walks one table given its layout (the two above use it).
+// Walks one table given its layout (the two above use it); a walk that ends early sets
+// `out.cut` unless an earlier table already did.
 void ReadTable(const AclTarget& target, const ModelEntry& model, const AclTableLayout& table,
                const AclReadOptions& options, AclReadResult& out);
 

@@ -25,7 +25,9 @@ constexpr const char* kExitText =
     "    0  done and every change verified by reading it back, or nothing to do\n"
     "    1  bad arguments, an inventory or state file that cannot be read or is invalid\n"
     "       (nothing is sent), or a deletion not confirmed\n"
-    "    2  a switch did not answer, refused a request, or did not read back as written\n"
+    "    2  a switch did not answer (or stopped answering partway through a table, which counts\n"
+    "       as not read: nothing is planned or shown from part of a table), refused a request,\n"
+    "       or did not read back as written\n"
     "    3  plan --detailed-exitcode only: changes pending\n"
     "  130  apply or delete stopped by Ctrl-C or SIGTERM: no new record was sent, what landed\n"
     "       got its closing request, the recap says what was done (a second Ctrl-C ends at once)\n";
@@ -143,6 +145,9 @@ class Progress {
   std::chrono::steady_clock::time_point last_;
   std::mutex mutex_;
 };
+
+// A switch's progress word once its read is over.
+const char* ReadWord(const SwitchHoldings& h) { return h.reached ? "read" : h.cut.empty() ? "no answer" : "not read"; }
 
 std::string Records(size_t n) { return std::to_string(n) + " record" + (n == 1 ? "" : "s"); }
 
@@ -346,20 +351,16 @@ struct Session {
       const SnmpSocketScope oneSocketPerSwitch;
       if (p) p->Update(i, "reading");
       ReadOne(plans[i], owners[i]);
-      if (p) p->Update(i, plans[i].before.reached ? "read" : "no answer");
+      if (p) p->Update(i, ReadWord(plans[i].before));
     });
     return plans;
   }
 
   void ReadOne(SwitchPlan& plan, std::array<bool, 2> owners) {
     const auto start = std::chrono::steady_clock::now();
-    // Reading twice does no harm: a lost answer is simply asked again.
-    for (int attempt = 0; attempt <= c.retries && !plan.before.reached; ++attempt)
-      plan.before = ReadSwitch(*plan.sw, owners, c.timeoutMs);
+    plan.before = ReadSwitch(*plan.sw, owners, c.timeoutMs, c.retries);
     plan.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    // SNMPv1 agents drop a request with a wrong community without a word.
-    if (!plan.before.reached)
-      plan.failure = "no answer within " + std::to_string(c.timeoutMs) + " ms (a wrong community looks the same)";
+    if (!plan.before.reached) plan.failure = NotReadText(plan.before, c.timeoutMs);
   }
 
   // Reads (unless `planOne` needs no switch) and plans every switch in the workers. For people,
@@ -380,7 +381,7 @@ struct Session {
       const SnmpSocketScope oneSocketPerSwitch;
       if (p) p->Update(i, "reading");
       planOne(i, plans[i]);
-      if (p) p->Update(i, plans[i].before.reached ? "read" : "no answer");
+      if (p) p->Update(i, ReadWord(plans[i].before));
       std::lock_guard<std::mutex> lock(countsMutex);
       counts.add(plans[i]);
       pending = pending || plans[i].pending();
@@ -508,7 +509,7 @@ struct Session {
 void ShowTable(std::ostream& out, const SwitchEntry& sw, const SwitchHoldings& h, unsigned long timeoutMs) {
   out << sw.name << "  " << sw.target.ip << "  " << sw.target.typeText;
   if (!h.reached) {
-    out << "  no answer within " << timeoutMs << " ms\n\n";
+    out << "  " << NotReadText(h, timeoutMs) << "\n\n";
     return;
   }
   out << "\n";
@@ -616,8 +617,9 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
   app.add_option("-t,--timeout", s.c.timeoutMs, "Wait this many ms for each answer")->check(CLI::Range(100, 60000));
   app.add_option("-p,--parallel", s.c.parallel, "Work on up to N switches at a time")->check(CLI::Range(1, 256));
   app.add_option("-r,--retries", s.c.retries,
-                 "Ask a switch again when an answer is lost, up to N times: reads simply again; a record\n"
-                 "only after reading that its row is still absent (one that landed counts as sent)")
+                 "Ask a switch again when an answer is lost, up to N times: a read or read-back simply\n"
+                 "again from the start; a record only after reading that its row is still absent\n"
+                 "(one that landed counts as sent)")
       ->check(CLI::Range(0, 10));
   app.footer(std::string("\n") + kExitText +
              "\nExamples:\n"

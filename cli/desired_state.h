@@ -51,7 +51,10 @@ struct AclHoldings {
   std::array<AclRecordList, 4> profiles, rules;
 };
 struct SwitchHoldings {
+  // Answered, and every table asked for read to its end: only then is this what it holds.
   bool reached = false;
+  // It answered, but a table's walk ended early: what happened ("" otherwise).
+  std::string cut;
   std::array<bool, 2> read{};           // [owner - 1]
   std::array<AclHoldings, 2> acls;      // [owner - 1]
 };

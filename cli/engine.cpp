@@ -129,21 +129,60 @@ bool SwitchAnswers(const AclTarget& target, unsigned long timeoutMs) {
   return status == kSnmpOk;
 }
 
-SwitchHoldings ReadSwitch(const SwitchEntry& sw, std::array<bool, 2> owners, unsigned long timeoutMs) {
+namespace {
+
+std::string CutText(const AclTableCut& cut) {
+  const std::string table = std::string(cut.owner == AclOwner::kCpu ? "cpu_acl " : "acl ") + TypeName(cut.type) +
+                            (cut.kind == AclKind::kRules ? " rule" : " profile") + " table";
+  const std::string rows = std::to_string(cut.walk.rows) + " row" + (cut.walk.rows == 1 ? "" : "s");
+  switch (cut.walk.end) {
+    case SnmpWalkEnd::kNoAnswer:
+      return "the switch stopped answering while its " + table + " was read (" + rows + " read)";
+    case SnmpWalkEnd::kStopped: return "the read of its " + table + " was stopped (" + rows + " read)";
+    default: return "the walk of its " + table + " ended on " + SnmpWalkEndText(cut.walk) + " after " + rows;
+  }
+}
+
+SwitchHoldings ReadOnce(const SwitchEntry& sw, std::array<bool, 2> owners, unsigned long timeoutMs) {
   SwitchHoldings h;
-  h.reached = SwitchAnswers(sw.target, timeoutMs);
-  if (!h.reached) return h;
+  if (!SwitchAnswers(sw.target, timeoutMs)) return h;
   AclReadOptions options;
   options.timeoutMs = timeoutMs;
+  // A table cut short by a lost answer would pass for the whole table: a plan would create
+  // what the switch already holds and miss what it should delete, a backup would lack rows
+  // that restoring it deletes. So the rest of such a read is not even asked for.
+  auto whole = [&h](const AclReadResult& r) {
+    if (r.cut) h.cut = CutText(*r.cut);
+    return r.complete();
+  };
   for (size_t o = 0; o < 2; ++o) {
     if (!owners[o]) continue;
     h.read[o] = true;
-    h.acls[o].profiles = ReadProfiles(sw.target, OwnerAt(o), options).records;
-    for (AclType t : kTypes)
-      h.acls[o].rules[static_cast<size_t>(t)] =
-          ReadRules(sw.target, OwnerAt(o), t, options).records[static_cast<size_t>(t)];
+    AclReadResult profiles = ReadProfiles(sw.target, OwnerAt(o), options);
+    if (!whole(profiles)) return h;
+    h.acls[o].profiles = std::move(profiles.records);
+    for (AclType t : kTypes) {
+      AclReadResult rules = ReadRules(sw.target, OwnerAt(o), t, options);
+      if (!whole(rules)) return h;
+      h.acls[o].rules[static_cast<size_t>(t)] = std::move(rules.records[static_cast<size_t>(t)]);
+    }
   }
+  h.reached = true;
   return h;
+}
+
+}  // namespace
+
+SwitchHoldings ReadSwitch(const SwitchEntry& sw, std::array<bool, 2> owners, unsigned long timeoutMs, int retries) {
+  SwitchHoldings h = ReadOnce(sw, owners, timeoutMs);
+  for (int attempt = 0; attempt < retries && !h.reached; ++attempt) h = ReadOnce(sw, owners, timeoutMs);
+  return h;
+}
+
+std::string NotReadText(const SwitchHoldings& h, unsigned long timeoutMs) {
+  // SNMPv1 agents drop a request with a wrong community without a word.
+  if (h.cut.empty()) return "no answer within " + std::to_string(timeoutMs) + " ms (a wrong community looks the same)";
+  return "not read: " + h.cut + "; nothing is planned or shown from a partial read";
 }
 
 std::optional<AclTableLayout> TableOf(const SwitchEntry& sw, const PlanItem& item) {
@@ -327,7 +366,7 @@ void Verify(SwitchPlan& plan, const SwitchHoldings& expected) {
     const auto found = Find(after.acls[o], i.kind, key);
     const auto want = Find(expected.acls[o], i.kind, key);
     if (!after.reached) {
-      i.failure = "read-back: no answer";
+      i.failure = after.cut.empty() ? "read-back: no answer" : "read-back: not read whole: " + after.cut;
     } else if (!want) {
       i.verified = !found;
       if (!i.verified) i.failure = "read-back: still on the switch";
@@ -483,11 +522,11 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
     status("verifying");
     std::array<bool, 2> owners{};
     for (const PlanItem& i : plan.items) owners[OwnerIndex(i.owner)] = true;
-    plan.after = ReadSwitch(sw, owners, options.timeoutMs);
+    plan.after = ReadSwitch(sw, owners, options.timeoutMs, options.retries);
     Verify(plan, expected);
   } else {
     plan.after = plan.before;
   }
   plan.seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  status(plan.interrupted ? "interrupted" : plan.failure.empty() ? "done" : "failed");
+  status(plan.interrupted ? "interrupted" : plan.failed() ? "failed" : "done");
 }

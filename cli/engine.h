@@ -62,7 +62,8 @@ SwitchHoldings PlannedHoldings(const SwitchPlan& plan);
 struct RunOptions {
   unsigned long timeoutMs = kSnmpTimeoutMs;
   int parallel = 10;
-  int retries = 0;        // rounds for records whose answer was lost: read, then re-sent if absent
+  int retries = 0;        // rounds for records whose answer was lost: read, then re-sent if absent;
+                          // and further reads of a read-back that failed
   // Asked before each request that starts something new: true stops the apply, which
   // finishes the request in flight and the closing request of what already landed.
   std::function<bool()> stop;
@@ -72,8 +73,13 @@ struct RunOptions {
 
 // Whether the switch answers at all (one GetNext into its ACL MIB).
 bool SwitchAnswers(const AclTarget& target, unsigned long timeoutMs);
-// Reads the owners asked for (both when `owners` is {true, true}).
-SwitchHoldings ReadSwitch(const SwitchEntry& sw, std::array<bool, 2> owners, unsigned long timeoutMs);
+// Reads the owners asked for (both when `owners` is {true, true}). A table cut short leaves
+// the switch unread (`reached` false, `cut` saying where). A failed read is asked again up to
+// `retries` times: reading does no harm.
+SwitchHoldings ReadSwitch(const SwitchEntry& sw, std::array<bool, 2> owners, unsigned long timeoutMs,
+                          int retries = 0);
+// Why a switch was not read, for messages: no answer at all, or where its read was cut.
+std::string NotReadText(const SwitchHoldings& h, unsigned long timeoutMs);
 
 // The plan of one switch for a desired state.
 void PlanSwitch(const DesiredSwitch& desired, StateMode mode, SwitchPlan& plan);

@@ -68,6 +68,7 @@ bool ParseSwitchLine(std::string_view line, const std::string& baseDir, SwitchCo
       out.port = static_cast<uint16_t>(n);
     } else if (key == "refuse-set" && ParseList(val, out.faults.refuseSets)) {
     } else if (key == "drop-set" && ParseList(val, out.faults.dropSets)) {
+    } else if (key == "drop-get" && ParseList(val, out.faults.dropGets)) {
     } else if (key == "refuse-status") {
       if (val == "genErr") out.faults.refuseStatus = snmp::kGenErr;
       else if (val == "badValue") out.faults.refuseStatus = snmp::kBadValue;

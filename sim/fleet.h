@@ -5,11 +5,13 @@
 //   127.0.0.3   TVR4510      public   private   delay=200
 //   127.0.0.4   TVG5690      public   private   refuse-set=3 refuse-status=badValue
 //   127.0.0.5   TVR4512      public   private   silent
+//   127.0.0.7   TVR4060      public   private   drop-get=3
 //   127.0.0.6   replay       public   -         dump=snmpd.walk
 //
 // Options: silent; delay=MS; refuse-set=N[,N...] (the n-th SET answered with an error, nothing
 // applied); refuse-status=genErr|badValue|noSuchName|readOnly; drop-set=N[,N...] (the n-th SET
-// gets no answer); readonly-as-nosuchname (SET on read-only objects gives noSuchName, as
+// gets no answer); drop-get=N[,N...] (the n-th Get or GetNext gets no answer: a table walk
+// stops in the middle, as over a lossy link); readonly-as-nosuchname (SET on read-only objects gives noSuchName, as
 // net-snmp's snmpd does); dump=FILE (preload a `snmpwalk -v1 -On` dump; relative to the fleet
 // file's folder; may repeat); port=N. A write community of "-" accepts no SET.
 #pragma once

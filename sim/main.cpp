@@ -32,7 +32,11 @@ void Usage() {
       "Every SET is logged to stdout (unless --quiet). SIGUSR1 writes the state of all switches\n"
       "in `snmpwalk -v1 -On` form to the --dump file (stdout without one), with a \"# row\" line\n"
       "per created row naming the columns written and any required ones missing; SIGINT/SIGTERM\n"
-      "write it once more and stop. Fleet file format and options: see README.md.\n");
+      "write it once more and stop.\n"
+      "Switch options: silent; delay=MS; refuse-set=N[,N...] and refuse-status=genErr|badValue|\n"
+      "noSuchName|readOnly (the n-th SET refused); drop-set=N[,N...] (the n-th SET unanswered);\n"
+      "drop-get=N[,N...] (the n-th Get/GetNext unanswered: a walk stops halfway);\n"
+      "readonly-as-nosuchname; dump=FILE; port=N. Fleet file format: see README.md.\n");
 }
 
 void WriteDump(const std::vector<sim::Switch>& switches, const std::string& path) {

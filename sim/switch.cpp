@@ -137,6 +137,8 @@ std::optional<std::string> Switch::Handle(const uint8_t* data, size_t size) {
   if (isSet ? !writeOk : !readOk) return std::nullopt;
 
   const std::vector<snmp::VarBind> requestBinds = m.pdu.varbinds;
+  const bool isGet = m.pdu.type == snmp::kTagGetRequest || m.pdu.type == snmp::kTagGetNextRequest;
+  if (isGet && config_.faults.dropGets.count(++getCount_)) return std::nullopt;
   switch (m.pdu.type) {
     case snmp::kTagGetRequest: HandleGet(m, false); break;
     case snmp::kTagGetNextRequest: HandleGet(m, true); break;

@@ -23,6 +23,7 @@ struct Faults {
   std::set<uint64_t> refuseSets;     // the n-th SET requests (1-based) are refused ...
   int32_t refuseStatus = snmp::kGenErr;  // ... with this error status (error-index 1)
   std::set<uint64_t> dropSets;       // the n-th SET requests get no answer (nothing applied)
+  std::set<uint64_t> dropGets;       // the n-th Get/GetNext requests get no answer (a lossy link)
   bool readOnlyAsNoSuchName = false; // SET on a read-only object: noSuchName like net-snmp
 };
 
@@ -64,6 +65,10 @@ class Switch {
   void Put(const snmp::Oid& oid, snmp::Value v) { store_[oid] = std::move(v); }
   const SwitchConfig& config() const { return config_; }
   uint64_t setCount() const { return setCount_; }
+  uint64_t getCount() const { return getCount_; }  // Get and GetNext requests received
+  // New faults from the next request on (a test makes a switch lossy once it has filled it);
+  // the counts of requests go on.
+  void setFaults(Faults faults) { config_.faults = std::move(faults); }
 
   std::function<void(const SetEvent&)> onSet;  // called for every SET handled
 
@@ -102,6 +107,7 @@ class Switch {
   std::set<snmp::Oid> readOnly_;  // instances loaded from a dump outside any definition
   Written written_;
   uint64_t setCount_ = 0;
+  uint64_t getCount_ = 0;
 };
 
 }  // namespace sim

@@ -234,11 +234,10 @@ CSnmpTable::CSnmpTable(CSnmp* request) : m_request(dynamic_cast<CSnmpV1*>(reques
 CSnmpTable::~CSnmpTable() = default;
 
 int CSnmpTable::getNext(const char* agent, CSnmp*& answer, unsigned long timeoutMs) {
-  if (m_ended) return kSnmpEndOfTable;
-  if (m_request == nullptr || m_request->m_type != kSnmpGetNextRequest || m_request->m_bad) {
-    m_ended = true;
-    return kSnmpBadRequest;
-  }
+  if (m_end != kSnmpOk) return m_end;
+  auto end = [this](int why) { return m_end = why; };
+  if (m_request == nullptr || m_request->m_type != kSnmpGetNextRequest || m_request->m_bad)
+    return end(kSnmpBadRequest);
   if (!m_started) {
     m_started = true;
     m_columns.clear();
@@ -247,37 +246,25 @@ int CSnmpTable::getNext(const char* agent, CSnmp*& answer, unsigned long timeout
       m_columns.push_back(vb.name);
       m_cursor.push_back(snmp::VarBind{vb.name, snmp::Value::Null()});
     }
-    if (m_columns.empty()) {
-      m_ended = true;
-      return kSnmpBadRequest;
-    }
+    if (m_columns.empty()) return end(kSnmpBadRequest);
   }
   snmp::Message reply;
   int rc = m_request->exchange(agent, snmp::kTagGetNextRequest, m_cursor, timeoutMs, reply);
-  if (rc != kSnmpOk) {
-    m_ended = true;
-    return rc;
-  }
+  if (rc != kSnmpOk) return end(rc);
   if (reply.pdu.errorStatus != 0) {  // in SNMPv1 the end of the agent's MIB is noSuchName
-    m_ended = true;
-    return kSnmpAgentError;
+    m_endErrorStatus = reply.pdu.errorStatus;
+    return end(kSnmpAgentError);
   }
   auto& got = reply.pdu.varbinds;
   // A short answer is a row with its last cells missing (the reader leaves them empty), not
   // the table's end; an empty or longer one cannot be matched to the columns.
-  if (got.empty() || got.size() > m_columns.size()) {
-    m_ended = true;
-    return kSnmpEndOfTable;
-  }
-  for (size_t i = 0; i < got.size(); ++i) {
-    // Every instance must lie under its column (else the walk left the table) and follow the
-    // OID asked for (else the agent loops).
-    if (!snmp::OidIsUnder(got[i].name, m_columns[i]) ||
-        snmp::CompareOids(got[i].name, m_cursor[i].name) <= 0) {
-      m_ended = true;
-      return kSnmpEndOfTable;
-    }
-  }
+  if (got.empty() || got.size() > m_columns.size()) return end(kSnmpUnmatched);
+  // Every instance must lie under its column (else the walk left the table) and follow the
+  // OID asked for (else the agent loops).
+  for (size_t i = 0; i < got.size(); ++i)
+    if (!snmp::OidIsUnder(got[i].name, m_columns[i])) return end(kSnmpEndOfTable);
+  for (size_t i = 0; i < got.size(); ++i)
+    if (snmp::CompareOids(got[i].name, m_cursor[i].name) <= 0) return end(kSnmpNotIncreasing);
   for (size_t i = 0; i < got.size(); ++i) m_cursor[i].name = got[i].name;
   // A column left out moves on to the row just read (all columns share the row's instance),
   // so the next step asks for the row after it there too.

@@ -40,8 +40,10 @@ enum SnmpSendStatus : int {
   kSnmpBadRequest = 2,     // the request could not be built (bad OID or value text, no type)
   kSnmpBadAddress = 3,     // the agent text is not a dotted IPv4 address
   kSnmpSocketError = 4,    // the socket could not be opened or written
-  kSnmpEndOfTable = 5,     // getNext: the walk left its columns, or an OID did not increase
+  kSnmpEndOfTable = 5,     // getNext: the walk left its columns
   kSnmpAgentError = 6,     // getNext: the agent answered with a non-zero error status
+  kSnmpNotIncreasing = 7,  // getNext: an OID did not follow the one asked for (the agent loops)
+  kSnmpUnmatched = 8,      // getNext: an answer without bindings, or with more than the columns
 };
 
 class CSnmpTable;
@@ -158,13 +160,16 @@ class CSnmpTable {
   // hands out the answer while every returned OID lies under its column and is greater than
   // the OID asked for (an answer with fewer bindings than columns is a row whose last cells
   // are missing); non-zero at the end of the table, on an error status, on a time-out,
-  // and for ever after. `answer` is only set on 0.
+  // and for ever after (the same value each time). `answer` is only set on 0.
   int getNext(const char* agent, CSnmp*& answer, unsigned long timeoutMs);
+  // The error status of the answer that ended the walk with kSnmpAgentError; 0 otherwise.
+  int endErrorStatus() const { return m_endErrorStatus; }
 
  private:
   CSnmpV1* m_request;
   std::vector<snmp::Oid> m_columns;
   std::vector<snmp::VarBind> m_cursor;
   bool m_started = false;
-  bool m_ended = false;
+  int m_end = kSnmpOk;  // why the walk ended; kSnmpOk while it goes on
+  int m_endErrorStatus = 0;
 };

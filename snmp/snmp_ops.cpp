@@ -49,11 +49,26 @@ SnmpSetResult SnmpSet(const std::string& agent, const std::string& writeCommunit
   return result;  // step 5: the request object ends with this scope
 }
 
+namespace {
+
+SnmpWalkEnd WalkEnd(int getNextStatus, int errorStatus) {
+  switch (getNextStatus) {
+    case kSnmpEndOfTable: return SnmpWalkEnd::kEndOfTable;
+    case kSnmpAgentError: return errorStatus == snmp::kNoSuchName ? SnmpWalkEnd::kEndOfMib : SnmpWalkEnd::kErrorStatus;
+    case kSnmpTimeout: return SnmpWalkEnd::kNoAnswer;
+    case kSnmpNotIncreasing: return SnmpWalkEnd::kNotIncreasing;
+    case kSnmpUnmatched: return SnmpWalkEnd::kUnmatched;
+    default: return SnmpWalkEnd::kNotSent;
+  }
+}
+
+}  // namespace
+
 size_t SnmpWalk(const std::string& agent, const std::string& readCommunity,
                 const std::vector<std::string>& columnOids, const SnmpRowConsumer& consumer,
-                unsigned long timeoutMs, const std::atomic<bool>* stop) {
+                unsigned long timeoutMs, const std::atomic<bool>* stop, SnmpWalkResult* result) {
   auto stopped = [stop] { return stop != nullptr && stop->load(); };
-  size_t rows = 0;
+  SnmpWalkResult walk;
   CSnmpV1 request(0);
   request.setType(kSnmpGetNextRequest);
   {
@@ -61,11 +76,15 @@ size_t SnmpWalk(const std::string& agent, const std::string& readCommunity,
     request.clearVarBindList();
     request.setCommunity(readCommunity.c_str());
     for (const std::string& column : columnOids) request.addValue(column.c_str(), kSnmpNull, nullptr);
-    if (columnOids.empty()) return 0;
+    if (columnOids.empty()) {
+      if (result) *result = walk;  // nothing to walk is a table read to its end
+      return 0;
+    }
 
     CSnmp* answer = nullptr;
     SnmpRow row;
-    while (!stopped() && walker.getNext(agent.c_str(), answer, timeoutMs) == 0) {
+    int status = kSnmpOk;
+    while (!stopped() && (status = walker.getNext(agent.c_str(), answer, timeoutMs)) == kSnmpOk) {
       std::unique_ptr<CSnmp> owned(answer);
       answer = nullptr;
       if (stopped()) break;
@@ -89,12 +108,38 @@ size_t SnmpWalk(const std::string& agent, const std::string& readCommunity,
       }
       row.index = row.bindings.empty() ? std::string()
                                        : SnmpIndexText(columnOids.front(), row.bindings.front().oid);
-      ++rows;
+      ++walk.rows;
       if (consumer) consumer(row);
     }
     delete answer;  // an answer handed out with the final step, if any
+    if (status == kSnmpOk) {
+      walk.end = SnmpWalkEnd::kStopped;
+    } else {
+      walk.errorStatus = walker.endErrorStatus();
+      walk.end = WalkEnd(status, walk.errorStatus);
+    }
   }  // the walker before the request object
-  return rows;
+  if (result) *result = walk;
+  return walk.rows;
+}
+
+std::string SnmpErrorStatusName(int errorStatus) {
+  static const char* const kNames[] = {"noError", "tooBig", "noSuchName", "badValue", "readOnly", "genErr"};
+  return errorStatus >= 0 && errorStatus <= 5 ? kNames[errorStatus] : std::to_string(errorStatus);
+}
+
+std::string SnmpWalkEndText(const SnmpWalkResult& r) {
+  switch (r.end) {
+    case SnmpWalkEnd::kEndOfTable: return "the end of the table";
+    case SnmpWalkEnd::kEndOfMib:
+    case SnmpWalkEnd::kErrorStatus: return "error status " + SnmpErrorStatusName(r.errorStatus);
+    case SnmpWalkEnd::kNoAnswer: return "no answer";
+    case SnmpWalkEnd::kNotSent: return "a request that could not be sent";
+    case SnmpWalkEnd::kNotIncreasing: return "an OID that did not increase";
+    case SnmpWalkEnd::kUnmatched: return "an answer that did not match the columns";
+    case SnmpWalkEnd::kStopped: return "a stop";
+  }
+  return "";
 }
 
 std::string SnmpIndexText(std::string_view column, std::string_view oid) {

@@ -57,13 +57,40 @@ struct SnmpRow {
 
 using SnmpRowConsumer = std::function<void(const SnmpRow& row)>;
 
+// How a walk ended. Only the first two mean the table was read to its end; the wizard's
+// readers keep the rows read either way, a caller that plans changes from them must not.
+enum class SnmpWalkEnd {
+  kEndOfTable,     // an answer left the columns
+  kEndOfMib,       // noSuchName: nothing follows the table in the agent's MIB (SNMPv1)
+  kErrorStatus,    // any other error status (genErr, tooBig, ...)
+  kNoAnswer,       // no answer within the time-out; a wrong community looks the same
+  kNotSent,        // the request could not be built or sent (bad address or OID, no socket)
+  kNotIncreasing,  // an OID did not follow the one asked for: the agent loops
+  kUnmatched,      // an answer without bindings, or with more than the columns
+  kStopped,        // the caller's stop flag
+};
+
+struct SnmpWalkResult {
+  size_t rows = 0;                              // passed to the consumer
+  SnmpWalkEnd end = SnmpWalkEnd::kEndOfTable;
+  int errorStatus = 0;                          // kEndOfMib, kErrorStatus: the agent's status
+  bool complete() const { return end == SnmpWalkEnd::kEndOfTable || end == SnmpWalkEnd::kEndOfMib; }
+};
+
+// How a walk ended, for messages: "no answer", "error status genErr", "the end of the table"...
+std::string SnmpWalkEndText(const SnmpWalkResult& result);
+// "noSuchName", "genErr", ... (the number as text for others).
+std::string SnmpErrorStatusName(int errorStatus);
+
 // Walks the columns with GetNext, one request per row, calling `consumer` once per row in the
 // agent's order. Returns the number of rows passed to the consumer when the walk has ended (end
 // of table, error status, time-out, a non-increasing OID, or `stop` set: the walk then ends at
-// the next answer, passes no further row and sends no further request).
+// the next answer, passes no further row and sends no further request); `result`, when given,
+// tells which.
 size_t SnmpWalk(const std::string& agent, const std::string& readCommunity,
                 const std::vector<std::string>& columnOids, const SnmpRowConsumer& consumer,
-                unsigned long timeoutMs = kSnmpTimeoutMs, const std::atomic<bool>* stop = nullptr);
+                unsigned long timeoutMs = kSnmpTimeoutMs, const std::atomic<bool>* stop = nullptr,
+                SnmpWalkResult* result = nullptr);
 
 // Index extraction: the row's first binding OID with the first column's OID and the
 // "." after it removed from the front ("1.2" for a two-part index). A leading "." on either text

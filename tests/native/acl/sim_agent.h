@@ -57,6 +57,13 @@ class SimAgent {
   size_t requests() const { return udp_ ? udp_->datagrams() : 0; }
   // Makes the switch slow from now on (a switch that was quick while the test filled it).
   void delay(int ms) { delayMs_ = ms; }
+  // Makes the switch lose answers from now on: the n-th Get or GetNext counted from here.
+  void dropGets(std::initializer_list<uint64_t> nth) {
+    std::lock_guard<std::mutex> lock(udp_->mutex());
+    sim::Faults faults = switch_->config().faults;
+    for (uint64_t n : nth) faults.dropGets.insert(switch_->getCount() + n);
+    switch_->setFaults(std::move(faults));
+  }
   // Copies taken between requests: the store, every SET handled (answered, refused or
   // dropped) in order, and the rows that lack a column their table needs at creation.
   sim::Switch::Store store() {

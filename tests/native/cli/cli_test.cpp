@@ -524,6 +524,55 @@ TEST_F(CliTest, OneApplyPerSwitchAndAClosingRequestOwedIsSeenAndSent) {
   EXPECT_EQ(all[4].varbinds, all[3].varbinds);
 }
 
+// A switch that loses one answer in the middle of a table is not read at all: its rows after
+// the lost answer would otherwise look absent, to be created again (refused) or left out of a
+// backup that a restore then deletes from the switch.
+TEST_F(CliTest, ATableCutShortByALostAnswerIsNeverTakenForTheWholeTable) {
+  Fleet({{"sw1", "TVR4060", {}}});
+  const Json three = Json::parse(R"([{"id": 1, "type": "ethernet", "vlan": true}, {"id": 2, "type": "ethernet", "vlan": true},
+      {"id": 3, "type": "ethernet", "vlan": true}])");
+  const std::string file = Write("state.json", Json{{"switches", {{"sw1", {{"acl", three}}}}}}.dump());
+  ASSERT_EQ(Run({"apply", file}).status, kExitOk);
+  const size_t sets = SetCount();
+  // The third read request is lost: the profile table stops after its first row.
+  SimAgent& sw = *agents_[0];
+  sw.dropGets({3});
+  Result plan = Run({"plan", "--state", "overridden", file});
+  EXPECT_EQ(plan.status, kExitFailed) << plan.out;
+  EXPECT_NE(plan.out.find("sw1 (" + sw.address() + ", TVR4060): not read: the switch stopped answering while its acl "
+                          "ethernet profile table was read (1 row read)"),
+            std::string::npos) << plan.out;
+  EXPECT_EQ(plan.out.find("Plan:"), std::string::npos) << plan.out;
+  EXPECT_NE(plan.out.find("1 switch was not read"), std::string::npos) << plan.out;
+
+  sw.dropGets({3});
+  Result show = Run({"show", "--json"});
+  EXPECT_EQ(show.status, kExitFailed);
+  EXPECT_NE(show.err.find("sentrel-acl: sw1: not read: the switch stopped answering"), std::string::npos) << show.err;
+  EXPECT_EQ(Json::parse(show.out)["switches"], Json::object()) << show.out;
+
+  // Asked again, the read is whole and the plan right.
+  sw.dropGets({3});
+  Result retried = Run({"plan", "--retries", "1", "--detailed-exitcode", file});
+  EXPECT_EQ(retried.status, kExitOk) << retried.out;
+  EXPECT_NE(retried.out.find("No changes."), std::string::npos) << retried.out;
+
+  // A read-back cut short fails the apply as unverified, not as a record missing.
+  const size_t before = sw.requests();
+  ASSERT_EQ(Run({"plan", file}).status, kExitOk);
+  const uint64_t oneRead = sw.requests() - before;
+  Json more = three;
+  more.push_back({{"id", 4}, {"type", "ethernet"}, {"vlan", true}});
+  const std::string four = Write("four.json", Json{{"switches", {{"sw1", {{"acl", more}}}}}}.dump());
+  sw.dropGets({oneRead + 3});
+  Result apply = Run({"apply", four});
+  EXPECT_EQ(apply.status, kExitFailed) << apply.out;
+  EXPECT_NE(apply.out.find("acl profile 4 (ethernet): read-back: not read whole: the switch stopped answering"),
+            std::string::npos) << apply.out;
+  EXPECT_EQ(apply.out.find("not on the switch"), std::string::npos) << apply.out;
+  EXPECT_EQ(SetCount(), sets + 2);  // the new profile and its closing request, nothing else
+}
+
 #ifndef _WIN32
 TEST_F(CliTest, CtrlCFinishesTheRequestInFlightClosesWhatLandedAndExits130) {
   Fleet({{"sw1", "TVR4820", {}}, {"sw2", "TVR4820", {}}, {"sw3", "TVR4820", {}}});

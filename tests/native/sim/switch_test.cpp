@@ -151,3 +151,21 @@ TEST_F(SwitchTest, WrittenColumnsShowWhatACreatingRequestLeftOut) {
   ExpectError(Set({I(C(kRule, 15, "1.1"), 6)}), kNoError, 0);
   EXPECT_EQ(sw_->WrittenReport(), std::vector<std::string>{"EthernetProfile.5 wrote 2,3,4,5,6,7,8"});
 }
+
+// drop-get loses the answers of the n-th read requests only: SETs and requests with a wrong
+// community do not count, and the switch still applies nothing it should not.
+TEST_F(SwitchTest, DropGetLosesOnlyTheNthReadAnswers) {
+  Make("127.0.4.1 TVG5240-10 public private drop-get=2,4");
+  auto next = [this](const char* community = "public") {
+    return Send(kTagGetNextRequest, {VarBind{O("1.3.6.1"), Value::Null()}}, community).answered;
+  };
+  std::string answered;
+  answered += next() ? 'y' : 'n';
+  EXPECT_FALSE(next("wrong"));
+  ExpectError(Set({I(kClose, 5)}), kNoError, 0);
+  for (int i = 0; i < 3; ++i) answered += next() ? 'y' : 'n';
+  EXPECT_EQ(answered, "ynyn");
+  sim::SwitchConfig bad;
+  std::string e;
+  EXPECT_FALSE(sim::ParseSwitchLine("127.0.4.1 TVG5240-10 public private drop-get=0", "", bad, e));
+}

@@ -368,3 +368,63 @@ TEST(SnmpSocketScope, OneSocketForEveryRequestAndEachAnswerToItsOwnRequest) {
   ASSERT_EQ(sources.size(), 10u);  // 4 + 4 GetNexts, 2 sets
   for (const Endpoint& e : sources) EXPECT_EQ(e.port, sources.front().port);
 }
+
+// A walk tells the end of its table (the next column, or noSuchName past the agent's MIB)
+// from an end that leaves rows unread: silence, an error status, a looping agent, a stop.
+TEST(SnmpWalk, SaysWhetherItReachedTheTableEnd) {
+  const std::string c3 = Col(kEthRule, 3);
+  const struct {
+    const char* what;
+    std::vector<std::string> columns;
+    std::function<bool(int asked, FakeAgent&, const Message&, const Endpoint&)> fault;  // true: handled
+    size_t rows;
+    SnmpWalkEnd end;
+    int errorStatus;
+  } cases[] = {
+      {"the next column follows", {c3}, nullptr, 3, SnmpWalkEnd::kEndOfTable, 0},
+      {"noSuchName past the last table", {"1.3.6.1.4.1.32473.12.9.3.2.1.3"}, nullptr, 1, SnmpWalkEnd::kEndOfMib,
+       kNoSuchName},
+      {"silence after the first row", {c3}, [](int asked, FakeAgent&, const Message&, const Endpoint&) { return asked > 1; },
+       1, SnmpWalkEnd::kNoAnswer, 0},
+      {"genErr on the second request", {c3},
+       [](int asked, FakeAgent& a, const Message& req, const Endpoint& from) {
+         if (asked != 2) return false;
+         a.Reply(req, from, req.pdu.varbinds, kGenErr, 1);
+         return true;
+       },
+       1, SnmpWalkEnd::kErrorStatus, kGenErr},
+      {"the first row again", {c3},
+       [c3](int asked, FakeAgent& a, const Message& req, const Endpoint& from) {
+         a.Reply(req, from, {VarBind{O((c3 + ".1.2").c_str()), Value::OctetString("v12")}});
+         return asked > 0;
+       },
+       1, SnmpWalkEnd::kNotIncreasing, 0},
+  };
+  for (const auto& c : cases) {
+    MapMib mib;
+    FillRuleTable(mib);
+    auto inner = mib.Handler();
+    int asked = 0;
+    FakeAgent agent(TestAddress(12), [&](FakeAgent& a, const Message& req, const Endpoint& from) {
+      if (!c.fault || !c.fault(++asked, a, req, from)) inner(a, req, from);
+    });
+    ASSERT_TRUE(agent.bound());
+    SnmpWalkResult r;
+    EXPECT_EQ(SnmpWalk(TestAddress(12), "public", c.columns, nullptr, 300, nullptr, &r), c.rows) << c.what;
+    EXPECT_EQ(r.rows, c.rows) << c.what;
+    EXPECT_EQ(r.end, c.end) << c.what << ": " << SnmpWalkEndText(r);
+    EXPECT_EQ(r.errorStatus, c.errorStatus) << c.what;
+    EXPECT_EQ(r.complete(), c.end == SnmpWalkEnd::kEndOfTable || c.end == SnmpWalkEnd::kEndOfMib) << c.what;
+  }
+  // A stop after the first row ends the walk there, without a further request.
+  MapMib mib;
+  FillRuleTable(mib);
+  FakeAgent agent(TestAddress(12), mib.Handler());
+  ASSERT_TRUE(agent.bound());
+  std::atomic<bool> stop{false};
+  SnmpWalkResult r;
+  SnmpWalk(TestAddress(12), "public", {c3}, [&](const SnmpRow&) { stop = true; }, 300, &stop, &r);
+  EXPECT_EQ(r.rows, 1u);
+  EXPECT_EQ(r.end, SnmpWalkEnd::kStopped);
+  EXPECT_EQ(agent.Requests().size(), 1u);
+}

@@ -80,6 +80,16 @@ def test_plan_result_lists_every_set_of_the_changes_and_closing_requests_last():
     assert result["before"] == {"acl": []} and result["after"] == {"acl": HELD["acl"]}
 
 
+@pytest.mark.parametrize("applied", [False, True])
+def test_a_switch_not_read_whole_fails_the_task_and_reports_no_holdings(applied):
+    why = "not read: the switch stopped answering while its acl ethernet profile table was read (1 row read)"
+    sw = report("unreachable", [], before=None, after=None, error=why)
+    result, error = engine.switch_result(sw, applied=applied)
+    assert error == "sw1 unreachable: " + why
+    assert result["changed"] is False and result["commands"] == []
+    assert result["before"] == {} and result["after"] == {}
+
+
 def test_refused_switch_fails_with_its_answer_the_record_and_only_what_was_sent():
     sw = report("failed", [
         change("create", "done", [set_(".1.1", "4")]),
