@@ -23,16 +23,6 @@ TEST(DeviceListSort, ColumnsCompareAsTheirContent) {
     EXPECT_GT(CompareProfileColumn(1, "9", "10"), 0) << "other columns compare as strings";
 }
 
-TEST(DeviceListSort, FirstClickAscendingThenToggles) {
-    SortToggle toggle;
-    EXPECT_TRUE(toggle.Click(3));
-    EXPECT_FALSE(toggle.Click(3));
-    EXPECT_TRUE(toggle.Click(3));
-    EXPECT_TRUE(toggle.Click(6)) << "another column starts ascending";
-    EXPECT_FALSE(toggle.Click(6));
-    EXPECT_EQ(6, toggle.Column());
-}
-
 // --- target selection ------------------------------------------------------------------------
 
 namespace {
@@ -76,17 +66,6 @@ TEST(TargetSelection, TypeRulesInOrderThenTheCount) {
 }
 
 // --- "Add profile" ----------------------------------------------------------------------
-
-TEST(AddProfile, FrameOptionProtocolOverridesFrame) {
-    EXPECT_EQ(1, FrameOption("UnTagged", ""));
-    EXPECT_EQ(2, FrameOption("Tagged", ""));
-    EXPECT_EQ(2, FrameOption("", ""));
-    EXPECT_EQ(3, FrameOption("UnTagged", "ICMP"));
-    EXPECT_EQ(4, FrameOption("Tagged", "IGMP"));
-    EXPECT_EQ(5, FrameOption("UnTagged", "TCP")) << "TCP then Ethernet keeps 5";
-    EXPECT_EQ(6, FrameOption("Tagged", "UDP"));
-    EXPECT_EQ(7, FrameOption("Tagged", "ProtocolID"));
-}
 
 TEST(AddProfile, NameIsCheckedBeforeTheId) {
     EXPECT_EQ(AddProfileVerdict::kNoProfileName, CheckAddProfile("TVR4512", 1, "", ""));
