@@ -1,7 +1,7 @@
 // "Apply to Switch" on the Confirmation Page against several simulated switches: the result
-// word of each (a silent switch, one that drops the closing request, one that refuses the
-// record), the progress bar moving while the button is disabled, the lists empty after the
-// apply, and a second apply that sends only the closing request.
+// word of each (a silent switch, one that drops the closing request), the progress bar moving
+// while the button is disabled, the lists empty after the apply, a second apply that sends
+// only the closing request, and "Configure Next Device".
 #include <algorithm>
 #include <mutex>
 
@@ -104,8 +104,8 @@ TEST_F(ApplyGui, ResultWordsProgressAndASecondApplyThatSendsOnlyTheClosingReques
                EXPECT_EQ(0, d.RowCount(d.Control(IDC_ETH_LIST)));
                d.Next();
                EXPECT_EQ(0, d.RowCount(d.Control(IDC_APPLY_PROFILE_LIST)));
-               d.ClickButton(IDC_APPLY_CREATE_RULES);
-               EXPECT_EQ(acl::pages::kPageSelectProfile, d.ActiveIndex());
+               d.ClickButton(IDC_APPLY_NEXT_DEVICE);
+               EXPECT_EQ(acl::pages::kPageDeviceList, d.ActiveIndex());
            });
     UnhookWindowsHookEx(hook);
     EXPECT_EQ(1u, OnSwitch(b, "TVR4820", AclOwner::kAcl).records[0].size()) << "read back from a configured switch";
@@ -130,23 +130,6 @@ TEST_F(ApplyGui, ResultWordsProgressAndASecondApplyThatSendsOnlyTheClosingReques
     }
     EXPECT_EQ(std::string::npos, audit.find("public"));
     EXPECT_EQ(std::string::npos, audit.find("private"));
-}
-
-TEST_F(ApplyGui, CpuAclWordsAndARefusedRecordWithoutClosingRequest) {
-    sim::Faults silent, refuse;
-    silent.silent = true;
-    refuse.refuseSets = {1};
-    SimAgent s(5, "TVG5690", silent), a(6, "TVG5690"), b(7, "TVG5690", refuse);
-    ASSERT_TRUE(s.ok() && a.ok() && b.ok()) << s.error() << a.error() << b.error();
-    Wizard({{s.address(), "TVG5690"}, {a.address(), "TVG5690"}, {b.address(), "TVG5690"}}, 2, [&](WizardDriver& d) {
-        StageOneEthernetProfile(d, "2");
-        EXPECT_EQ("CPU ACL", d.CellText(d.Control(IDC_APPLY_PROFILE_LIST), 0, 2));
-        EXPECT_EQ((Strings{"Fail", "Success", "Fail"}), Apply(d));
-        d.ClickButton(IDC_APPLY_NEXT_DEVICE);
-        EXPECT_EQ(acl::pages::kPageDeviceList, d.ActiveIndex());
-    });
-    EXPECT_EQ(1u, OnSwitch(a, "TVG5690", AclOwner::kCpu).records[0].size());
-    EXPECT_EQ(1u, b.sets().size()) << "the refusing switch gets no closing request";
 }
 
 }  // namespace

@@ -68,7 +68,6 @@ TEST_F(WizardFrameGui, DevicePanelShowsTheOpenSubmapAndActsOnClicks) {
         EXPECT_FALSE(IsWindowVisible(GetDlgItem(d.Sheet(), IDHELP)));
         EXPECT_FALSE(d.IsVisible(IDC_STEP0_TYPES));
         EXPECT_EQ(d.FindTreeItem(tree, "Core"), d.SelectedTreeItem(tree)) << "the opened submap";
-        EXPECT_NE(nullptr, d.FindTreeItem(tree, "1")) << "no RootName: the root shows its ID";
         const Strings headers = {"", "Device Name                ", "Device Type      ", "Device IP                 ",
                                  "Read Community ", "Write Community ", "Device ID"};
         for (int c = 0; c < 7; ++c) EXPECT_EQ(headers[c], d.HeaderText(list, c));
@@ -108,8 +107,6 @@ TEST_F(WizardFrameGui, DevicePanelShowsTheOpenSubmapAndActsOnClicks) {
         d.LeftClick(tree, d.EmptyTreePoint(tree));
         EXPECT_EQ((Strings{"old-1", "new-1"}), Column(d, list, 1));
         EXPECT_EQ((std::vector<int>{0, 0}), Checks(d));
-        ShowNode(d, "Printers");
-        EXPECT_EQ(0, d.RowCount(list)) << "devices that do not speak SNMP are left out";
         EXPECT_TRUE(d.TakeMessages().empty());
     });
 }
@@ -205,26 +202,6 @@ TEST_F(WizardFrameGui, AclKindRenamesTheActionsAndEveryJumpLandsWhereItShould) {
             EXPECT_EQ(acl::pages::kPageSelect, d.ActiveIndex()) << f.caption;
             EXPECT_NE(nullptr, d.PageHwnd(acl::pages::kPageAddProfile));
         }
-        // "Create Profile": each type's page, the Confirmation Page, and Back to that page.
-        d.ClickButton(IDC_SELECT_CHOICE1);
-        d.Next();
-        const std::pair<int, int> types[] = {{IDC_STEP2_IPV6, 8}, {IDC_STEP2_ETHERNET, 7}, {IDC_STEP2_IPV4, 6},
-                                             {IDC_STEP2_PACKET, 9}};
-        for (const auto& [radio, page] : types) {
-            d.ClickButton(radio);
-            ASSERT_TRUE(d.PickCombo(IDC_STEP2_PROFILE_ID, "1"));
-            d.Next();
-            ASSERT_EQ(page, d.ActiveIndex());
-            d.Screenshot("page-0" + std::to_string(page));
-            d.Next();
-            ASSERT_EQ(acl::pages::kPageApply, d.ActiveIndex());
-            EXPECT_TRUE(d.IsWizardButtonEnabled(kFinishButton));
-            d.Back();
-            EXPECT_EQ(page, d.ActiveIndex()) << "Back from the Confirmation Page";
-            d.Back();
-            EXPECT_EQ(acl::pages::kPageAddProfile, d.ActiveIndex());
-        }
-        EXPECT_NE(nullptr, d.PageHwnd(4)) << "its activation ran in passing";
     });
 }
 

@@ -1,4 +1,4 @@
-// Records, keys, the text checks and the rule checks with their exact messages in their order.
+// Records, the text checks and the rule checks with their exact messages in their order.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -237,17 +237,4 @@ TEST(AclRecord, ProfileCellsAsThePagesBuildThem) {
     AclRecord r = BuildProfile(AclType::kIPv4, AclOwner::kAcl, M("TVG5690"), v4);
     EXPECT_EQ(AclRecord(r.begin() + 6, r.begin() + 16), c.cells) << "group " << c.group;
   }
-}
-
-TEST(AclRecord, KeysAreUniqueInTheirList) {
-  AclRecordList rules;
-  EXPECT_TRUE(AddRule(rules, {"3", "12", "a"}));
-  EXPECT_TRUE(AddRule(rules, {"4", "12", "b"})) << "the same Access ID under another profile";
-  EXPECT_FALSE(AddRule(rules, {"3", "12", "c"}));
-  AclRecordList profiles;
-  EXPECT_TRUE(AddProfile(profiles, {"5", "x"}));
-  EXPECT_FALSE(AddProfile(profiles, {"5", "y"}));
-  EXPECT_TRUE(AddProfile(profiles, {"6", "z"}));
-  EXPECT_EQ(rules, (AclRecordList{{"3", "12", "a"}, {"4", "12", "b"}}));
-  EXPECT_EQ(profiles, (AclRecordList{{"5", "x"}, {"6", "z"}})) << "appended at the end, the first kept";
 }

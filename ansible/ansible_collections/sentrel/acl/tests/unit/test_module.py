@@ -213,16 +213,6 @@ def test_merged_hands_the_engine_one_switch_by_stdin_and_communities_by_environm
     assert result["diff"] == {"before": {"acl": []}, "after": HELD}
 
 
-def test_a_refusing_switch_fails_the_task_with_its_answer(run_module):
-    answer = apply_report("failed")
-    answer["switches"][0]["error"] = "refused SET 2 (badValue)"
-    answer["switches"][0]["changes"][0].update(result="failed", error="badValue")
-    result, output, _ = run_module({"config": {"acl": HELD["acl"]}}, {"apply": answer}, rc=2)
-    assert result["failed"] is True and "badValue" in result["msg"]
-    assert result["failures"][0]["error"] == "badValue"
-    assert "secret" not in output
-
-
 @pytest.mark.parametrize("args, message", [
     ({"state": "merged"}, "config"),
     ({"state": "overridden"}, "config"),
