@@ -188,12 +188,6 @@ bool RulePending(const AclRecordList& list, const AclRecord& record) {
   return false;
 }
 
-bool AddRule(AclRecordList& list, AclRecord record) {
-  if (RulePending(list, record)) return false;
-  list.push_back(std::move(record));
-  return true;
-}
-
 std::string NormalizeMac(std::string_view text) { return TrimUpper(text); }
 
 bool ValidateMac(std::string_view text) {

@@ -59,11 +59,9 @@ std::string ActionStagingWord(std::string_view code);
 std::string ActionCommandName(std::string_view code);
 std::string ActionCodeOfCommandName(std::string_view name, AclOwner owner);
 
-// `AddProfile` / `AddRule`: append unless the key (profile ID; profile ID and Access
-// ID) is already in the list. Returns whether the record was appended; an existing key leaves
-// the list unchanged.
+// Appends unless the profile ID is already in the list. Returns whether the record was
+// appended; an existing key leaves the list unchanged.
 bool AddProfile(AclRecordList& list, AclRecord record);
-bool AddRule(AclRecordList& list, AclRecord record);
 // Whether a rule with the record's profile ID and Access ID is in the list.
 bool RulePending(const AclRecordList& list, const AclRecord& record);
 
