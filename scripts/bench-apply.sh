@@ -7,8 +7,11 @@
 #  2. the same 200 records on 10 switches without delay: sentrel-acl against a shell loop of
 #     net-snmp `snmpset`, one call per record (and per closing request), as engineers script it.
 # Usage: scripts/bench-apply.sh
+# Environment: SENTREL_BENCH_SMOKE=1  a short run that only proves the benchmark works (the
+#              slow one-switch-at-a-time run left out; the test run uses it)
 set -euo pipefail
 cd "$(dirname "$0")/.."
+smoke=${SENTREL_BENCH_SMOKE:-0}
 if [ "${SENTREL_BENCH_NETNS:-}" != 1 ]; then
   scripts/install-deps.sh
   cmake --preset bench >/dev/null
@@ -74,10 +77,12 @@ echo "== 1. distant site: 10 switches, 20 ms answer delay, 3 silent, 20 records 
 start_sim "delay=20" "silent"
 p10=$(apply_run 10); slow10=$(slowest)
 grep -E '^Total' "$work/recap.txt"
-stop_sim; start_sim "delay=20" "silent"
-p1=$(apply_run 1)
 printf '  --parallel 10: %.2f s (slowest switch %.2f s, ratio %.2fx)\n' "$p10" "$slow10" "$(calc "$p10 / $slow10")"
-printf '  --parallel 1:  %.2f s (%.1fx the parallel run)\n' "$p1" "$(calc "$p1 / $p10")"
+if [ "$smoke" = 0 ]; then
+  stop_sim; start_sim "delay=20" "silent"
+  p1=$(apply_run 1)
+  printf '  --parallel 1:  %.2f s (%.1fx the parallel run)\n' "$p1" "$(calc "$p1 / $p10")"
+fi
 stop_sim
 
 echo "== 2. 200 records on 10 switches without delay: sentrel-acl against a loop of snmpset"

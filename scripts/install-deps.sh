@@ -6,6 +6,7 @@ packages=(
   cmake make g++ python3
   mingw-w64 mingw-w64-tools libwine-dev        # cross compilers, widl and the IDL files it imports
   wine wine64 xvfb xauth imagemagick x11-utils # running and looking at the Windows build
+  fonts-wine                                   # Marlett: the title bars' caption buttons
   googletest libgtest-dev libbenchmark-dev     # unit tests and benchmarks
   nlohmann-json3-dev libcli11-dev              # sentrel-acl: its files and its arguments
   snmp snmpd                                   # net-snmp: the outside referee
