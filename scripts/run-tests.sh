@@ -20,19 +20,23 @@ results=$(mktemp -d /tmp/sentrel-run-tests-XXXXXX)
 trap 'rm -rf "$results"' EXIT
 run_start=$SECONDS
 
-# CPU seconds (user + sys) of the finished child processes of the calling shell: a step's share
-# of the processor, which other work on the machine inflates far less than its wall time.
+# Sets $cpu to the CPU seconds (user + sys) of the finished child processes of the calling
+# shell: a step's share of the processor, which other work on the machine inflates far less
+# than its wall time. (`times` must run in that shell itself, not in a $(...) subshell.)
 cpu_seconds() {
-  times > "$results/times.$BASHPID"
-  awk 'NR == 2 { n = split($0, f, /[ ms]+/); print f[1] * 60 + f[2] + f[3] * 60 + f[4] }' "$results/times.$BASHPID"
+  local file=$results/times.$BASHPID
+  times > "$file"
+  cpu=$(awk 'NR == 2 { split($0, f, /[ ms]+/); print f[1] * 60 + f[2] + f[3] * 60 + f[4] }' "$file")
 }
 step_name=""; step_start=0; step_cpu=0
 end_step() {
-  [ -z "$step_name" ] || printf '%6ds %6.0fs  %s\n' $((SECONDS - step_start)) \
-    "$(awk "BEGIN { print $(cpu_seconds) - $step_cpu }")" "$step_name" >> "$results/times"
+  [ -n "$step_name" ] || return 0
+  cpu_seconds
+  printf '%6ds %6.0fs  %s\n' $((SECONDS - step_start)) "$(awk "BEGIN { print $cpu - $step_cpu }")" \
+    "$step_name" >> "$results/times"
   step_name=""
 }
-step() { end_step; step_name=$*; step_start=$SECONDS; step_cpu=$(cpu_seconds); echo; echo "=== $* ==="; }
+step() { end_step; step_name=$*; step_start=$SECONDS; cpu_seconds; step_cpu=$cpu; echo; echo "=== $* ==="; }
 passed() { echo "pass ${1:-1}" >> "$results/counts"; }
 fail() { echo "fail 1 $1" >> "$results/counts"; }
 # Runs ctest and counts its results into the totals.
@@ -129,7 +133,8 @@ win64_tests() {
 }
 
 scripts/install-deps.sh || { echo "run-tests: installing packages failed"; exit 1; }
-printf '%6ds %6.0fs  %s\n' $((SECONDS - run_start)) "$(cpu_seconds)" "install packages" >> "$results/times"
+cpu_seconds
+printf '%6ds %6.0fs  %s\n' $((SECONDS - run_start)) "$cpu" "install packages" >> "$results/times"
 
 step "native build (ASan+UBSan)"
 side_pid=""
@@ -167,7 +172,8 @@ echo
 echo "Time per step, wall and CPU (user + sys), $jobs jobs at a time; the side lane's steps"
 echo "(native tests, fuzz, win32, bench) ran beside the win64 build and tests:"
 cat "$results/times"
-printf '%6ds %6.0fs  %s\n' $((SECONDS - run_start)) "$(cpu_seconds)" "the whole run"
+cpu_seconds
+printf '%6ds %6.0fs  %s\n' $((SECONDS - run_start)) "$cpu" "the whole run"
 failed_steps=$(awk '$1 == "fail" && NF > 2 { $1 = $2 = ""; sub(/^ +/, ""); print }' "$results/counts" 2>/dev/null | paste -sd, -)
 read -r total_pass total_fail < <(awk '$1 == "pass" { p += $2 } $1 == "fail" { f += $2 } END { print p + 0, f + 0 }' "$results/counts" 2>/dev/null)
 [ -z "$failed_steps" ] || echo "run-tests: FAILED steps: $failed_steps"
