@@ -1,6 +1,7 @@
 #!/bin/bash
-# The Sentrel demo (DESIGN.md section 4): installs what it needs, builds the win64 tree,
-# starts the simulated switch fleet of the demo site (when the simulator builds), registers
+# The Sentrel demo (DESIGN.md section 4): installs what it needs, builds the DLLs and the
+# stand-in host of the win64 tree and the optimised simulator, starts the simulated switch
+# fleet of the demo site (when the simulator builds; it names the one it runs), registers
 # the stand-in host (OrblaneHost.dll) and the plug-in (Sentrel.dll) in the demo's own Wine
 # prefix, imports the host's registry values (host/demo/demo.reg) and opens orblane.exe on
 # the demo site (host/demo/site.xml).
@@ -30,7 +31,7 @@ for arg in "$@"; do
     --no-sim) sim=0 ;;
     --walk-only) walk_only=1; headless=1 ;;
     --inside-xvfb) inside_xvfb=1; headless=1 ;;   # internal: the script re-run under xvfb-run
-    -h|--help) sed -n '2,19p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+    -h|--help) sed -n '2,21p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
     *) echo "run-demo: unknown argument $arg" >&2; exit 2 ;;
   esac
 done
