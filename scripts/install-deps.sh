@@ -6,11 +6,12 @@ packages=(
   cmake make g++ python3
   mingw-w64 mingw-w64-tools libwine-dev        # cross compilers, widl and the IDL files it imports
   wine wine64 xvfb xauth imagemagick x11-utils # running and looking at the Windows build
+  fonts-wine                                   # Marlett: the title bars' caption buttons
   googletest libgtest-dev libbenchmark-dev     # unit tests and benchmarks
   nlohmann-json3-dev libcli11-dev              # sentrel-acl: its files and its arguments
   snmp snmpd                                   # net-snmp: the outside referee
   clang libclang-rt-14-dev                     # libFuzzer and sanitizers
-  iproute2 util-linux ccache time              # time: the benchmarks' peak memory
+  iproute2 util-linux ccache time tmux         # the benchmarks' peak memory; a terminal for their progress
   python3-jsonschema                           # sentrel-acl: its JSON output checked against its schemas
   ansible-core python3-pytest                  # the sentrel.acl collection and its tests
 )

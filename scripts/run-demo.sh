@@ -1,6 +1,7 @@
 #!/bin/bash
-# The Sentrel demo (DESIGN.md section 4): installs what it needs, builds the win64 tree,
-# starts the simulated switch fleet of the demo site (when the simulator builds), registers
+# The Sentrel demo (DESIGN.md section 4): installs what it needs, builds the DLLs and the
+# stand-in host of the win64 tree and the optimised simulator, starts the simulated switch
+# fleet of the demo site (when the simulator builds; it names the one it runs), registers
 # the stand-in host (OrblaneHost.dll) and the plug-in (Sentrel.dll) in the demo's own Wine
 # prefix, imports the host's registry values (host/demo/demo.reg) and opens orblane.exe on
 # the demo site (host/demo/site.xml).
@@ -30,7 +31,7 @@ for arg in "$@"; do
     --no-sim) sim=0 ;;
     --walk-only) walk_only=1; headless=1 ;;
     --inside-xvfb) inside_xvfb=1; headless=1 ;;   # internal: the script re-run under xvfb-run
-    -h|--help) sed -n '2,19p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+    -h|--help) sed -n '2,21p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
     *) echo "run-demo: unknown argument $arg" >&2; exit 2 ;;
   esac
 done
@@ -63,18 +64,22 @@ stop_wineserver() { WINEPREFIX=$SENTREL_WINEPREFIX wineserver -k 2>/dev/null || 
 if [ "$inside_xvfb" = 0 ]; then
   scripts/install-deps.sh
   if [ "$build" = 1 ]; then
-    echo "run-demo: building the win64 tree ($bin)"
+    # Only what the demo runs: the plug-in, the stand-in host's objects and its program; the
+    # test programs of the tree are the test run's business.
+    echo "run-demo: building Sentrel.dll, OrblaneHost.dll and orblane.exe ($bin)"
     cmake --preset win64 -B "$bin" >/dev/null
-    cmake --build "$bin" -j2
+    cmake --build "$bin" -j"$(nproc)" --target Sentrel OrblaneHost orblane
     if [ "$sim" = 1 ] && [ -z "${SENTREL_SIM:-}" ] && [ -f sim/CMakeLists.txt ]; then
-      # The optimised (bench) build, else the native one; the log tells why neither built.
-      echo "run-demo: building the switch simulator (log: build/sim-build.log)"
+      # The optimised (bench) build, else the debug (native) one, and saying so: the debug
+      # simulator answers far slower, which a user must not take for the plug-in's speed.
       mkdir -p build
       for preset in bench native; do
-        if { cmake --preset $preset && cmake --build build/$preset --target sentrel-sim -j2; } \
-             > build/sim-build.log 2>&1; then
+        echo "run-demo: building the $preset switch simulator (log: build/sim-build-$preset.log)"
+        if { cmake --preset $preset && cmake --build build/$preset --target sentrel-sim -j"$(nproc)"; } \
+             > "build/sim-build-$preset.log" 2>&1; then
           break
         fi
+        echo "run-demo: the $preset simulator did not build (see build/sim-build-$preset.log)" >&2
       done
     fi
   fi
@@ -114,6 +119,8 @@ for info in ET.parse(sys.argv[1]).iter("DEVICEINFO"):
         seen.add(f["IP"])
         print(f["IP"], f["TYPE"], f.get("GETCOMM") or "public", f.get("SETCOMM") or "-")
 PY
+  echo "run-demo: simulator $sim_exe"
+  case "$sim_exe" in */build/native/*) echo "run-demo: (the debug build, with sanitizers: slower than build/bench's)" ;; esac
   "$sim_exe" --fleet "$demo/fleet.txt" --quiet > "$demo/sim.log" 2>&1 &
   sim_pid=$!
   sleep 0.5

@@ -103,7 +103,11 @@ std::vector<std::string> Switch::WrittenReport(bool incompleteOnly) const {
       const size_t n = t.entry.size();
       if (key.size() <= n + 1 || !snmp::OidIsUnder(key, t.entry) || key[n] != 0) continue;
       std::string wrote, missing;
-      for (uint32_t c : columns) wrote += (wrote.empty() ? "" : ",") + std::to_string(c);
+      // Appended piece by piece: a literal + a temporary string trips gcc 12's -Wrestrict at -O2.
+      for (uint32_t c : columns) {
+        if (!wrote.empty()) wrote += ',';
+        wrote += std::to_string(c);
+      }
       for (const ColumnDef& c : t.columns)
         if (c.required && !columns.count(c.number)) missing += (missing.empty() ? "" : ",") + c.name;
       if (incompleteOnly && missing.empty()) continue;
@@ -115,7 +119,10 @@ std::vector<std::string> Switch::WrittenReport(bool incompleteOnly) const {
 
 std::string Switch::RowText(const TableDef& t, const snmp::Oid& key) {
   std::string s = t.name;
-  for (size_t i = t.entry.size() + 1; i < key.size(); ++i) s += "." + std::to_string(key[i]);
+  for (size_t i = t.entry.size() + 1; i < key.size(); ++i) {
+    s += '.';
+    s += std::to_string(key[i]);
+  }
   return s;
 }
 
