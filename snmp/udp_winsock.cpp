@@ -98,6 +98,16 @@ bool UdpSocket::Connect(const Endpoint& peer) {
 
 bool UdpSocket::Send(const void* data, size_t size) {
   if (!connected_ || size > 0x7FFFFFFF) return false;
+  // Under Wine a port-unreachable met by an earlier datagram stays on the socket, and the
+  // socket hears no answer after it even once the error is read: the next request takes a
+  // fresh socket to the same switch.
+  int pending = 0;
+  int len = sizeof pending;
+  if (getsockopt(Sock(handle_), SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&pending), &len) == 0 &&
+      PortUnreachable(pending)) {
+    const Endpoint peer = peer_;
+    if (!Open() || !Connect(peer)) return false;
+  }
   for (;;) {
     int n = ::send(Sock(handle_), static_cast<const char*>(data), static_cast<int>(size), 0);
     if (n >= 0) return static_cast<size_t>(n) == size;
