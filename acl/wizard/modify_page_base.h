@@ -54,8 +54,8 @@ protected:
     // "Delete" (the row `shown`, whose details are shown; -1: none, nothing is sent) or "Delete
     // All" (every row, in list order) on `list`, with the wait cursor: `send` deletes a row on
     // the switch, and a row it confirmed leaves the list after `forget` dropped its record;
-    // the details list is emptied and the line under the lists says how many rows the switch
-    // kept.
+    // the details list is emptied, no row stays selected, and the line under the lists says
+    // how many rows the switch kept.
     void DeleteRows(controls::CXListCtrl& list, controls::CXListCtrl& details, bool bAll, int shown,
                     const std::function<bool(int row)>& send, const std::function<void(int row)>& forget);
     // The line under the lists: empty when every deletion was confirmed.
