@@ -34,6 +34,10 @@ sockaddr_in ToSockaddr(const Endpoint& e) {
 
 SOCKET Sock(intptr_t h) { return static_cast<SOCKET>(h); }
 
+// An ICMP port-unreachable on a connected socket: Windows reports it as WSAECONNRESET, Wine
+// may pass on the host's ECONNREFUSED as WSAECONNREFUSED.
+bool PortUnreachable(int err) { return err == WSAECONNRESET || err == WSAECONNREFUSED; }
+
 }  // namespace
 
 UdpSocket::~UdpSocket() { Close(); }
@@ -94,12 +98,22 @@ bool UdpSocket::Connect(const Endpoint& peer) {
 
 bool UdpSocket::Send(const void* data, size_t size) {
   if (!connected_ || size > 0x7FFFFFFF) return false;
+  // Under Wine a port-unreachable met by an earlier datagram stays on the socket, and the
+  // socket hears no answer after it even once the error is read: the next request takes a
+  // fresh socket to the same switch.
+  int pending = 0;
+  int len = sizeof pending;
+  if (getsockopt(Sock(handle_), SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&pending), &len) == 0 &&
+      PortUnreachable(pending)) {
+    const Endpoint peer = peer_;
+    if (!Open() || !Connect(peer)) return false;
+  }
   for (;;) {
     int n = ::send(Sock(handle_), static_cast<const char*>(data), static_cast<int>(size), 0);
     if (n >= 0) return static_cast<size_t>(n) == size;
     // A port-unreachable left by an earlier datagram is reported here once; it says nothing
     // about this one.
-    if (WSAGetLastError() != WSAECONNRESET) return false;
+    if (!PortUnreachable(WSAGetLastError())) return false;
   }
 }
 
@@ -132,9 +146,9 @@ UdpSocket::Recv UdpSocket::RecvFrom(void* buffer, size_t capacity, size_t& size,
       return Recv::kOk;
     }
     int err = WSAGetLastError();
-    // WSAECONNRESET: an earlier datagram met an ICMP port-unreachable; WSAEMSGSIZE: a datagram
-    // too large for us. Neither is our answer, so the wait goes on.
-    if (err == WSAECONNRESET || err == WSAEMSGSIZE || err == WSAEWOULDBLOCK || err == WSAEINTR)
+    // A port-unreachable of an earlier datagram, or a datagram too large for us: neither is our
+    // answer, so the wait goes on.
+    if (PortUnreachable(err) || err == WSAEMSGSIZE || err == WSAEWOULDBLOCK || err == WSAEINTR)
       continue;
     return Recv::kError;
   }

@@ -13,6 +13,11 @@ namespace {
 constexpr DWORD kReaderWaitMs = 3000;
 constexpr DWORD kPauseAfterDeleteMs = 100;  // the switch settles its tables between deletions
 
+// Posted to the page when a list's row lost its selection, or a key press on the profile list
+// has been handled: by then a selection that follows has arrived.
+constexpr UINT kSelectionSettledMessage = WM_APP + 0x29;
+constexpr UINT kKeyHandledMessage = WM_APP + 0x2A;
+
 constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent};
 
 }  // namespace
@@ -93,9 +98,20 @@ void CACLModifyPage::OnDestroy() {
 }
 
 BOOL CACLModifyPage::OnMessage(UINT msg, WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
-    if (!SwitchReader::Deliver(msg, wParam, lParam)) return CACLPage::OnMessage(msg, wParam, lParam, pResult);
+    if (msg == kSelectionSettledMessage) {
+        HWND list = reinterpret_cast<HWND>(lParam);
+        if (IsWindow(list) && ListView_GetNextItem(list, -1, LVNI_SELECTED) < 0) OnSelectionCleared(list);
+    } else if (msg == kKeyHandledMessage) {
+        m_bInKeyPress = false;
+    } else if (!SwitchReader::Deliver(msg, wParam, lParam)) {
+        return CACLPage::OnMessage(msg, wParam, lParam, pResult);
+    }
     *pResult = 0;
     return TRUE;
+}
+
+void CACLModifyPage::OnSelectionCleared(HWND list) {
+    if (list == m_profileList.GetSafeHwnd()) ShowProfile(-1);
 }
 
 BOOL CACLModifyPage::OnCommand(WPARAM wParam, LPARAM) {
@@ -124,11 +140,24 @@ BOOL CACLModifyPage::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
         return TRUE;
     }
     if (hdr->hwndFrom == m_profileList.GetSafeHwnd()) {
-        // The details follow the selection however it moves (mouse, arrow keys); a click on
-        // the row already shown changes nothing, one after a deletion emptied the details
-        // shows it again.
-        if (SelectionChanged(hdr)) ShowProfile(m_profileList.GetFirstSelectedRow());
-        if (hdr->code == NM_CLICK) ShowProfile(reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem);
+        // The details follow the selection however it moves (mouse, arrow keys). A click on
+        // the row already shown reads its rules again (after a partial deletion that is the
+        // way to see what the switch kept); the click that has just selected a row does not
+        // read it twice.
+        const SelectionMove move = SelectionChange(hdr);
+        if (move == SelectionMove::kSelected) {
+            m_bClickSelected = !m_bInKeyPress;
+            ShowProfile(m_profileList.GetFirstSelectedRow());
+        }
+        if (hdr->code == LVN_KEYDOWN) {
+            m_bInKeyPress = true;
+            PostMessageA(GetSafeHwnd(), kKeyHandledMessage, 0, 0);
+        }
+        if (hdr->code == NM_CLICK) {
+            const int row = reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem;
+            if (row >= 0) ShowProfile(row, !m_bClickSelected);
+            m_bClickSelected = false;
+        }
         if (hdr->code == NM_CLICK || hdr->code == LVN_ITEMCHANGED) {
             *pResult = 0;
             return TRUE;
@@ -137,10 +166,17 @@ BOOL CACLModifyPage::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
     return OnListNotify(hdr, pResult);
 }
 
-bool CACLModifyPage::SelectionChanged(const NMHDR* hdr) {
-    if (hdr->code != LVN_ITEMCHANGED) return false;
+// A row that lost its selection empties the details only if no other row takes it: every move
+// first deselects the old row, and emptying then would stop the rule reading of a profile
+// about to be shown again.
+CACLModifyPage::SelectionMove CACLModifyPage::SelectionChange(const NMHDR* hdr) {
+    if (hdr->code != LVN_ITEMCHANGED) return SelectionMove::kNone;
     const auto* change = reinterpret_cast<const NMLISTVIEW*>(hdr);
-    return (change->uChanged & LVIF_STATE) != 0 && ((change->uOldState ^ change->uNewState) & LVIS_SELECTED) != 0;
+    if ((change->uChanged & LVIF_STATE) == 0 || ((change->uOldState ^ change->uNewState) & LVIS_SELECTED) == 0)
+        return SelectionMove::kNone;
+    if (change->uNewState & LVIS_SELECTED) return SelectionMove::kSelected;
+    PostMessageA(GetParent(hdr->hwndFrom), kSelectionSettledMessage, 0, reinterpret_cast<LPARAM>(hdr->hwndFrom));
+    return SelectionMove::kDeselected;
 }
 
 int CACLModifyPage::FindRow(controls::CXListCtrl& list, int column, const std::string& text,
@@ -152,8 +188,9 @@ int CACLModifyPage::FindRow(controls::CXListCtrl& list, int column, const std::s
     return -1;
 }
 
-// The details of the profile in `row` (none for -1), the rule page's rules with them.
-void CACLModifyPage::ShowProfile(int row) {
+// The details of the profile in `row` (none for -1), the rule page's rules with them; the row
+// already shown only when `bAgain`.
+void CACLModifyPage::ShowProfile(int row, bool bAgain) {
     if (row < 0) {
         if (m_strSelProfileID.empty()) return;
         m_strSelProfileID.clear();
@@ -164,7 +201,7 @@ void CACLModifyPage::ShowProfile(int row) {
         return;
     }
     const std::string id = m_profileList.GetItemText(row, 0), typeName = m_profileList.GetItemText(row, 1);
-    if (id == m_strSelProfileID && typeName == m_strSelTypeName) return;
+    if (!bAgain && id == m_strSelProfileID && typeName == m_strSelTypeName) return;
     m_strSelProfileID = id;
     m_strSelTypeName = typeName;
     ShowProfileDetails(m_details, m_aProfiles, m_strSelProfileID, m_strSelTypeName, Owner(), m_device.typeText);
@@ -228,6 +265,9 @@ void CACLModifyPage::DeleteRows(controls::CXListCtrl& list, controls::CXListCtrl
     }
     details.DeleteAllItems();
     ShowWindow(details.GetSafeHwnd(), SW_HIDE);
+    // No row stays highlighted without its details: "Delete" would then act on nothing while
+    // the user sees a row chosen. Clicking the kept row shows it again for another try.
+    ListView_SetItemState(list.GetSafeHwnd(), -1, 0, LVIS_SELECTED);
     ReportKept(kept);
     SetCursor(previous);
 }

@@ -54,14 +54,18 @@ protected:
     // "Delete" (the row `shown`, whose details are shown; -1: none, nothing is sent) or "Delete
     // All" (every row, in list order) on `list`, with the wait cursor: `send` deletes a row on
     // the switch, and a row it confirmed leaves the list after `forget` dropped its record;
-    // the details list is emptied and the line under the lists says how many rows the switch
-    // kept.
+    // the details list is emptied, no row stays selected, and the line under the lists says
+    // how many rows the switch kept.
     void DeleteRows(controls::CXListCtrl& list, controls::CXListCtrl& details, bool bAll, int shown,
                     const std::function<bool(int row)>& send, const std::function<void(int row)>& forget);
     // The line under the lists: empty when every deletion was confirmed.
     void ReportKept(int nKept);
-    // Whether a list notification says a row's selection changed.
-    static bool SelectionChanged(const NMHDR* hdr);
+    // What a list notification says of a row's selection; a row that lost it is looked at
+    // again (OnSelectionCleared) once the selection has settled.
+    enum class SelectionMove { kNone, kSelected, kDeselected };
+    static SelectionMove SelectionChange(const NMHDR* hdr);
+    // No row of `list` is selected any more: its details are emptied.
+    virtual void OnSelectionCleared(HWND list);
     // The row whose `column` holds `text` (and, unless empty, column 1 `typeName`); -1 if none.
     static int FindRow(controls::CXListCtrl& list, int column, const std::string& text,
                        const std::string& typeName = {});
@@ -78,8 +82,11 @@ protected:
     SwitchReader m_profileReader;
 
 private:
+    bool m_bInKeyPress = false;     // a key press on the profile list is being handled
+    bool m_bClickSelected = false;  // the coming click is the one that selected its row
+
     void SelectDevice(int index);
-    void ShowProfile(int row);
+    void ShowProfile(int row, bool bAgain = false);
     void StartProfileReader();
     void DeleteProfiles(bool bAll);
 };

@@ -95,7 +95,7 @@ void CACLModifyRule::ShowRuleDetails(int row) {
 // (again, after a deletion emptied the details).
 BOOL CACLModifyRule::OnListNotify(const NMHDR* hdr, LRESULT* pResult) {
     if (hdr->hwndFrom != m_ruleList.GetSafeHwnd()) return FALSE;
-    if (SelectionChanged(hdr)) ShowRuleDetails(m_ruleList.GetFirstSelectedRow());
+    if (SelectionChange(hdr) == SelectionMove::kSelected) ShowRuleDetails(m_ruleList.GetFirstSelectedRow());
     if (hdr->code == NM_CLICK) {
         const int row = reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem;
         if (row >= 0) ShowRuleDetails(row);
@@ -103,6 +103,14 @@ BOOL CACLModifyRule::OnListNotify(const NMHDR* hdr, LRESULT* pResult) {
     if (hdr->code != NM_CLICK && hdr->code != LVN_ITEMCHANGED) return FALSE;
     *pResult = 0;
     return TRUE;
+}
+
+void CACLModifyRule::OnSelectionCleared(HWND list) {
+    if (list == m_ruleList.GetSafeHwnd()) {
+        ShowRuleDetails(-1);
+    } else {
+        CACLModifyPage::OnSelectionCleared(list);
+    }
 }
 
 void CACLModifyRule::DeleteRules(bool bAll) {

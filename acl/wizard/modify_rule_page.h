@@ -22,6 +22,7 @@ protected:
     void OnDelete() override;
     void OnDeleteAll() override;
     BOOL OnListNotify(const NMHDR* hdr, LRESULT* pResult) override;
+    void OnSelectionCleared(HWND list) override;
 
 private:
     void ClearRules();

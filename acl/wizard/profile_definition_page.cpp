@@ -108,20 +108,31 @@ BOOL CProfileDefinitionPage::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
     return FALSE;
 }
 
-// Next: the pending list to the type's staging file (the packet-content form follows
-// the model's layout and the ACL kind), `m_nProfileType` (Ethernet 1, IPv4 2, IPv6 3, Packet
-// Content 5), then the confirmation page.
+// The pending list to the type's staging file (the packet-content form follows the model's
+// layout and the ACL kind). The confirmation page reads all four profile files, so the file
+// must match the list whichever way the page is left: false (after telling the user) when the
+// file refused the list, and the page stays.
+bool CProfileDefinitionPage::StagePending() {
+    const ModelEntry* model = LookupModel(m_strModel);
+    if (model == nullptr) return true;
+    auto file = StagingFileFor(*model, Owner(), AclKind::kProfiles, m_type);
+    if (!file || WriteStagingFile(file->name, m_pending, file->cellCount)) return true;
+    ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(IDS_MSG_CANNOT_STAGE));
+    return false;
+}
+
+// Next: the staged profiles, `m_nProfileType` (Ethernet 1, IPv4 2, IPv6 3, Packet Content 5),
+// then the confirmation page.
 LRESULT CProfileDefinitionPage::OnWizardNext() {
-    if (const ModelEntry* model = LookupModel(m_strModel)) {
-        if (auto file = StagingFileFor(*model, Owner(), AclKind::kProfiles, m_type)) {
-            if (!WriteStagingFile(file->name, m_pending, file->cellCount)) {
-                ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(IDS_MSG_CANNOT_STAGE));
-                return kStay;
-            }
-        }
-    }
+    if (!StagePending()) return kStay;
     State().m_nProfileType = acl::pages::ProfileTypeOfPage(Index());
     return CACLPage::OnWizardNext();
+}
+
+// Back: a profile deleted here must not stay in the file that the confirmation page reads.
+LRESULT CProfileDefinitionPage::OnWizardBack() {
+    if (!StagePending()) return kStay;
+    return CACLPage::OnWizardBack();
 }
 
 }  // namespace acl::wizard

@@ -52,6 +52,7 @@ protected:
     BOOL OnInitDialog() override;
     BOOL OnSetActive() override;
     LRESULT OnWizardNext() override;
+    LRESULT OnWizardBack() override;
     BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
     BOOL OnNotify(const NMHDR* hdr, LRESULT* pResult) override;
     void OnDestroy() override;
@@ -60,6 +61,7 @@ private:
     void OnAdd();
     void OnDelete();
     int ShowRow(const AclRecord& record);
+    bool StagePending();
 
     AclType m_type;
     Ids m_ids;

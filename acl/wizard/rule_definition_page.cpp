@@ -296,19 +296,30 @@ BOOL CRuleDefinitionPage::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
     return FALSE;
 }
 
-// Next: the pending rules of the current kind to the rule staging file (ordinary and CPU files
-// apart; packet content in the model's layout), `m_nRuleType`, then "Add rule".
+// The pending rules of the current kind to the rule staging file (ordinary and CPU files apart;
+// packet content in the model's layout). "Add rule" reads every rule file, so the file must
+// match the list whichever way the page is left: false (after telling the user) when the file
+// refused the list, and the page stays.
+bool CRuleDefinitionPage::StagePending() {
+    const ModelEntry* model = LookupModel(m_strModel);
+    if (model == nullptr) return true;
+    auto file = StagingFileFor(*model, Owner(), AclKind::kRules, m_type);
+    if (!file || WriteStagingFile(file->name, m_pending[OwnerIndex()], file->cellCount)) return true;
+    ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(IDS_MSG_CANNOT_STAGE));
+    return false;
+}
+
+// Next: the staged rules, `m_nRuleType`, then "Add rule".
 LRESULT CRuleDefinitionPage::OnWizardNext() {
-    if (const ModelEntry* model = LookupModel(m_strModel)) {
-        auto file = StagingFileFor(*model, Owner(), AclKind::kRules, m_type);
-        if (file && !WriteStagingFile(file->name, m_pending[OwnerIndex()], file->cellCount)) {
-            // Never leave with a file that differs from the pending list.
-            ui::MessageBoxOk(GetSafeHwnd(), ui::LoadResString(IDS_MSG_CANNOT_STAGE));
-            return kStay;
-        }
-    }
+    if (!StagePending()) return kStay;
     State().m_nRuleType = acl::pages::RuleTypeOfPage(Index());
     return CACLPage::OnWizardNext();
+}
+
+// Back: a rule deleted here must not stay in the file that a later "Add rule" reads.
+LRESULT CRuleDefinitionPage::OnWizardBack() {
+    if (!StagePending()) return kStay;
+    return CACLPage::OnWizardBack();
 }
 
 }  // namespace acl::wizard

@@ -49,6 +49,7 @@ protected:
     BOOL OnInitDialog() override;
     BOOL OnSetActive() override;
     LRESULT OnWizardNext() override;
+    LRESULT OnWizardBack() override;
     BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
     BOOL OnNotify(const NMHDR* hdr, LRESULT* pResult) override;
     void OnDestroy() override;
@@ -62,6 +63,7 @@ private:
     void OnAdd();
     void OnDelete();
     void LoadRow(int row);
+    bool StagePending();
     RuleFields ReadFields() const;
 
     AclType m_type;

@@ -95,17 +95,27 @@ BOOL CACLStep4::OnNotify(const NMHDR* hdr, LRESULT* pResult) {
     if (hdr->code == LVN_COLUMNCLICK) {
         SortProfileList(m_profileList, m_sort, reinterpret_cast<const NMLISTVIEW*>(hdr)->iSubItem);
     } else if (hdr->code == NM_CLICK) {
-        const int row = reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem;
-        if (row >= 0) {
-            m_strProfileID = m_profileList.GetItemText(row, 0);
-            m_strProfileTypeName = m_profileList.GetItemText(row, 1);
-            ShowProfileDetails(m_details, m_aTables, m_strProfileID, m_strProfileTypeName, Owner(), m_device.typeText);
-        }
+        ChooseRow(reinterpret_cast<const NMITEMACTIVATE*>(hdr)->iItem);
+    } else if (hdr->code == LVN_ITEMCHANGED) {
+        // The chosen profile follows the selection however it moves (arrow keys too), so Next
+        // attaches the rules to the highlighted row. A row losing the selection changes
+        // nothing: the row that takes it comes next.
+        const auto* change = reinterpret_cast<const NMLISTVIEW*>(hdr);
+        if ((change->uChanged & LVIF_STATE) && (change->uNewState & ~change->uOldState & LVIS_SELECTED))
+            ChooseRow(change->iItem);
     } else {
         return FALSE;
     }
     *pResult = 0;
     return TRUE;
+}
+
+// The profile of `row` becomes the chosen one and its details are shown.
+void CACLStep4::ChooseRow(int row) {
+    if (row < 0) return;
+    m_strProfileID = m_profileList.GetItemText(row, 0);
+    m_strProfileTypeName = m_profileList.GetItemText(row, 1);
+    ShowProfileDetails(m_details, m_aTables, m_strProfileID, m_strProfileTypeName, Owner(), m_device.typeText);
 }
 
 acl::pages::NavInput CACLStep4::MakeNavInput() const {

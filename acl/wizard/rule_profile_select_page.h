@@ -35,6 +35,7 @@ protected:
 
 private:
     void ReadDevice(int index);
+    void ChooseRow(int row);
     AclOwner Owner() const { return m_nACLKind == 1 ? AclOwner::kAcl : AclOwner::kCpu; }
 
     long m_nACLKind = 1;

@@ -1,6 +1,7 @@
 // "Modify Profile" and "Modify Rule" used like a person: the real wizard opened on the page,
 // against simulated switches seeded with profiles and rules; the lists are checked against
 // what was put on the switch, deletions against the switch's store and its SET log.
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <mutex>
@@ -260,9 +261,19 @@ void PressKey(WizardDriver& d, HWND list, WPARAM key) {
     d.Settle();
 }
 
-// The details follow the selection however it moves (arrow keys too), "Delete" deletes the
-// row whose details are shown, and the line about kept rows goes when another profile is
-// shown; on "Modify Rule" the rule list follows a profile chosen by key.
+// Counts how often a window is hidden: a details list that blinks on a selection move.
+std::atomic<int> g_hides{0};
+WNDPROC g_shownProc = nullptr;
+LRESULT CALLBACK CountHides(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam) {
+    if (msg == WM_SHOWWINDOW && !wParam) ++g_hides;
+    return CallWindowProcA(g_shownProc, hwnd, msg, wParam, lParam);
+}
+
+// The details follow the selection however it moves (arrow keys too) without blinking on the
+// way, "Delete" deletes the row whose details are shown, a refused one leaves no row
+// highlighted without details, and the line about kept rows goes when another profile is
+// shown; on "Modify Rule" the rule list follows a profile chosen by key, and a click on the
+// profile shown reads its rules again.
 TEST_F(ModifyGui, DetailsFollowTheSelectionAndDeleteActsOnTheRowShown) {
     sim::Faults refuse;
     refuse.refuseSets = {8};  // the first deletion after the seven seeding SETs
@@ -285,6 +296,7 @@ TEST_F(ModifyGui, DetailsFollowTheSelectionAndDeleteActsOnTheRowShown) {
         d.ClickButton(IDC_MODIFY_DELETE);
         EXPECT_EQ(RowStatusColumnOid(m, O, AclKind::kProfiles, AclType::kIPv4) + ".2", lastSet());
         EXPECT_NE("", d.Text(IDC_MODIFY_STATUS)) << "refused: the row stays and the line says so";
+        EXPECT_EQ(-1, d.SelectedRow(Profiles(d))) << "no row highlighted while no details are shown";
         PressKey(d, Profiles(d), VK_DOWN);
         EXPECT_EQ("3", d.CellText(details, 0, 1));
         EXPECT_EQ("", d.Text(IDC_MODIFY_STATUS)) << "the line spoke of another profile";
@@ -305,7 +317,18 @@ TEST_F(ModifyGui, DetailsFollowTheSelectionAndDeleteActsOnTheRowShown) {
         d.ClickButton(IDC_MODIFY_DELETE);
         EXPECT_EQ(RowStatusColumnOid(m, O, AclKind::kRules, AclType::kIPv4) + ".2." + shown, lastSet());
         EXPECT_EQ(2, d.RowCount(RuleList(d)));
+        ASSERT_TRUE(DeleteRow({a.address(), "public", "private", "TVR4820"},
+                              RowStatusColumnOid(m, O, AclKind::kRules, AclType::kIPv4), "2",
+                              d.CellText(RuleList(d), 0, 1)));
+        d.ClickCell(Profiles(d), 1, 0);
+        EXPECT_TRUE(Loaded(d, modifyRule, RuleList(d), 1)) << "the profile shown, clicked again, is read again";
+        HWND details = d.Control(IDC_MODIFY_DETAILS);
+        g_hides = 0;
+        g_shownProc = reinterpret_cast<WNDPROC>(
+            SetWindowLongPtrA(details, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&CountHides)));
         PressKey(d, Profiles(d), VK_UP);
+        SetWindowLongPtrA(details, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(g_shownProc));
+        EXPECT_EQ(0, g_hides.load()) << "the details move to the new profile without being hidden";
         ASSERT_TRUE(Loaded(d, modifyRule, RuleList(d), 1)) << "the rule list follows the profile chosen by key";
         EXPECT_EQ("1/5/ACL", *Rows(d, RuleList(d)).begin());
         d.Screenshot("modify_rule_selection_by_key");

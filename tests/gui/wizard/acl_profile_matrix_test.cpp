@@ -130,7 +130,13 @@ TEST_P(ProfileMatrixGui, EveryOfferedProfileTypeIsCreatedThroughThePagesAndReadB
             for (int r = 0; r < d.RowCount(list); ++r)
                 if (d.CellText(list, r, 0) == std::to_string(i + 1) && d.CellText(list, r, 1) == TypeWord(type)) row = r;
             ASSERT_GE(row, 0) << TypeWord(type);
-            d.ClickCell(list, row, 0);
+            // Chosen by the arrow keys from the first row: Next follows the highlight.
+            d.ClickCell(list, 0, 0);
+            for (int r = 0; r < row; ++r) {
+                PostMessageA(list, WM_KEYDOWN, VK_DOWN, 0);
+                PostMessageA(list, WM_KEYUP, VK_DOWN, 0);
+                d.Settle();
+            }
             sentrel_gui::NextWhenRead(d);
             ASSERT_EQ(PagesOf(type).rulePage, d.ActiveIndex()) << TypeWord(type);
             sentrel_gui::FillRuleAndAdd(d, type, model, owner);

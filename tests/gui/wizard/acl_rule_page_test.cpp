@@ -175,7 +175,8 @@ TEST_F(RulePageGui, AddRulesPortTypingAndTheReplacementsExcludingEachOther) {
 // refused at Add with the input kept, so a rule deleted earlier is not what "Add rule" sends;
 // a rule already pending is skipped without a word before the empty-field messages; a
 // pending rule loaded back sets "ALL Ports" and "No Limit" by its own values, so the next Add
-// reads what is shown; "Add rule" names packet content as the staged lists do.
+// reads what is shown; "Add rule" names packet content as the staged lists do; a rule deleted
+// before Back is not sent either.
 TEST_F(RulePageGui, StagedRulesAreThePendingListAndLoadedRulesSetTheirBoxes) {
     RulePage({{"127.0.0.1:1", "TVG5240-10"}}, 1, E, [&](WizardDriver& d) {
         HWND list = d.Control(IDC_RULE_LIST);
@@ -253,6 +254,18 @@ TEST_F(RulePageGui, StagedRulesAreThePendingListAndLoadedRulesSetTheirBoxes) {
         ASSERT_NO_FATAL_FAILURE(AddOneAndGoOn(d, "9"));
         EXPECT_EQ("Packet content", d.CellText(d.Control(IDC_RAPPLY_RULE_LIST), 0, 2));
         EXPECT_TRUE(d.TakeTexts().empty());
+
+        // Deleted, then left backwards to choose another profile: the rule is not sent.
+        d.Back();
+        ASSERT_EQ(PC, d.ActiveIndex());
+        d.ClickCell(d.Control(IDC_RULE_LIST), 0, 0);
+        d.ClickButton(IDC_RULE_DELETE);
+        d.Back();
+        ASSERT_EQ(acl::pages::kPageSelectProfile, d.ActiveIndex());
+        m_wizard->SetActivePage(V4);
+        d.Settle();
+        ASSERT_NO_FATAL_FAILURE(AddOneAndGoOn(d, "3"));
+        EXPECT_EQ("3", d.CellText(d.Control(IDC_RAPPLY_RULE_LIST), 0, 1)) << "only the rule added last";
     });
 }
 

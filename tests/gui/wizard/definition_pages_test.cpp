@@ -107,6 +107,13 @@ TEST_F(DefinitionPagesGui, EthernetPageMacRuleRowsAndStagingFile) {
         const AclRecordList staged = ReadStagingFile(kStagingEthernet, 10, 80);
         ASSERT_EQ(1u, staged.size());
         EXPECT_EQ("FFFFFF000000", staged[0][4]);
+        // Deleted and left backwards: the Confirmation Page will not find it staged.
+        d.Back();
+        d.ClickCell(list, 0, 0);
+        d.ClickButton(IDC_ETH_DELETE);
+        d.Back();
+        ASSERT_EQ(acl::pages::kPageAddProfile, d.ActiveIndex());
+        EXPECT_TRUE(ReadStagingFile(kStagingEthernet, 10, 80).empty());
     });
 }
 

@@ -1,6 +1,6 @@
-// The facts of each switch model, written once here from the models' published tables and
-// checked through what the system does with them: the rule checks refuse port N+1 and take N,
-// take the Access ID and Rx Rate limits and refuse one past them, the dialogs offer the
+// Each model's facts, written out by hand and checked through what the system does with them:
+// the rule checks refuse port N+1 and take N ("ALL Ports" too), take the Access ID and Rx Rate
+// limits and refuse one past them, the dialogs label them and offer the
 // model's types, an apply ends with the model's closing request on the wire, and the action
 // words become their codes (a Mirror rule's 3 on the wire: pinned_test.cpp).
 #include <gtest/gtest.h>
@@ -23,6 +23,7 @@ struct ModelFacts {
   Range aclAccess[4], cpuAccess[4];  // by rule type: Ethernet, IPv4, IPv6, Packet Content
   Range rx;
   bool rxZero;                       // 0 accepted besides the range
+  const char *rxLabel, *rxPacketLabel;  // Ethernet, IPv4 and IPv6 dialogs; Packet Content dialog
   // Offered types, a letter per type (E, 4, 6, P): ordinary rules and profiles, CPU profiles
   // and rules.
   const char *aclRules, *aclProfiles, *cpuProfiles, *cpuRules;
@@ -35,19 +36,19 @@ const std::string kClose18 = "1.3.6.1.4.1.32473.12.1.2.18.4.0";
 
 const ModelFacts kFacts[] = {
     {"TVG5240-10", 10, {{1, 200}, {1, 200}, {1, 200}, {1, 200}}, {{1, 200}, {1, 200}, {1, 200}, {1, 200}},
-     {1, 156249}, false, "E46P", "E46P", "E46P", "E46P", kClose6.c_str(), {5, 5, 5, 5}},
+     {1, 156249}, false, "Rx Rate(1-156249)", "Rx Rate (1-156249)", "E46P", "E46P", "E46P", "E46P", kClose6.c_str(), {5, 5, 5, 5}},
     {"TVG5470", 24, {{1, 128}, {1, 128}, {1, 128}, kNone}, {{1, 100}, {1, 100}, {1, 100}, {1, 200}},
-     {1, 156249}, false, "E46", "E46", "E4P", "E4P", kClose6.c_str(), {5, 5, 5, 5}},
+     {1, 156249}, false, "Rx Rate(1-156249)", "Rx Rate (1-156249)", "E46", "E46", "E4P", "E4P", kClose6.c_str(), {5, 5, 5, 5}},
     {"TVG5690", 50, {{1, 128}, {1, 128}, {1, 128}, {1, 128}}, {{1, 100}, {1, 128}, {1, 100}, {1, 100}},
-     {1, 156249}, false, "E46P", "E46P", "E46P", "E46P", kClose18.c_str(), {3, 4, 3, 3}},
+     {1, 156249}, false, "Rx Rate(1-156249)", "Rx Rate (1-156249)", "E46P", "E46P", "E46P", "E46P", kClose18.c_str(), {3, 4, 3, 3}},
     {"TVR4060", 26, {{1, 65535}, {1, 65535}, {1, 65535}, {1, 65535}}, {{1, 65535}, {1, 5}, {1, 65535}, {1, 5}},
-     {64, 1024000}, true, "E4P", "E4P", "E4P", "E4P", kClose6.c_str(), {5, 5, 5, 5}},
+     {64, 1024000}, true, "Rx Rate(0 or 64-1024000)", "", "E4P", "E4P", "E4P", "E4P", kClose6.c_str(), {5, 5, 5, 5}},
     {"TVR4510", 26, {{1, 65535}, {1, 65535}, {0, 65535}, {1, 65535}}, {{1, 65535}, {1, 65535}, {0, 65535}, {1, 65535}},
-     kNone, false, "E4P", "E4P", "E4P", "E4P", kClose6.c_str(), {3, 3, 3, 3}},
+     kNone, false, "", "", "E4P", "E4P", "E4P", "E4P", kClose6.c_str(), {3, 3, 3, 3}},
     {"TVR4820", 28, {{1, 65535}, {1, 65535}, {1, 65535}, {1, 65535}}, {{1, 65535}, {1, 65535}, {1, 65535}, {1, 65535}},
-     kNone, false, "E46P", "E46P", "E4P", "E4P", kClose6.c_str(), {5, 5, 5, 5}},
+     kNone, false, "", "", "E46P", "E46P", "E4P", "E4P", kClose6.c_str(), {5, 5, 5, 5}},
     {"TVR4512", 28, {{1, 128}, {1, 128}, {1, 128}, {1, 128}}, {{1, 100}, {1, 100}, {1, 100}, {1, 100}},
-     {1, 15624}, false, "E46P", "E46P", "E46P", "E46P", kClose6.c_str(), {5, 5, 5, 5}},
+     {1, 15624}, false, "Rx Rate(1-15624)", "Rx Rate (1-15624)", "E46P", "E46P", "E46P", "E46P", kClose6.c_str(), {5, 5, 5, 5}},
 };
 
 constexpr AclType kTypes[] = {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6, AclType::kPacketContent};
@@ -82,7 +83,12 @@ TEST(ModelFacts, LimitsAndTypesAsTheRuleChecksApplyThem) {
     EXPECT_EQ(Check(m, AclOwner::kAcl, AclType::kEthernet, first.c_str(), std::to_string(f.ports).c_str()), "ok");
     EXPECT_EQ(Check(m, AclOwner::kAcl, AclType::kEthernet, first.c_str(), std::to_string(f.ports + 1).c_str()),
               "Port  is error!");
-    EXPECT_EQ("1-" + std::to_string(f.ports), acl::AllPortsText(m)) << "\"ALL Ports\"";
+    const std::string allPorts = "1-" + std::to_string(f.ports);
+    EXPECT_EQ(allPorts, acl::AllPortsText(m)) << "\"ALL Ports\"";
+    EXPECT_EQ(Check(m, AclOwner::kAcl, AclType::kEthernet, first.c_str(), allPorts.c_str()), "ok") << "\"ALL Ports\"";
+    for (AclType t : {AclType::kEthernet, AclType::kIPv4, AclType::kIPv6})
+      EXPECT_EQ(acl::RxRateLabel(m, t), f.rxLabel) << TypeWord(t);
+    EXPECT_EQ(acl::RxRateLabel(m, AclType::kPacketContent), f.rxPacketLabel);
     for (AclOwner owner : {AclOwner::kAcl, AclOwner::kCpu}) {
       const Range* access = owner == AclOwner::kAcl ? f.aclAccess : f.cpuAccess;
       for (AclType t : kTypes) {

@@ -428,3 +428,23 @@ TEST(SnmpWalk, SaysWhetherItReachedTheTableEnd) {
   EXPECT_EQ(r.end, SnmpWalkEnd::kStopped);
   EXPECT_EQ(agent.Requests().size(), 1u);
 }
+
+// A switch whose SNMP port is closed answers with a port-unreachable; inside a scope that is
+// no answer, given its full time-out like a silent switch, and the socket still hears the
+// next switch's answers.
+TEST(SnmpSocketScope, APortUnreachableIsNoAnswerAndSpoilsNoLaterRequest) {
+  FakeAgent live(TestAddress(24), [](FakeAgent& a, const Message& req, const Endpoint& from) {
+    a.Reply(req, from, req.pdu.varbinds);
+  });
+  ASSERT_TRUE(live.bound());
+  const auto set = [](int host) {
+    return SnmpVerdict(SnmpSet(TestAddress(host), "private", {SnmpBinding::Integer("1.3.6.1.9.0", 1)}, 300));
+  };
+  const SnmpSocketScope scope;
+  for (int round = 0; round < 2; ++round) {
+    const auto t0 = Clock::now();
+    EXPECT_STREQ(set(23), "fail") << "nothing listens there";
+    EXPECT_GE(MsSince(t0), 280) << "the whole time-out";
+    EXPECT_STREQ(set(24), "Succeed");
+  }
+}

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "Sentrel.h"
+#include "acl/acl_record.h"
 #include "orblane.h"
 #include "res/resource.h"
 #include "tests/win/shell/shell_test_env.h"
@@ -205,6 +206,19 @@ TEST_F(ComObjects, GettersStoreTheStringIdsAndAnswerNotImplemented) {
         EXPECT_EQ(E_NOTIMPL, plugIn->Reserved1(1, 2));
         EXPECT_EQ(E_NOTIMPL, plugIn->Reserved2(1, 2, 3));
         plugIn->Release();
+    }
+}
+
+// The rule pages offer the module's own action words and send the code each one maps to: a
+// word that drifted from the codes' table would become "Deny" without a word.
+TEST_F(ComObjects, RuleActionWordsMapToTheirCodes) {
+    const struct { const char* word; const char* acl; const char* cpu; } actions[] = {
+        {"Permit", "2", "2"}, {"Mirror", "3", "1"}, {"Deny", "1", "1"}};
+    for (int i = 0; i < 3; ++i) {
+        const std::string word = LoadText(dll.Handle(), IDS_RULE_ACTION_FIRST + i);
+        EXPECT_EQ(actions[i].word, word);
+        EXPECT_EQ(actions[i].acl, ActionCode(word, AclOwner::kAcl)) << word;
+        EXPECT_EQ(actions[i].cpu, ActionCode(word, AclOwner::kCpu)) << word;
     }
 }
 
