@@ -47,11 +47,16 @@ std::string RecordName(const PlanItem& i) {
   const AclRecord& r = i.change == Change::kDelete ? i.actual : i.wanted;
   std::string s = std::string(OwnerKey(i.owner)) + (i.kind == AclKind::kProfiles ? " profile " : " rule ") + r[0];
   if (i.kind == AclKind::kRules) s += "/" + r[1];
+  if (i.change == Change::kReplace && i.heldType != i.type)
+    return s + " (" + TypeName(i.heldType) + " -> " + TypeName(i.type) + ")";
   return s + " (" + TypeName(i.type) + ")";
 }
 
-Json ItemJson(const SwitchEntry& sw, const PlanItem& i, const AclRecord& r) {
-  Json j = i.kind == AclKind::kProfiles ? ProfileJson(sw, i.owner, i.type, r) : RuleJson(sw, i.owner, i.type, r, i.protocol);
+// The record on the switch (`held`) or the one the file asks for, without its keys.
+Json ItemJson(const SwitchEntry& sw, const PlanItem& i, bool held) {
+  const AclRecord& r = held ? i.actual : i.wanted;
+  const AclType type = held ? i.heldType : i.type;
+  Json j = i.kind == AclKind::kProfiles ? ProfileJson(sw, i.owner, type, r) : RuleJson(sw, i.owner, type, r, i.protocol);
   j.erase("id");
   j.erase("access_id");
   j.erase("type");
@@ -60,7 +65,7 @@ Json ItemJson(const SwitchEntry& sw, const PlanItem& i, const AclRecord& r) {
 
 // The fields that differ, as "name: switch -> file".
 std::string FieldChanges(const SwitchEntry& sw, const PlanItem& i) {
-  const Json have = ItemJson(sw, i, i.actual), want = ItemJson(sw, i, i.wanted);
+  const Json have = ItemJson(sw, i, true), want = ItemJson(sw, i, false);
   std::string s;
   auto text = [](const Json& v) { return v.is_null() ? std::string("(none)") : v.is_string() ? v.get<std::string>() : v.dump(); };
   for (const auto& item : want.items()) {
@@ -161,9 +166,11 @@ std::string PlanText(const SwitchPlan& p, bool verbose) {
         << " owed: an earlier apply stopped after its records landed; apply sends it\n";
   for (const PlanItem& i : p.items) {
     out << "  " << std::left << std::setw(3) << Mark(i.change) << " " << RecordName(i);
-    if (i.change == Change::kCreate) out << ": " << FieldsSummary(ItemJson(sw, i, i.wanted));
-    if (i.change == Change::kReplace || i.change == Change::kKept) out << ": " << FieldChanges(sw, i);
-    if (i.change == Change::kKept) out << " (kept: --state replaced would replace it)";
+    if (i.change == Change::kCreate) out << ": " << FieldsSummary(ItemJson(sw, i, false));
+    // A kept record the switch does not hold at all says why in its note.
+    const bool held = !i.actual.empty();
+    if (i.change == Change::kReplace || (i.change == Change::kKept && held)) out << ": " << FieldChanges(sw, i);
+    if (i.change == Change::kKept && held) out << " (kept: --state replaced would replace it)";
     if (!i.note.empty()) out << "; " << i.note;
     out << "\n";
     if (verbose) PrintSets(out, sw, i);
@@ -282,8 +289,7 @@ std::string RecapText(const SwitchPlan& p, size_t width, RecapCounts& counts) {
   for (const PlanItem& i : p.items)
     if (!i.failure.empty()) {
       out << "    " << Mark(i.change) << " " << RecordName(i) << ": " << i.failure << "\n";
-      const AclRecord& r = i.change == Change::kDelete ? i.actual : i.wanted;
-      out << "      record: " << FieldsSummary(ItemJson(*p.sw, i, r)) << "\n";
+      out << "      record: " << FieldsSummary(ItemJson(*p.sw, i, i.change == Change::kDelete)) << "\n";
     }
   ++counts.switches;
   counts.badSwitches += bad;

@@ -90,7 +90,7 @@ bool SwitchPlan::failed() const {
 std::vector<SnmpBinding> ItemBindings(const SwitchEntry& sw, const PlanItem& i) {
   std::vector<SnmpBinding> out;
   if (i.change == Change::kDelete || i.change == Change::kReplace)
-    out.push_back(SnmpBinding::Integer(InstanceOid(RowStatusColumnOid(*sw.model, i.owner, i.kind, i.type), i.actual[0],
+    out.push_back(SnmpBinding::Integer(InstanceOid(RowStatusColumnOid(*sw.model, i.owner, i.kind, i.heldType), i.actual[0],
                                                    i.kind == AclKind::kRules ? i.actual[1] : ""),
                                        kRowStatusDestroy));
   if (i.change == Change::kCreate || i.change == Change::kReplace)
@@ -166,6 +166,7 @@ void PlanSwitch(const DesiredSwitch& desired, StateMode mode, SwitchPlan& plan) 
       i.owner = owner;
       i.kind = kind;
       i.type = type;
+      i.heldType = type;
       return i;
     };
     auto diff = [&](AclKind kind, AclType type, const AclRecord& want, const AclRecord& have) {
@@ -182,6 +183,7 @@ void PlanSwitch(const DesiredSwitch& desired, StateMode mode, SwitchPlan& plan) 
       bool profileRecreated = false;
       if (found != profiles.end()) {
         pi.actual = *found->second.record;
+        pi.heldType = found->second.type;
         pi.differing = found->second.type != p.type ? std::vector<size_t>{0}
                                                     : diff(AclKind::kProfiles, p.type, p.record, pi.actual);
         if (pi.differing.empty()) {
@@ -217,11 +219,19 @@ void PlanSwitch(const DesiredSwitch& desired, StateMode mode, SwitchPlan& plan) 
         auto f = rules.find(key);
         if (f != rules.end() && !profileRecreated) {
           ri.actual = *f->second.record;
+          ri.heldType = f->second.type;
           ri.differing = f->second.type != p.type ? std::vector<size_t>{0}
                                                   : diff(AclKind::kRules, p.type, r.record, ri.actual);
           ri.change = ri.differing.empty()           ? Change::kUnchanged
                       : mode == StateMode::kMerged ? Change::kKept
                                                    : Change::kReplace;
+        }
+        // Sent into the file's type, the rule would land in a table whose profile the switch
+        // does not hold: a rule no profile shows, left behind for good.
+        if (ri.change == Change::kCreate && pi.change == Change::kKept && pi.heldType != p.type) {
+          ri.change = Change::kKept;
+          ri.note = "not sent: profile " + id + " on the switch is " + TypeName(pi.heldType) + ", the file says " +
+                    TypeName(p.type) + "; --state replaced replaces it";
         }
         plan.items.push_back(ri);
       }
@@ -259,6 +269,7 @@ void PlanDeletion(const std::vector<DeleteTarget>& targets, SwitchPlan& plan) {
       d.owner = t.owner;
       d.kind = kind;
       d.type = h.type;
+      d.heldType = h.type;
       d.actual = *h.record;
       auto p = profiles.find(h.record->at(0));
       d.protocol = p != profiles.end() ? ProtocolOfProfile(p->second.type, *p->second.record) : "1";
@@ -410,7 +421,7 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
   for (AclKind kind : {AclKind::kRules, AclKind::kProfiles})
     for (PlanItem& i : plan.items) {
       if (i.kind != kind || (i.change != Change::kDelete && i.change != Change::kReplace) || stopped()) continue;
-      const std::string column = RowStatusColumnOid(*sw.model, i.owner, i.kind, i.type);
+      const std::string column = RowStatusColumnOid(*sw.model, i.owner, i.kind, i.heldType);
       const bool ok = DeleteRow(sw.target, column, i.actual[0], kind == AclKind::kRules ? i.actual[1] : "",
                                 options.timeoutMs);
       tick();

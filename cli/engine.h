@@ -24,7 +24,8 @@ struct PlanItem {
   Change change = Change::kCreate;
   AclOwner owner = AclOwner::kAcl;
   AclKind kind = AclKind::kProfiles;
-  AclType type = AclType::kEthernet;
+  AclType type = AclType::kEthernet;      // of `wanted`
+  AclType heldType = AclType::kEthernet;  // of `actual`: a replace may move the row to another type's table
   AclRecord wanted;       // create, replace, unchanged, kept
   AclRecord actual;       // delete, replace, unchanged, kept
   std::string protocol;   // IPv4: the protocol of the rule's profile, for naming its fields

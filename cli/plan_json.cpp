@@ -16,9 +16,11 @@ const char* ActionWord(Change c) {
 }
 
 // A profile (without its rules) or a rule as the desired-state file writes it.
-Json RecordJson(const SwitchEntry& sw, const PlanItem& i, const AclRecord& r) {
+Json RecordJson(const SwitchEntry& sw, const PlanItem& i, bool held) {
+  const AclRecord& r = held ? i.actual : i.wanted;
+  const AclType type = held ? i.heldType : i.type;
   if (r.empty()) return nullptr;
-  return i.kind == AclKind::kProfiles ? ProfileJson(sw, i.owner, i.type, r) : RuleJson(sw, i.owner, i.type, r, i.protocol);
+  return i.kind == AclKind::kProfiles ? ProfileJson(sw, i.owner, type, r) : RuleJson(sw, i.owner, type, r, i.protocol);
 }
 
 const char* ItemResult(bool applied, const PlanItem& i) {
@@ -46,8 +48,8 @@ Json ChangeJson(bool applied, const SwitchPlan& p, const PlanItem& i) {
          {"type", TypeName(i.type)},
          {"profile_id", std::stoull(key[0])}};
   if (i.kind == AclKind::kRules) c["access_id"] = std::stoull(key[1]);
-  c["before"] = RecordJson(sw, i, i.actual);
-  c["after"] = i.change == Change::kDelete ? Json(nullptr) : RecordJson(sw, i, i.wanted);
+  c["before"] = RecordJson(sw, i, true);
+  c["after"] = i.change == Change::kDelete ? Json(nullptr) : RecordJson(sw, i, false);
   Json sets = Json::array();
   if (i.change != Change::kUnchanged && i.change != Change::kKept)
     for (const SnmpBinding& b : ItemBindings(sw, i))

@@ -475,6 +475,20 @@ TEST_F(CliTest, ReplacesVerifyAtTheEndRulesOfAFailedProfileWaitAndSummariesSayWh
     EXPECT_EQ(plan.out.find(c.unsaid), std::string::npos) << plan.out;
   }
 
+  // A replace that changes the profile's type deletes the row from the table it is in.
+  const std::string retyped = Write("retyped.json", R"({"groups": {"all": {"acl": [{"id": 3, "type": "ethernet", "vlan": true}]}}})");
+  Result moved = Run({"apply", "--yes", "--state", "replaced", "--limit", "sw1", retyped});
+  EXPECT_EQ(moved.status, kExitOk) << moved.out;
+  EXPECT_NE(moved.out.find("created=1 deleted=2 unchanged=0 failed=0 verified=2/2"), std::string::npos) << moved.out;
+  EXPECT_EQ(Run({"plan", "--detailed-exitcode", "--limit", "sw1", retyped}).status, kExitOk);
+  // merged leaves the ethernet profile alone, so its ipv4 rule has no table to go to.
+  const size_t setsBefore = agents_[0]->sets().size();
+  EXPECT_EQ(Run({"apply", "--limit", "sw1", state("255.255.255.0")}).status, kExitOk);
+  EXPECT_EQ(agents_[0]->sets().size(), setsBefore);
+  Result orphan = Run({"plan", "--limit", "sw1", state("255.255.255.0")});
+  EXPECT_NE(orphan.out.find("not sent: profile 3 on the switch is ethernet, the file says ipv4; --state replaced replaces it"),
+            std::string::npos) << orphan.out;
+
   // Two entries for one switch would be two applies on it at once.
   Json inv = Json::parse(Read("inventory.json"));
   inv["switches"]["twin"] = inv["switches"]["sw1"];
