@@ -271,7 +271,7 @@ std::string RecapText(const SwitchPlan& p, size_t width, RecapCounts& counts) {
     ++n;
     if (i.done && i.change != Change::kDelete) ++c;
     if (i.done && i.change == Change::kDelete) ++d;
-    if (i.change == Change::kReplace && i.done) ++d;
+    if (i.change == Change::kReplace && i.heldDeleted) ++d;
     if (i.skipped) ++k;
     else if (!i.failure.empty() || !i.done) ++f;
     if (i.verified) ++v;
@@ -451,7 +451,7 @@ struct Session {
           size_t sent = 0, changes = 0;
           for (const PlanItem& item : p.items) {
             changes += item.change != Change::kUnchanged && item.change != Change::kKept;
-            sent += item.done || (!item.skipped && !item.failure.empty());
+            sent += item.done || item.heldDeleted || (!item.skipped && !item.failure.empty());
           }
           audit.WriteSwitchOutcome(p.sw->target, "interrupted",
                                    p.before.reached ? std::to_string(sent) + " of " + std::to_string(changes) +

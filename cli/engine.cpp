@@ -312,6 +312,12 @@ bool Sends(Change c) { return c == Change::kCreate || c == Change::kDelete || c 
 bool Creates(Change c) { return c == Change::kCreate || c == Change::kReplace; }
 bool Ok(const SetOutcome& o) { return o.result.responded && o.result.errorStatus == 0; }
 
+// Why a record was not created; a replace whose old row already went says so, for the switch
+// now holds neither.
+std::string NotCreated(const PlanItem& i, const std::string& why) {
+  return (i.heldDeleted ? "deleted, not created again: " : "not sent: ") + why;
+}
+
 // A rule sent after its profile failed would sit on the switch without one: show hides it, and
 // the next plan would count it as unchanged.
 void SkipRulesOfFailedProfiles(SwitchPlan& plan, AclOwner owner) {
@@ -322,7 +328,7 @@ void SkipRulesOfFailedProfiles(SwitchPlan& plan, AclOwner owner) {
     if (i.owner == owner && i.kind == AclKind::kRules && Creates(i.change) && i.failure.empty() &&
         failed.count(i.wanted[0])) {
       i.skipped = true;
-      i.failure = "not sent: profile " + i.wanted[0] + " failed";
+      i.failure = NotCreated(i, "profile " + i.wanted[0] + " failed");
     }
 }
 
@@ -426,6 +432,7 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
                                 options.timeoutMs);
       tick();
       if (i.change == Change::kDelete) i.done = ok;
+      else i.heldDeleted = ok;
       if (!ok && !outcomes.empty()) i.failure = "delete: " + Describe(outcomes.back());
     }
   // Then, per ACL kind, the profiles and the rules through the wizard's apply: one SET per
@@ -444,7 +451,12 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
       PlanItem& i = *owners[static_cast<size_t>(type)][r];
       i.done = ok;
       i.lost = !ok && !outcomes.empty() && !outcomes.back().result.responded;
-      if (!ok) i.failure = outcomes.empty() ? "create: not sent" : "create: " + Describe(outcomes.back());
+      if (!ok) {
+        const std::string why = outcomes.empty()                   ? std::string("not sent")
+                                : outcomes.back().result.responded ? "refused: " + Describe(outcomes.back())
+                                                                   : Describe(outcomes.back());
+        i.failure = (i.heldDeleted ? "deleted, not created again: create " : "create: ") + why;
+      }
       tick();
     };
     const size_t before = outcomes.size();
@@ -487,7 +499,7 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
   for (PlanItem& i : plan.items)
     if (Sends(i.change) && !i.done && i.failure.empty()) {
       i.skipped = true;
-      i.failure = "not sent: interrupted";
+      i.failure = NotCreated(i, "interrupted");
       plan.interrupted = true;
     }
   if (total > 0) {

@@ -36,6 +36,7 @@ struct PlanItem {
   bool verified = false;
   bool skipped = false;   // not sent: what it depends on failed, or the run was interrupted
   bool lost = false;      // sent, but its answer never came (it may have landed)
+  bool heldDeleted = false;  // replace: the row on the switch is gone, whether or not the new one landed
   std::string failure;    // the switch's answer when it refused, or why it was skipped
 };
 

@@ -26,6 +26,8 @@ Json RecordJson(const SwitchEntry& sw, const PlanItem& i, bool held) {
 const char* ItemResult(bool applied, const PlanItem& i) {
   if (!applied) return "planned";
   if (i.change == Change::kUnchanged || i.change == Change::kKept) return "done";
+  // The old row is gone but the new one is not there: the switch holds neither.
+  if (i.heldDeleted && !i.done) return "deleted_only";
   if (i.skipped) return "skipped";
   return i.failure.empty() && i.done ? "done" : "failed";
 }

@@ -438,7 +438,11 @@ TEST_F(CliTest, ReplacesVerifyAtTheEndRulesOfAFailedProfileWaitAndSummariesSayWh
   refuseProfile.refuseSets = {1};
   refuseProfile.refuseStatus = snmp::kBadValue;
   silent.silent = true;
-  Fleet({{"sw1", "TVR4820", {}}, {"sw2", "TVR4820", refuseProfile}, {"sw3", "TVR4820", silent}});
+  sim::Faults refuseReplacement;  // after the first apply's four SETs and a replace's two deletes
+  refuseReplacement.refuseSets = {7};
+  refuseReplacement.refuseStatus = snmp::kBadValue;
+  Fleet({{"sw1", "TVR4820", {}}, {"sw2", "TVR4820", refuseProfile}, {"sw3", "TVR4820", silent},
+         {"sw4", "TVR4820", refuseReplacement}});
   auto state = [&](const char* mask, const char* action = "deny") {
     Json acl = Json::parse(R"([{"id": 3, "type": "ipv4", "rules": [{"access_id": 9, "ports": "2", "dst_ip": "10.0.0.0"}]}])");
     acl[0]["dst_ip_mask"] = mask;
@@ -458,6 +462,19 @@ TEST_F(CliTest, ReplacesVerifyAtTheEndRulesOfAFailedProfileWaitAndSummariesSayWh
   Result replaced = Run({"apply", "--yes", "--state", "replaced", "--limit", "sw1", state("255.255.0.0")});
   EXPECT_EQ(replaced.status, kExitOk) << replaced.out;
   EXPECT_NE(replaced.out.find("created=2 deleted=2 unchanged=0 failed=0 verified=3/3"), std::string::npos) << replaced.out;
+
+  // The switch refuses the new profile after the old one and its rule were deleted: it holds
+  // neither, and the document says so rather than "not sent".
+  Result half = Run({"apply", "--json", "--yes", "--state", "replaced", "--limit", "sw4", state("255.255.0.0")});
+  EXPECT_EQ(half.status, kExitFailed);
+  const Json halfDoc = Json::parse(half.out);
+  const Json& profile = halfDoc["switches"][0]["changes"][1];
+  ASSERT_EQ(profile["action"], "replace") << halfDoc;
+  EXPECT_EQ(profile["result"], "deleted_only");
+  EXPECT_EQ(profile["error"].get<std::string>().rfind("deleted, not created again: create refused: error badValue", 0), 0u) << profile;
+#ifdef SENTREL_SOURCE_DIR
+  ExpectSchemaValid("plan-result.schema.json", {Write("half.json", half.out)});
+#endif
 
   // What the summary line says: kept records, silent switches, a deletion that names nothing.
   struct Case {

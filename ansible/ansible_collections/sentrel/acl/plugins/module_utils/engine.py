@@ -102,9 +102,12 @@ def commands_of(switch, only_done=False):
     for change in switch.get("changes") or []:
         if change.get("action") not in WRITING_ACTIONS:
             continue
-        if only_done and change.get("result") not in ("done", "failed"):
+        sets = change.get("sets") or []
+        if only_done and change.get("result") == "deleted_only":
+            sets = sets[:1]  # the old record's delete went out, its new one did not
+        elif only_done and change.get("result") not in ("done", "failed"):
             continue
-        out.extend(command_text(s) for s in change.get("sets") or [])
+        out.extend(command_text(s) for s in sets)
     if out:
         out.extend(command_text(s) for s in switch.get("closing_sets") or [])
     return out
@@ -115,7 +118,7 @@ def is_changed(switch, applied):
     for change in switch.get("changes") or []:
         if change.get("action") not in WRITING_ACTIONS:
             continue
-        if not applied or change.get("result") in ("done", "failed"):
+        if not applied or change.get("result") in ("done", "failed", "deleted_only"):
             return True
     return False
 
@@ -124,7 +127,7 @@ def failures_of(switch):
     """The records the switch refused, each with the switch's answer."""
     out = []
     for change in switch.get("changes") or []:
-        if change.get("result") != "failed":
+        if change.get("result") not in ("failed", "deleted_only"):
             continue
         item = dict((k, change.get(k)) for k in ("action", "owner", "kind", "profile_id", "access_id")
                     if change.get(k) is not None)

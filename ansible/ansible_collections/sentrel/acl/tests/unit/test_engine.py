@@ -85,10 +85,14 @@ def test_refused_switch_fails_with_its_answer_the_record_and_only_what_was_sent(
         change("create", "done", [set_(".1.1", "4")]),
         change("create", "failed", [set_(".1.2", "4")], error="badValue", access_id=2, after=RULE_2),
         change("create", "skipped", [set_(".1.3", "4")], error="not sent: profile 10 failed"),
+        # the old rule's delete went out, its new one did not
+        change("replace", "deleted_only", [set_(".1.4", "6"), set_(".1.5", "4")], access_id=3,
+               error="deleted, not created again: interrupted"),
     ])
     result, error = engine.switch_result(sw, applied=True)
-    assert error == "sw1 failed: acl rule 10/2: badValue"
+    assert error == "sw1 failed: acl rule 10/2: badValue; acl rule 10/3: deleted, not created again: interrupted"
     assert result["changed"] is True  # the first rule was written before the refusal
-    assert result["commands"] == [".1.1 INTEGER 4", ".1.2 INTEGER 4"]
-    assert result["failures"] == [{"action": "create", "owner": "acl", "kind": "rule", "profile_id": 10,
-                                   "access_id": 2, "record": RULE_2, "error": "badValue"}]
+    assert result["commands"] == [".1.1 INTEGER 4", ".1.2 INTEGER 4", ".1.4 INTEGER 6"]
+    assert [f["access_id"] for f in result["failures"]] == [2, 3]
+    assert result["failures"][0] == {"action": "create", "owner": "acl", "kind": "rule", "profile_id": 10,
+                                     "access_id": 2, "record": RULE_2, "error": "badValue"}
