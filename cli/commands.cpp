@@ -163,7 +163,7 @@ std::string PlanText(const SwitchPlan& p, bool verbose) {
   out << (p.items.empty() && p.owedClosings.empty() ? ": nothing named for this switch\n" : "\n");
   for (const OwedClosing& o : p.owedClosings)
     out << "  !   closing request of the " << OwedClosingName(o)
-        << " owed: an earlier apply stopped after its records landed; apply sends it\n";
+        << " owed: an earlier apply was stopped, or lost an answer, after its records landed; apply sends it\n";
   for (const PlanItem& i : p.items) {
     out << "  " << std::left << std::setw(3) << Mark(i.change) << " " << RecordName(i);
     if (i.change == Change::kCreate) out << ": " << FieldsSummary(ItemJson(sw, i, false));

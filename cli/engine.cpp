@@ -451,12 +451,12 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
       PlanItem& i = *owners[static_cast<size_t>(type)][r];
       i.done = ok;
       i.lost = !ok && !outcomes.empty() && !outcomes.back().result.responded;
-      if (!ok) {
-        const std::string why = outcomes.empty()                   ? std::string("not sent")
-                                : outcomes.back().result.responded ? "refused: " + Describe(outcomes.back())
-                                                                   : Describe(outcomes.back());
-        i.failure = (i.heldDeleted ? "deleted, not created again: create " : "create: ") + why;
-      }
+      if (!ok && i.heldDeleted)
+        i.failure = "deleted, not created again: create " +
+                    (outcomes.empty() || !outcomes.back().result.responded ? std::string("not answered")
+                                                                           : "refused: " + Describe(outcomes.back()));
+      else if (!ok)
+        i.failure = outcomes.empty() ? "create: not sent" : "create: " + Describe(outcomes.back());
       tick();
     };
     const size_t before = outcomes.size();

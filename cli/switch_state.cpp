@@ -138,8 +138,18 @@ void ClosingLedger::Save(const std::string& address, const std::set<OwedClosing>
     fs::remove(file, ec);
     return;
   }
-  std::ofstream out(file, std::ios::binary | std::ios::trunc);
-  for (const OwedClosing& o : owed) out << OwedClosingName(o) << "\n";
+  // Written aside and renamed over the old note, so a kill mid-write leaves one or the other.
+  const fs::path temporary = fs::path(file).concat(".tmp");
+  {
+    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+    for (const OwedClosing& o : owed) out << OwedClosingName(o) << "\n";
+    if (!out.flush()) return;
+  }
+#ifdef _WIN32
+  MoveFileExW(temporary.wstring().c_str(), file.wstring().c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+#else
+  fs::rename(temporary, file, ec);
+#endif
 }
 
 std::vector<OwedClosing> ClosingLedger::Owed(const std::string& address) {
@@ -149,13 +159,19 @@ std::vector<OwedClosing> ClosingLedger::Owed(const std::string& address) {
 }
 
 void ClosingLedger::Observe(const AclWriteEvent& e) {
+  const bool answered = e.outcome != nullptr && e.outcome->responded;
   const bool request = e.op == AclWriteOp::kCreate && e.outcome == nullptr;
-  const bool settled = e.op == AclWriteOp::kClose && e.outcome != nullptr && e.outcome->responded &&
-                       e.outcome->errorStatus == 0;
-  if (!request && !settled) return;
+  const bool refused = e.op == AclWriteOp::kCreate && answered && e.outcome->errorStatus != 0;
+  const bool closed = e.op == AclWriteOp::kClose && answered && e.outcome->errorStatus == 0;
+  if (!request && !refused && !closed) return;
   std::lock_guard<std::mutex> lock(mutex_);
-  std::set<OwedClosing>& owed = Load(e.target.ip);
   const OwedClosing key{e.owner, e.kind};
+  std::set<OwedClosing>& refusedKinds = refused_[e.target.ip];
+  // The batch goes on after a refusal, but its closing request will not be sent.
+  if (request && refusedKinds.count(key)) return;
+  if (refused) refusedKinds.insert(key);
+  if (closed) refusedKinds.erase(key);
+  std::set<OwedClosing>& owed = Load(e.target.ip);
   if (request == (owed.count(key) > 0)) return;
   if (request) owed.insert(key);
   else owed.erase(key);

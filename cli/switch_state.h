@@ -41,8 +41,11 @@ class ClosingLedger {
  public:
   explicit ClosingLedger(std::string folder) : folder_(std::move(folder)) {}
   std::vector<OwedClosing> Owed(const std::string& address);
-  // A record request makes its kind's closing request owed; an answered closing request
-  // settles it. Thread-safe (an observer of every SET).
+  // A record request makes its kind's closing request owed until a closing request is
+  // answered: what stays owed is a batch cut short by a kill, an interruption or a lost
+  // answer. A refused record settles it too: the apply rightly holds the closing request back
+  // for a partly refused batch, and the next apply sends the record again with its own.
+  // Thread-safe (an observer of every SET).
   void Observe(const AclWriteEvent& event);
 
  private:
@@ -51,4 +54,5 @@ class ClosingLedger {
   std::string folder_;
   std::mutex mutex_;
   std::map<std::string, std::set<OwedClosing>> owed_;
+  std::map<std::string, std::set<OwedClosing>> refused_;  // a record of the batch was refused
 };

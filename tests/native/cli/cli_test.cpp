@@ -483,6 +483,8 @@ TEST_F(CliTest, ReplacesVerifyAtTheEndRulesOfAFailedProfileWaitAndSummariesSayWh
   } cases[] = {
       {{"plan", "--limit", "sw1", state("255.255.0.0", "permit")}, "No changes in --state merged, but 1 record on the switches differ", "No changes. The"},
       {{"plan", "--limit", "sw1,sw3", state("255.255.0.0")}, "1 switch was not read (see above)", "No changes. The"},
+      // The refused profile owes no closing request: there is nothing to close.
+      {{"plan", "--limit", "sw2", state("255.255.255.0")}, "Plan: 2 to create, 0 to delete", "owed"},
       {{"plan", "--limit", "sw1", state("255.255.0.0")}, "No changes. The switches hold what the file says.", "not read"},
       {{"delete", "--limit", "sw1", "profile:99"}, "Nothing to delete: no switch holds any of these records.", "No changes."},
   };
