@@ -310,6 +310,7 @@ struct Common {
   int parallel = 10;
   int retries = 0;
   std::string auditLog;
+  std::string stateDir;  // the switches' locks and owed closing requests
 };
 
 struct Session {
@@ -340,6 +341,8 @@ struct Session {
     if (!ok) err << "sentrel-acl: " << error << "\n";
     return ok;
   }
+
+  std::string StateDir() const { return c.stateDir.empty() ? StateFolder() : c.stateDir; }
 
   // Reads the switches (in parallel) into fresh plans.
   std::vector<SwitchPlan> Read(const std::vector<const SwitchEntry*>& switches,
@@ -418,12 +421,19 @@ struct Session {
       auto it = nameByAddress.find(t.ip);
       return it != nameByAddress.end() ? it->second : std::string();
     });
+    // Without the folder, two applies could write one switch at once and an owed closing
+    // request would be forgotten.
+    const std::string folder = StateDir();
+    if (folder.empty()) {
+      err << "sentrel-acl: no folder for the switches' locks and owed closing requests: give --state-dir, or set "
+             "SENTREL_STATE_DIR or XDG_STATE_HOME; nothing was sent\n";
+      return kExitUsage;
+    }
     std::string error;
     if (!audit.Open(error)) {
       err << "sentrel-acl: " << error << "\n";
       return kExitUsage;
     }
-    const std::string folder = StateFolder();
     ClosingLedger ledger(folder);
     SetAclWriteObserver([&](const AclWriteEvent& e) {
       audit.Write(e);
@@ -446,7 +456,7 @@ struct Session {
       options.stop = &InterruptGuard::Requested;
       ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
         SwitchPlan& p = plans[i];
-        ApplyOne(p, i, options, folder, ledger, prepare);
+        ApplyOne(p, i, options, folder, audit.user(), ledger, prepare);
         if (p.interrupted) {
           size_t sent = 0, changes = 0;
           for (const PlanItem& item : p.items) {
@@ -487,15 +497,15 @@ struct Session {
   // One switch's apply in its worker: its lock, what it owes from an earlier run, its reading
   // and plan (`prepare`), its records and closing requests, and the read-back, all through one
   // socket.
-  void ApplyOne(SwitchPlan& p, size_t i, const RunOptions& options, const std::string& folder, ClosingLedger& ledger,
-                const std::function<void(size_t)>& prepare) {
+  void ApplyOne(SwitchPlan& p, size_t i, const RunOptions& options, const std::string& folder, const std::string& user,
+                ClosingLedger& ledger, const std::function<void(size_t)>& prepare) {
     if (options.stop()) {
       p.interrupted = true;
       return options.progress(i, "interrupted");
     }
     SwitchLock lock;
     std::string busy;
-    if (!lock.Acquire(folder, p.sw->target.ip, busy)) {
+    if (!lock.Acquire(folder, p.sw->target.ip, user, busy)) {
       p.failure = busy;
       p.busy = true;
       return options.progress(i, "busy");
@@ -625,6 +635,10 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
                  "Ask a switch again when an answer is lost, up to N times: reads simply again; a record\n"
                  "only after reading that its row is still absent (one that landed counts as sent)")
       ->check(CLI::Range(0, 10));
+  app.add_option("--state-dir", s.c.stateDir,
+                 "Keep the switches' locks and owed closing requests here, a folder every operator\n"
+                 "and service user who applies to these switches can write (default: $SENTREL_STATE_DIR,\n"
+                 "else $XDG_STATE_HOME/sentrel; %LOCALAPPDATA%\\Sentrel on Windows)");
   app.footer(std::string("\n") + kExitText +
              "\nExamples:\n"
              "  export SENTREL_INVENTORY=site.json ACL_READ=... ACL_WRITE=...\n"
@@ -764,7 +778,7 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
         plan.before.read = owners[i];
         planSwitch(i, plan);
       }, verbose, detailed);
-    ClosingLedger ledger(StateFolder());
+    ClosingLedger ledger(s.StateDir());
     return s.PlanEach(switches, [&](size_t i, SwitchPlan& plan) {
       s.ReadOne(plan, owners[i]);
       if (plan.before.reached) plan.owedClosings = ledger.Owed(plan.sw->target.ip);

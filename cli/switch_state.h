@@ -13,7 +13,8 @@
 
 #include "acl/acl_audit.h"
 
-// $XDG_STATE_HOME/sentrel (%LOCALAPPDATA%\Sentrel on Windows); "" when none is known.
+// $SENTREL_STATE_DIR, else the default audit log's folder: $XDG_STATE_HOME/sentrel
+// (%LOCALAPPDATA%\Sentrel on Windows); "" when none is known.
 std::string StateFolder();
 
 class SwitchLock {
@@ -22,8 +23,9 @@ class SwitchLock {
   SwitchLock(const SwitchLock&) = delete;
   SwitchLock& operator=(const SwitchLock&) = delete;
   ~SwitchLock();
-  // Takes the switch's lock without waiting; false with a message naming the holder.
-  bool Acquire(const std::string& folder, const std::string& address, std::string& error);
+  // Takes the switch's lock without waiting; false with a message naming the holder. `user`
+  // is looked up once by the caller: the password database is not safe from many threads.
+  bool Acquire(const std::string& folder, const std::string& address, const std::string& user, std::string& error);
 
  private:
 #ifdef _WIN32
@@ -49,8 +51,9 @@ class ClosingLedger {
   void Observe(const AclWriteEvent& event);
 
  private:
-  std::set<OwedClosing>& Load(const std::string& address);
-  void Save(const std::string& address, const std::set<OwedClosing>& owed);
+  // By the switch's canonical name (its endpoint), not the address as written.
+  std::set<OwedClosing>& Load(const std::string& key);
+  void Save(const std::string& key, const std::set<OwedClosing>& owed);
   std::string folder_;
   std::mutex mutex_;
   std::map<std::string, std::set<OwedClosing>> owed_;

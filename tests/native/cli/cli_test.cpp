@@ -523,14 +523,28 @@ TEST_F(CliTest, OneApplyPerSwitchAndAClosingRequestOwedIsSeenAndSent) {
   Fleet({{"sw1", "TVR4820", loseClosing}});
   const std::string file = Write("state.json", R"({"switches": {"sw1": {"acl": [{"id": 5, "type": "ethernet", "vlan": true}]}}})");
   {
+    // Held in a shared folder under the address spelled another way: still the one switch.
+    const std::string address = agents_[0]->address(), port = ":161";
+    const bool withPort = address.size() > port.size() && address.compare(address.size() - port.size(), port.size(), port) == 0;
     SwitchLock held;
     std::string error;
-    ASSERT_TRUE(held.Acquire((dir_ / "sentrel").string(), agents_[0]->address(), error)) << error;
-    Result busy = Run({"apply", file});
+    ASSERT_TRUE(held.Acquire((dir_ / "shared").string(), withPort ? address.substr(0, address.size() - port.size()) : address + port,
+                             "alice", error)) << error;
+    Result busy = Run({"apply", "--state-dir", (dir_ / "shared").string(), file});
     EXPECT_EQ(busy.status, kExitFailed);
-    EXPECT_TRUE(std::regex_search(busy.out, std::regex(R"(another apply holds this switch \(pid \d+ of .* since )"))) << busy.out;
+    EXPECT_TRUE(std::regex_search(busy.out, std::regex(R"(another apply holds this switch \(pid \d+ of alice since )"))) << busy.out;
     EXPECT_EQ(agents_[0]->requests(), 0u);
   }
+  // Nowhere to keep the locks: nothing is sent rather than no lock taken.
+  const std::string home = std::getenv("HOME") ? std::getenv("HOME") : "";
+  for (const char* name : {"XDG_STATE_HOME", "LOCALAPPDATA", "HOME"}) SetEnv(name, nullptr);
+  Result nowhere = Run({"apply", file});
+  SetEnv("HOME", home.empty() ? nullptr : home.c_str());
+  SetEnv("XDG_STATE_HOME", dir_.string().c_str());
+  SetEnv("LOCALAPPDATA", dir_.string().c_str());
+  EXPECT_EQ(nowhere.status, kExitUsage);
+  EXPECT_NE(nowhere.err.find("give --state-dir, or set SENTREL_STATE_DIR or XDG_STATE_HOME"), std::string::npos) << nowhere.err;
+  EXPECT_EQ(agents_[0]->requests(), 0u);
   Result lost = Run({"apply", file});
   EXPECT_EQ(lost.status, kExitFailed);
   ASSERT_EQ(agents_[0]->sets().size(), 2u);
