@@ -254,10 +254,11 @@ class InOrderOutput {
 
 // The recap's totals, summed over the switches.
 struct RecapCounts {
-  size_t switches = 0, created = 0, deleted = 0, same = 0, failed = 0, verified = 0, changes = 0, badSwitches = 0;
+  size_t switches = 0, created = 0, deleted = 0, same = 0, failed = 0, verified = 0, changes = 0, badSwitches = 0,
+         interrupted = 0;
   void print(std::ostream& out) const {
-    out << "Total: " << switches << " switch" << (switches == 1 ? "" : "es") << ", " << badSwitches
-        << " failed; created=" << created << " deleted=" << deleted << " unchanged=" << same << " failed=" << failed
+    out << "Total: " << switches << " switch" << (switches == 1 ? "" : "es") << ", " << badSwitches << " failed"
+        << (interrupted ? ", " + std::to_string(interrupted) + " interrupted" : std::string()) << "; created=" << created << " deleted=" << deleted << " unchanged=" << same << " failed=" << failed
         << " verified=" << verified << "/" << changes << "\n";
   }
 };
@@ -292,7 +293,9 @@ std::string RecapText(const SwitchPlan& p, size_t width, RecapCounts& counts) {
       out << "      record: " << FieldsSummary(ItemJson(*p.sw, i, i.change == Change::kDelete)) << "\n";
     }
   ++counts.switches;
-  counts.badSwitches += bad;
+  // A switch the interruption stopped did not fail: it holds part of the plan, and says so.
+  counts.badSwitches += bad && !p.interrupted;
+  counts.interrupted += p.interrupted;
   counts.created += c;
   counts.deleted += d;
   counts.same += p.count(Change::kUnchanged);

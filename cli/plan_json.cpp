@@ -89,7 +89,10 @@ Json PlanResultJson(bool applied, StateMode mode, const std::vector<SwitchPlan>&
       s["closing_owed"] = owed;
     }
     s["before"] = p.before.reached ? SwitchJson(sw, p.before) : Json(nullptr);
-    s["after"] = !p.before.reached ? Json(nullptr) : SwitchJson(sw, applied ? p.after : PlannedHoldings(p));
+    // An apply whose read-back did not happen or went unanswered knows nothing of the end
+    // state: an empty one would claim every record gone.
+    if (!p.before.reached || (applied && !p.after.reached)) s["after"] = nullptr;
+    else s["after"] = SwitchJson(sw, applied ? p.after : PlannedHoldings(p));
     Json changes = Json::array();
     for (const PlanItem& i : p.items) changes.push_back(ChangeJson(applied, p, i));
     s["changes"] = changes;

@@ -585,7 +585,7 @@ TEST_F(CliTest, CtrlCFinishesTheRequestInFlightClosesWhatLandedAndExits130) {
   Result r = Run({"apply", "--parallel", "2", file});
   interrupter.join();
   EXPECT_EQ(r.status, 130) << r.out;
-  EXPECT_NE(r.out.find("Total: 3 switches"), std::string::npos) << r.out;
+  EXPECT_NE(r.out.find("Total: 3 switches, 0 failed, 3 interrupted;"), std::string::npos) << r.out;
   EXPECT_TRUE(std::regex_search(r.out, std::regex(R"(sw1 +INTERRUPTED)"))) << r.out;
   EXPECT_TRUE(std::regex_search(r.out, std::regex(R"(sw3 +INTERRUPTED +created=0)"))) << r.out;
   // Every switch that got a record ended with the closing request, answered.

@@ -164,7 +164,8 @@ def switch_result(switch, applied):
     result = {
         "changed": is_changed(switch, applied),
         "before": switch.get("before") or {},
-        "after": switch.get("after") or {},
+        # None when the switch was not read back: nothing is known of what it holds now.
+        "after": switch.get("after"),
         "commands": commands_of(switch, only_done=applied),
     }
     error = None

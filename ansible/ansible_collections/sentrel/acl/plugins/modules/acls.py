@@ -367,6 +367,8 @@ before:
 after:
   description:
     - What the switch holds afterwards, as read back; in check mode, what it would hold.
+    - C(null) when the switch was not read back (interrupted) or did not answer: nothing is
+      known of what it holds, and no diff is shown.
   returned: when state is merged, replaced, overridden or deleted
   type: dict
 commands:
@@ -488,7 +490,7 @@ def main():
         result, error = runner.converge("overridden", switch)
     else:
         result, error = runner.converge(state, engine.switch_state(params["config"], state))
-    if module._diff:
+    if module._diff and result["after"] is not None:
         result["diff"] = {"before": result["before"], "after": result["after"]}
     if error:
         module.fail_json(msg=error, **result)

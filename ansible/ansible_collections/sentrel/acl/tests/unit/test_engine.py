@@ -78,6 +78,8 @@ def test_plan_result_lists_every_set_of_the_changes_and_closing_requests_last():
     assert result["changed"] is True
     assert result["commands"] == [".1.1 INTEGER 4", ".1.2 INTEGER 7", ".1.3 INTEGER 6", ".1.100 INTEGER 1"]
     assert result["before"] == {"acl": []} and result["after"] == {"acl": HELD["acl"]}
+    # not read back: nothing is known of the end state, which is not an empty switch
+    assert engine.switch_result(report("interrupted", [], after=None), applied=True)[0]["after"] is None
 
 
 def test_refused_switch_fails_with_its_answer_the_record_and_only_what_was_sent():
