@@ -99,6 +99,22 @@ std::vector<SnmpBinding> ItemBindings(const SwitchEntry& sw, const PlanItem& i) 
   return out;
 }
 
+std::vector<std::pair<std::pair<AclOwner, AclKind>, SnmpBinding>> ClosingRequests(const SwitchPlan& plan) {
+  std::vector<std::pair<std::pair<AclOwner, AclKind>, SnmpBinding>> out;
+  for (AclOwner owner : {AclOwner::kAcl, AclOwner::kCpu})
+    for (AclKind kind : {AclKind::kProfiles, AclKind::kRules}) {
+      const std::pair key{owner, kind};
+      const bool creates = std::any_of(plan.items.begin(), plan.items.end(), [&](const PlanItem& i) {
+        return i.owner == owner && i.kind == kind && (i.change == Change::kCreate || i.change == Change::kReplace);
+      });
+      const bool owed = std::find(plan.owedClosings.begin(), plan.owedClosings.end(), key) != plan.owedClosings.end();
+      if (!creates && !owed) continue;
+      const auto closing = plan.sw->model->closingRequest(owner, kind);
+      if (closing && closing->oid != nullptr) out.emplace_back(key, SnmpBinding::Integer(closing->oid, closing->value));
+    }
+  return out;
+}
+
 SwitchHoldings PlannedHoldings(const SwitchPlan& plan) {
   SwitchHoldings h = plan.before;
   for (const PlanItem& i : plan.items) {
@@ -465,6 +481,7 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
       if (outcomes[k].op == AclWriteOp::kClose) {
         if (!Ok(outcomes[k])) plan.failure = "closing request: " + Describe(outcomes[k]);
         else closed.insert({OwnerAt(o), kind});
+        plan.closings[{OwnerAt(o), kind}] = Ok(outcomes[k]) ? ClosingResult::kSent : ClosingResult::kFailed;
       }
   };
   for (size_t o = 0; o < 2; ++o)
@@ -479,8 +496,10 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
         if (!again.empty()) return send(o, kind, again);
         // Every lost answer's record had landed: the closing request the first round held back.
         const SnmpSetResult r = SendClosingRequest(sw.target, OwnerAt(o), kind, options.timeoutMs);
-        if (r.responded && r.errorStatus == 0) closed.insert({OwnerAt(o), kind});
+        const bool ok = r.responded && r.errorStatus == 0;
+        if (ok) closed.insert({OwnerAt(o), kind});
         else plan.failure = "closing request: " + OutcomeWord(r);
+        plan.closings[{OwnerAt(o), kind}] = ok ? ClosingResult::kSent : ClosingResult::kFailed;
       });
     }
   // A closing request an earlier apply owes (it stopped after its records landed) goes out
@@ -490,8 +509,12 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
   for (const auto& owed : plan.owedClosings) {
     if (closed.count(owed) || !clean || !plan.failure.empty() || stopped()) continue;
     const SnmpSetResult r = SendClosingRequest(sw.target, owed.first, owed.second, options.timeoutMs);
-    if (!(r.responded && r.errorStatus == 0)) plan.failure = "owed closing request: " + OutcomeWord(r);
+    const bool ok = r.responded && r.errorStatus == 0;
+    if (!ok) plan.failure = "owed closing request: " + OutcomeWord(r);
+    plan.closings[owed] = ok ? ClosingResult::kSent : ClosingResult::kFailed;
   }
+  // The rest were held back: a record of the kind failed, or the apply was stopped first.
+  for (const auto& [key, binding] : ClosingRequests(plan)) plan.closings.emplace(key, ClosingResult::kHeldBack);
   {
     std::lock_guard<std::mutex> lock(g_collectMutex);
     g_collectors.erase(sw.target.ip);

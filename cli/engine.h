@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,8 @@ struct PlanItem {
   std::string failure;    // the switch's answer when it refused, or why it was skipped
 };
 
+enum class ClosingResult { kSent, kFailed, kHeldBack };
+
 struct SwitchPlan {
   const SwitchEntry* sw = nullptr;
   SwitchHoldings before;
@@ -50,6 +53,8 @@ struct SwitchPlan {
   bool busy = false;         // another apply held the switch: nothing read or sent
   // Closing requests an earlier apply owes this switch (its records landed, then it stopped).
   std::vector<std::pair<AclOwner, AclKind>> owedClosings;  // (an OwedClosing)
+  // Filled by Apply: what became of each closing request it owed the switch.
+  std::map<std::pair<AclOwner, AclKind>, ClosingResult> closings;
   double seconds = 0;
   size_t count(Change c) const;
   bool pending() const;   // anything to create or delete, or a closing request owed
@@ -58,6 +63,10 @@ struct SwitchPlan {
 
 // The SETs of one change in the order they go out (the closing requests not included).
 std::vector<SnmpBinding> ItemBindings(const SwitchEntry& sw, const PlanItem& item);
+// The closing requests a plan calls for, in the order they go out: each kind it creates
+// records of, and those an earlier apply owes; with the SET of each (kinds whose model has
+// none are left out).
+std::vector<std::pair<std::pair<AclOwner, AclKind>, SnmpBinding>> ClosingRequests(const SwitchPlan& plan);
 // What the switch holds once its plan is carried out.
 SwitchHoldings PlannedHoldings(const SwitchPlan& plan);
 

@@ -88,6 +88,24 @@ Json PlanResultJson(bool applied, StateMode mode, const std::vector<SwitchPlan>&
                         {"kind", o.second == AclKind::kRules ? "rule" : "profile"}});
       s["closing_owed"] = owed;
     }
+    if (p.before.reached) {
+      Json closing = Json::array();
+      for (const auto& [key, b] : ClosingRequests(p)) {
+        const auto done = p.closings.find(key);
+        const char* result = !applied                   ? "planned"
+                             : done == p.closings.end() ? "held_back"
+                             : done->second == ClosingResult::kSent   ? "sent"
+                             : done->second == ClosingResult::kFailed ? "failed"
+                                                                      : "held_back";
+        closing.push_back({{"owner", key.first == AclOwner::kCpu ? "cpu_acl" : "acl"},
+                           {"kind", key.second == AclKind::kRules ? "rule" : "profile"},
+                           {"oid", "." + b.oid},
+                           {"type", BindingTypeWord(b)},
+                           {"value", BindingValueText(b)},
+                           {"result", result}});
+      }
+      s["closing"] = closing;
+    }
     s["before"] = p.before.reached ? SwitchJson(sw, p.before) : Json(nullptr);
     // An apply whose read-back did not happen or went unanswered knows nothing of the end
     // state: an empty one would claim every record gone.

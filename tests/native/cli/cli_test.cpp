@@ -552,8 +552,18 @@ TEST_F(CliTest, OneApplyPerSwitchAndAClosingRequestOwedIsSeenAndSent) {
   Result plan = Run({"plan", "--detailed-exitcode", file});
   EXPECT_EQ(plan.status, kExitPending) << plan.out;
   EXPECT_NE(plan.out.find("!   closing request of the acl profiles owed"), std::string::npos) << plan.out;
-  Result owed = Run({"apply", file});
+  const Json planned = Json::parse(Run({"plan", "--json", file}).out)["switches"][0]["closing"];
+  ASSERT_EQ(planned.size(), 1u);
+  EXPECT_EQ(planned[0]["kind"], "profile");
+  EXPECT_EQ(planned[0]["result"], "planned");
+  Result owed = Run({"apply", "--json", file});
   EXPECT_EQ(owed.status, kExitOk) << owed.out;
+  const Json closing = Json::parse(owed.out)["switches"][0]["closing"];
+  ASSERT_EQ(closing.size(), 1u);
+  EXPECT_EQ(closing[0]["result"], "sent");
+#ifdef SENTREL_SOURCE_DIR
+  ExpectSchemaValid("plan-result.schema.json", {Write("owed.json", owed.out)});
+#endif
   const auto sets = agents_[0]->sets();
   ASSERT_EQ(sets.size(), 3u);
   EXPECT_EQ(sets[2].varbinds.at(0).name, sets[1].varbinds.at(0).name);  // the closing request again

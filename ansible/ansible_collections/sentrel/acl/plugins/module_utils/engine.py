@@ -22,6 +22,8 @@ WRITE_ENV = "SENTREL_WRITE_COMMUNITY"
 # A change that the switch must be sent something for; "unchanged" and "kept" send nothing.
 WRITING_ACTIONS = ("create", "delete", "replace")
 FAILED_RESULTS = ("failed", "unreachable", "interrupted")
+# A closing request that went out, answered or not ("held_back" ones were not sent).
+SENT_CLOSING = ("sent", "failed")
 
 
 def strip_unset(value):
@@ -108,8 +110,9 @@ def commands_of(switch, only_done=False):
         elif only_done and change.get("result") not in ("done", "failed"):
             continue
         out.extend(command_text(s) for s in sets)
-    if out:
-        out.extend(command_text(s) for s in switch.get("closing_sets") or [])
+    for closing in switch.get("closing") or []:
+        if not only_done or closing.get("result") in SENT_CLOSING:
+            out.append(command_text(closing))
     return out
 
 
@@ -120,7 +123,8 @@ def is_changed(switch, applied):
             continue
         if not applied or change.get("result") in ("done", "failed", "deleted_only"):
             return True
-    return False
+    # A closing request alone changes the switch: it puts the records that landed to work.
+    return any(not applied or c.get("result") in SENT_CLOSING for c in switch.get("closing") or [])
 
 
 def failures_of(switch):

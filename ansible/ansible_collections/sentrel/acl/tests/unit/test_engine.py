@@ -72,13 +72,18 @@ def test_plan_result_lists_every_set_of_the_changes_and_closing_requests_last():
         change("unchanged", "planned", [set_(".1.9", "4")]),
         change("create", "planned", [set_(".1.1", "4"), set_(".1.2", "7")]),
         change("delete", "planned", [set_(".1.3", "6")]),
-    ], closing_sets=[set_(".1.100", "1")])
+    ], closing=[dict(set_(".1.100", "1"), owner="acl", kind="rule", result="planned")])
     result, error = engine.switch_result(sw, applied=False)
     assert error is None
     assert result["changed"] is True
     assert result["commands"] == [".1.1 INTEGER 4", ".1.2 INTEGER 7", ".1.3 INTEGER 6", ".1.100 INTEGER 1"]
     assert result["before"] == {"acl": []} and result["after"] == {"acl": HELD["acl"]}
-    # not read back: nothing is known of the end state, which is not an empty switch
+    # an apply that only sent the closing request an earlier one owed changed the switch
+    owed_only = report("changed", [change("unchanged", "done", [])],
+                       closing=[dict(set_(".1.100", "1"), result="sent"), dict(set_(".1.101", "1"), result="held_back")])
+    result, _ = engine.switch_result(owed_only, applied=True)
+    assert result["changed"] is True and result["commands"] == [".1.100 INTEGER 1"]
+        # not read back: nothing is known of the end state, which is not an empty switch
     assert engine.switch_result(report("interrupted", [], after=None), applied=True)[0]["after"] is None
 
 
