@@ -57,16 +57,16 @@ def after_deletion(current, config):
     No config: everything of both kinds. A kind given as an empty list: everything of it. A
     profile named without rules: the profile with its rules. A profile named with rules: only
     those rules. Records the switch does not hold are ignored. The result, applied as
-    `overridden`, leaves every other record as the switch holds it.
+    `overridden`, leaves every other record as the switch holds it; a kind not named is left
+    out of it, so the engine neither reads nor writes that kind.
     """
     wanted = strip_unset(config or {})
     named_kinds = [k for k in ACL_KINDS if wanted.get(k) is not None] or list(ACL_KINDS)
     out = {}
     for kind in ACL_KINDS:
-        held = copy.deepcopy((current or {}).get(kind) or [])
         if kind not in named_kinds:
-            out[kind] = held
             continue
+        held = copy.deepcopy((current or {}).get(kind) or [])
         named = wanted.get(kind)
         if not named:
             out[kind] = []
@@ -125,6 +125,19 @@ def is_changed(switch, applied):
             return True
     # A closing request alone changes the switch: it puts the records that landed to work.
     return any(not applied or c.get("result") in SENT_CLOSING for c in switch.get("closing") or [])
+
+
+def kept_records(switch):
+    """The records `merged` left as the switch holds them although the config differs."""
+    out = []
+    for change in switch.get("changes") or []:
+        if change.get("action") != "kept":
+            continue
+        name = "%s %s %s" % (change.get("owner", ""), change.get("kind", ""), change.get("profile_id", ""))
+        if change.get("access_id") is not None:
+            name += "/%s" % change["access_id"]
+        out.append("%s: %s" % (name, change.get("note") or "differs on the switch; state replaced replaces it"))
+    return out
 
 
 def failures_of(switch):

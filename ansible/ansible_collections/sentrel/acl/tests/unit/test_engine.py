@@ -20,17 +20,17 @@ HELD = {
     (None, {"acl": [], "cpu_acl": []}),
     ({"acl": None, "cpu_acl": None}, {"acl": [], "cpu_acl": []}),
     # one kind as an empty list: that kind only
-    ({"acl": [], "cpu_acl": None}, {"acl": [], "cpu_acl": HELD["cpu_acl"]}),
+    ({"acl": [], "cpu_acl": None}, {"acl": []}),
     # a profile by id: it goes with its rules; rules: [] is the same as naming the profile
-    ({"acl": [{"id": 10, "rules": None}]}, {"acl": [HELD["acl"][1]], "cpu_acl": HELD["cpu_acl"]}),
-    ({"acl": [{"id": 10, "rules": []}]}, {"acl": [HELD["acl"][1]], "cpu_acl": HELD["cpu_acl"]}),
+    ({"acl": [{"id": 10, "rules": None}]}, {"acl": [HELD["acl"][1]]}),
+    ({"acl": [{"id": 10, "rules": []}]}, {"acl": [HELD["acl"][1]]}),
     # a rule by access_id: only that rule, the profile stays
     ({"acl": [{"id": 10, "rules": [{"access_id": 2}]}]},
-     {"acl": [dict(HELD["acl"][0], rules=[RULE_1]), HELD["acl"][1]], "cpu_acl": HELD["cpu_acl"]}),
-    # the same ids in the other kind are other records
-    ({"cpu_acl": [{"id": 10}]}, HELD),
+     {"acl": [dict(HELD["acl"][0], rules=[RULE_1]), HELD["acl"][1]]}),
+    # the same ids in the other kind are other records; a kind not named is not sent at all
+    ({"cpu_acl": [{"id": 10}]}, {"cpu_acl": HELD["cpu_acl"]}),
     # records the switch does not hold are no error
-    ({"acl": [{"id": 99}, {"id": 11, "rules": [{"access_id": 5}]}]}, HELD),
+    ({"acl": [{"id": 99}, {"id": 11, "rules": [{"access_id": 5}]}]}, {"acl": HELD["acl"]}),
 ])
 def test_deleted_leaves_everything_not_named(config, left):
     before = repr(HELD)
