@@ -516,6 +516,11 @@ struct Session {
     p.owedClosings = ledger.Owed(p.sw->target.ip);
     const SnmpSocketScope oneSocketPerSwitch;
     if (prepare) {
+      // Ctrl-C while this worker took the lock: a switch not yet started is not read either.
+      if (options.stop()) {
+        p.interrupted = true;
+        return options.progress(i, "interrupted");
+      }
       options.progress(i, "reading");
       prepare(i);
     }

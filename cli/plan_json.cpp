@@ -1,6 +1,7 @@
 #include "cli/plan_json.h"
 
 #include "acl/acl_audit.h"
+#include "acl/acl_mib.h"
 
 namespace {
 
@@ -112,7 +113,13 @@ Json PlanResultJson(bool applied, StateMode mode, const std::vector<SwitchPlan>&
     if (!p.before.reached || (applied && !p.after.reached)) s["after"] = nullptr;
     else s["after"] = SwitchJson(sw, applied ? p.after : PlannedHoldings(p));
     Json changes = Json::array();
-    for (const PlanItem& i : p.items) changes.push_back(ChangeJson(applied, p, i));
+    for (const PlanItem& i : p.items) {
+      // A row whose index is no number is left out, as it is of the holdings above.
+      const AclRecord& key = i.change == Change::kDelete ? i.actual : i.wanted;
+      if (key.empty() || !IsIndexText(key[0]) || (i.kind == AclKind::kRules && (key.size() < 2 || !IsIndexText(key[1]))))
+        continue;
+      changes.push_back(ChangeJson(applied, p, i));
+    }
     s["changes"] = changes;
     switches.push_back(s);
   }
