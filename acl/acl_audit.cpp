@@ -210,7 +210,7 @@ void AclAuditLog::Write(const AclWriteEvent& e) {
 }
 
 void AclAuditLog::WriteSwitchOutcome(const AclTarget& target, std::string_view result, std::string_view detail) {
-  std::string line = "{\"time\":" + JsonQuote(UtcNow()) + ",\"user\":" + JsonQuote(OperatorName());
+  std::string line = "{\"time\":" + JsonQuote(UtcNow()) + ",\"user\":" + JsonQuote(user_);
   if (switchName_) line += ",\"switch\":" + JsonQuote(switchName_(target));
   line += ",\"address\":" + JsonQuote(target.ip) + ",\"model\":" + JsonQuote(target.typeText);
   line += ",\"operation\":\"apply\",\"phase\":\"outcome\",\"result\":" + JsonQuote(result);

@@ -65,6 +65,8 @@ class AclAuditLog {
   // An observer that writes to this log (install it with SetAclWriteObserver).
   AclWriteObserver Observer();
   const std::string& path() const { return path_; }
+  // The operator's name as every line of this log gives it (safe from any thread).
+  const std::string& user() const { return user_; }
 
  private:
   void Append(const std::string& line);  // whole and flushed

@@ -49,11 +49,16 @@ std::string RecordName(const PlanItem& i) {
   const AclRecord& r = i.change == Change::kDelete ? i.actual : i.wanted;
   std::string s = std::string(OwnerKey(i.owner)) + (i.kind == AclKind::kProfiles ? " profile " : " rule ") + r[0];
   if (i.kind == AclKind::kRules) s += "/" + r[1];
+  if (i.change == Change::kReplace && i.heldType != i.type)
+    return s + " (" + TypeName(i.heldType) + " -> " + TypeName(i.type) + ")";
   return s + " (" + TypeName(i.type) + ")";
 }
 
-Json ItemJson(const SwitchEntry& sw, const PlanItem& i, const AclRecord& r) {
-  Json j = i.kind == AclKind::kProfiles ? ProfileJson(sw, i.owner, i.type, r) : RuleJson(sw, i.owner, i.type, r, i.protocol);
+// The record on the switch (`held`) or the one the file asks for, without its keys.
+Json ItemJson(const SwitchEntry& sw, const PlanItem& i, bool held) {
+  const AclRecord& r = held ? i.actual : i.wanted;
+  const AclType type = held ? i.heldType : i.type;
+  Json j = i.kind == AclKind::kProfiles ? ProfileJson(sw, i.owner, type, r) : RuleJson(sw, i.owner, type, r, i.protocol);
   j.erase("id");
   j.erase("access_id");
   j.erase("type");
@@ -62,7 +67,7 @@ Json ItemJson(const SwitchEntry& sw, const PlanItem& i, const AclRecord& r) {
 
 // The fields that differ, as "name: switch -> file".
 std::string FieldChanges(const SwitchEntry& sw, const PlanItem& i) {
-  const Json have = ItemJson(sw, i, i.actual), want = ItemJson(sw, i, i.wanted);
+  const Json have = ItemJson(sw, i, true), want = ItemJson(sw, i, false);
   std::string s;
   auto text = [](const Json& v) { return v.is_null() ? std::string("(none)") : v.is_string() ? v.get<std::string>() : v.dump(); };
   for (const auto& item : want.items()) {
@@ -163,12 +168,14 @@ std::string PlanText(const SwitchPlan& p, bool verbose) {
   out << (p.items.empty() && p.owedClosings.empty() ? ": nothing named for this switch\n" : "\n");
   for (const OwedClosing& o : p.owedClosings)
     out << "  !   closing request of the " << OwedClosingName(o)
-        << " owed: an earlier apply stopped after its records landed; apply sends it\n";
+        << " owed: an earlier apply was stopped, or lost an answer, after its records landed; apply sends it\n";
   for (const PlanItem& i : p.items) {
     out << "  " << std::left << std::setw(3) << Mark(i.change) << " " << RecordName(i);
-    if (i.change == Change::kCreate) out << ": " << FieldsSummary(ItemJson(sw, i, i.wanted));
-    if (i.change == Change::kReplace || i.change == Change::kKept) out << ": " << FieldChanges(sw, i);
-    if (i.change == Change::kKept) out << " (kept: --state replaced would replace it)";
+    if (i.change == Change::kCreate) out << ": " << FieldsSummary(ItemJson(sw, i, false));
+    // A kept record the switch does not hold at all says why in its note.
+    const bool held = !i.actual.empty();
+    if (i.change == Change::kReplace || (i.change == Change::kKept && held)) out << ": " << FieldChanges(sw, i);
+    if (i.change == Change::kKept && held) out << " (kept: --state replaced would replace it)";
     if (!i.note.empty()) out << "; " << i.note;
     out << "\n";
     if (verbose) PrintSets(out, sw, i);
@@ -252,10 +259,11 @@ class InOrderOutput {
 
 // The recap's totals, summed over the switches.
 struct RecapCounts {
-  size_t switches = 0, created = 0, deleted = 0, same = 0, failed = 0, verified = 0, changes = 0, badSwitches = 0;
+  size_t switches = 0, created = 0, deleted = 0, same = 0, failed = 0, verified = 0, changes = 0, badSwitches = 0,
+         interrupted = 0;
   void print(std::ostream& out) const {
-    out << "Total: " << switches << " switch" << (switches == 1 ? "" : "es") << ", " << badSwitches
-        << " failed; created=" << created << " deleted=" << deleted << " unchanged=" << same << " failed=" << failed
+    out << "Total: " << switches << " switch" << (switches == 1 ? "" : "es") << ", " << badSwitches << " failed"
+        << (interrupted ? ", " + std::to_string(interrupted) + " interrupted" : std::string()) << "; created=" << created << " deleted=" << deleted << " unchanged=" << same << " failed=" << failed
         << " verified=" << verified << "/" << changes << "\n";
   }
 };
@@ -269,7 +277,7 @@ std::string RecapText(const SwitchPlan& p, size_t width, RecapCounts& counts) {
     ++n;
     if (i.done && i.change != Change::kDelete) ++c;
     if (i.done && i.change == Change::kDelete) ++d;
-    if (i.change == Change::kReplace && i.done) ++d;
+    if (i.change == Change::kReplace && i.heldDeleted) ++d;
     if (i.skipped) ++k;
     else if (!i.failure.empty() || !i.done) ++f;
     if (i.verified) ++v;
@@ -287,11 +295,12 @@ std::string RecapText(const SwitchPlan& p, size_t width, RecapCounts& counts) {
   for (const PlanItem& i : p.items)
     if (!i.failure.empty()) {
       out << "    " << Mark(i.change) << " " << RecordName(i) << ": " << i.failure << "\n";
-      const AclRecord& r = i.change == Change::kDelete ? i.actual : i.wanted;
-      out << "      record: " << FieldsSummary(ItemJson(*p.sw, i, r)) << "\n";
+      out << "      record: " << FieldsSummary(ItemJson(*p.sw, i, i.change == Change::kDelete)) << "\n";
     }
   ++counts.switches;
-  counts.badSwitches += bad;
+  // A switch the interruption stopped did not fail: it holds part of the plan, and says so.
+  counts.badSwitches += bad && !p.interrupted;
+  counts.interrupted += p.interrupted;
   counts.created += c;
   counts.deleted += d;
   counts.same += p.count(Change::kUnchanged);
@@ -309,6 +318,7 @@ struct Common {
   int parallel = 10;
   int retries = 0;
   std::string auditLog;
+  std::string stateDir;  // the switches' locks and owed closing requests
 };
 
 struct Session {
@@ -339,6 +349,8 @@ struct Session {
     if (!ok) err << "sentrel-acl: " << error << "\n";
     return ok;
   }
+
+  std::string StateDir() const { return c.stateDir.empty() ? StateFolder() : c.stateDir; }
 
   // Reads the switches (in parallel) into fresh plans.
   std::vector<SwitchPlan> Read(const std::vector<const SwitchEntry*>& switches,
@@ -413,12 +425,19 @@ struct Session {
       auto it = nameByAddress.find(t.ip);
       return it != nameByAddress.end() ? it->second : std::string();
     });
+    // Without the folder, two applies could write one switch at once and an owed closing
+    // request would be forgotten.
+    const std::string folder = StateDir();
+    if (folder.empty()) {
+      err << "sentrel-acl: no folder for the switches' locks and owed closing requests: give --state-dir, or set "
+             "SENTREL_STATE_DIR or XDG_STATE_HOME; nothing was sent\n";
+      return kExitUsage;
+    }
     std::string error;
     if (!audit.Open(error)) {
       err << "sentrel-acl: " << error << "\n";
       return kExitUsage;
     }
-    const std::string folder = StateFolder();
     ClosingLedger ledger(folder);
     SetAclWriteObserver([&](const AclWriteEvent& e) {
       audit.Write(e);
@@ -441,12 +460,12 @@ struct Session {
       options.stop = &InterruptGuard::Requested;
       ForEachParallel(plans.size(), c.parallel, [&](size_t i) {
         SwitchPlan& p = plans[i];
-        ApplyOne(p, i, options, folder, ledger, prepare);
+        ApplyOne(p, i, options, folder, audit.user(), ledger, prepare);
         if (p.interrupted) {
           size_t sent = 0, changes = 0;
           for (const PlanItem& item : p.items) {
             changes += item.change != Change::kUnchanged && item.change != Change::kKept;
-            sent += item.done || (!item.skipped && !item.failure.empty());
+            sent += item.done || item.heldDeleted || (!item.skipped && !item.failure.empty());
           }
           audit.WriteSwitchOutcome(p.sw->target, "interrupted",
                                    p.before.reached ? std::to_string(sent) + " of " + std::to_string(changes) +
@@ -482,15 +501,15 @@ struct Session {
   // One switch's apply in its worker: its lock, what it owes from an earlier run, its reading
   // and plan (`prepare`), its records and closing requests, and the read-back, all through one
   // socket.
-  void ApplyOne(SwitchPlan& p, size_t i, const RunOptions& options, const std::string& folder, ClosingLedger& ledger,
-                const std::function<void(size_t)>& prepare) {
+  void ApplyOne(SwitchPlan& p, size_t i, const RunOptions& options, const std::string& folder, const std::string& user,
+                ClosingLedger& ledger, const std::function<void(size_t)>& prepare) {
     if (options.stop()) {
       p.interrupted = true;
       return options.progress(i, "interrupted");
     }
     SwitchLock lock;
     std::string busy;
-    if (!lock.Acquire(folder, p.sw->target.ip, busy)) {
+    if (!lock.Acquire(folder, p.sw->target.ip, user, busy)) {
       p.failure = busy;
       p.busy = true;
       return options.progress(i, "busy");
@@ -498,6 +517,11 @@ struct Session {
     p.owedClosings = ledger.Owed(p.sw->target.ip);
     const SnmpSocketScope oneSocketPerSwitch;
     if (prepare) {
+      // Ctrl-C while this worker took the lock: a switch not yet started is not read either.
+      if (options.stop()) {
+        p.interrupted = true;
+        return options.progress(i, "interrupted");
+      }
       options.progress(i, "reading");
       prepare(i);
     }
@@ -621,6 +645,10 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
                  "again from the start; a record only after reading that its row is still absent\n"
                  "(one that landed counts as sent)")
       ->check(CLI::Range(0, 10));
+  app.add_option("--state-dir", s.c.stateDir,
+                 "Keep the switches' locks and owed closing requests here, a folder every operator\n"
+                 "and service user who applies to these switches can write (default: $SENTREL_STATE_DIR,\n"
+                 "else $XDG_STATE_HOME/sentrel; %LOCALAPPDATA%\\Sentrel on Windows)");
   app.footer(std::string("\n") + kExitText +
              "\nExamples:\n"
              "  export SENTREL_INVENTORY=site.json ACL_READ=... ACL_WRITE=...\n"
@@ -760,7 +788,7 @@ int RunCli(int argc, const char* const* argv, std::istream& in, std::ostream& ou
         plan.before.read = owners[i];
         planSwitch(i, plan);
       }, verbose, detailed);
-    ClosingLedger ledger(StateFolder());
+    ClosingLedger ledger(s.StateDir());
     return s.PlanEach(switches, [&](size_t i, SwitchPlan& plan) {
       s.ReadOne(plan, owners[i]);
       if (plan.before.reached) plan.owedClosings = ledger.Owed(plan.sw->target.ip);

@@ -90,12 +90,28 @@ bool SwitchPlan::failed() const {
 std::vector<SnmpBinding> ItemBindings(const SwitchEntry& sw, const PlanItem& i) {
   std::vector<SnmpBinding> out;
   if (i.change == Change::kDelete || i.change == Change::kReplace)
-    out.push_back(SnmpBinding::Integer(InstanceOid(RowStatusColumnOid(*sw.model, i.owner, i.kind, i.type), i.actual[0],
+    out.push_back(SnmpBinding::Integer(InstanceOid(RowStatusColumnOid(*sw.model, i.owner, i.kind, i.heldType), i.actual[0],
                                                    i.kind == AclKind::kRules ? i.actual[1] : ""),
                                        kRowStatusDestroy));
   if (i.change == Change::kCreate || i.change == Change::kReplace)
     if (auto table = TableOf(sw, i))
       for (const SnmpBinding& b : RecordBindings(*sw.model, *table, i.wanted)) out.push_back(b);
+  return out;
+}
+
+std::vector<std::pair<std::pair<AclOwner, AclKind>, SnmpBinding>> ClosingRequests(const SwitchPlan& plan) {
+  std::vector<std::pair<std::pair<AclOwner, AclKind>, SnmpBinding>> out;
+  for (AclOwner owner : {AclOwner::kAcl, AclOwner::kCpu})
+    for (AclKind kind : {AclKind::kProfiles, AclKind::kRules}) {
+      const std::pair key{owner, kind};
+      const bool creates = std::any_of(plan.items.begin(), plan.items.end(), [&](const PlanItem& i) {
+        return i.owner == owner && i.kind == kind && (i.change == Change::kCreate || i.change == Change::kReplace);
+      });
+      const bool owed = std::find(plan.owedClosings.begin(), plan.owedClosings.end(), key) != plan.owedClosings.end();
+      if (!creates && !owed) continue;
+      const auto closing = plan.sw->model->closingRequest(owner, kind);
+      if (closing && closing->oid != nullptr) out.emplace_back(key, SnmpBinding::Integer(closing->oid, closing->value));
+    }
   return out;
 }
 
@@ -205,6 +221,7 @@ void PlanSwitch(const DesiredSwitch& desired, StateMode mode, SwitchPlan& plan) 
       i.owner = owner;
       i.kind = kind;
       i.type = type;
+      i.heldType = type;
       return i;
     };
     auto diff = [&](AclKind kind, AclType type, const AclRecord& want, const AclRecord& have) {
@@ -221,6 +238,7 @@ void PlanSwitch(const DesiredSwitch& desired, StateMode mode, SwitchPlan& plan) 
       bool profileRecreated = false;
       if (found != profiles.end()) {
         pi.actual = *found->second.record;
+        pi.heldType = found->second.type;
         pi.differing = found->second.type != p.type ? std::vector<size_t>{0}
                                                     : diff(AclKind::kProfiles, p.type, p.record, pi.actual);
         if (pi.differing.empty()) {
@@ -256,11 +274,19 @@ void PlanSwitch(const DesiredSwitch& desired, StateMode mode, SwitchPlan& plan) 
         auto f = rules.find(key);
         if (f != rules.end() && !profileRecreated) {
           ri.actual = *f->second.record;
+          ri.heldType = f->second.type;
           ri.differing = f->second.type != p.type ? std::vector<size_t>{0}
                                                   : diff(AclKind::kRules, p.type, r.record, ri.actual);
           ri.change = ri.differing.empty()           ? Change::kUnchanged
                       : mode == StateMode::kMerged ? Change::kKept
                                                    : Change::kReplace;
+        }
+        // Sent into the file's type, the rule would land in a table whose profile the switch
+        // does not hold: a rule no profile shows, left behind for good.
+        if (ri.change == Change::kCreate && pi.change == Change::kKept && pi.heldType != p.type) {
+          ri.change = Change::kKept;
+          ri.note = "not sent: profile " + id + " on the switch is " + TypeName(pi.heldType) + ", the file says " +
+                    TypeName(p.type) + "; --state replaced replaces it";
         }
         plan.items.push_back(ri);
       }
@@ -298,6 +324,7 @@ void PlanDeletion(const std::vector<DeleteTarget>& targets, SwitchPlan& plan) {
       d.owner = t.owner;
       d.kind = kind;
       d.type = h.type;
+      d.heldType = h.type;
       d.actual = *h.record;
       auto p = profiles.find(h.record->at(0));
       d.protocol = p != profiles.end() ? ProtocolOfProfile(p->second.type, *p->second.record) : "1";
@@ -340,6 +367,12 @@ bool Sends(Change c) { return c == Change::kCreate || c == Change::kDelete || c 
 bool Creates(Change c) { return c == Change::kCreate || c == Change::kReplace; }
 bool Ok(const SetOutcome& o) { return o.result.responded && o.result.errorStatus == 0; }
 
+// Why a record was not created; a replace whose old row already went says so, for the switch
+// now holds neither.
+std::string NotCreated(const PlanItem& i, const std::string& why) {
+  return (i.heldDeleted ? "deleted, not created again: " : "not sent: ") + why;
+}
+
 // A rule sent after its profile failed would sit on the switch without one: show hides it, and
 // the next plan would count it as unchanged.
 void SkipRulesOfFailedProfiles(SwitchPlan& plan, AclOwner owner) {
@@ -350,7 +383,7 @@ void SkipRulesOfFailedProfiles(SwitchPlan& plan, AclOwner owner) {
     if (i.owner == owner && i.kind == AclKind::kRules && Creates(i.change) && i.failure.empty() &&
         failed.count(i.wanted[0])) {
       i.skipped = true;
-      i.failure = "not sent: profile " + i.wanted[0] + " failed";
+      i.failure = NotCreated(i, "profile " + i.wanted[0] + " failed");
     }
 }
 
@@ -449,11 +482,12 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
   for (AclKind kind : {AclKind::kRules, AclKind::kProfiles})
     for (PlanItem& i : plan.items) {
       if (i.kind != kind || (i.change != Change::kDelete && i.change != Change::kReplace) || stopped()) continue;
-      const std::string column = RowStatusColumnOid(*sw.model, i.owner, i.kind, i.type);
+      const std::string column = RowStatusColumnOid(*sw.model, i.owner, i.kind, i.heldType);
       const bool ok = DeleteRow(sw.target, column, i.actual[0], kind == AclKind::kRules ? i.actual[1] : "",
                                 options.timeoutMs);
       tick();
       if (i.change == Change::kDelete) i.done = ok;
+      else i.heldDeleted = ok;
       if (!ok && !outcomes.empty()) i.failure = "delete: " + Describe(outcomes.back());
     }
   // Then, per ACL kind, the profiles and the rules through the wizard's apply: one SET per
@@ -472,7 +506,12 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
       PlanItem& i = *owners[static_cast<size_t>(type)][r];
       i.done = ok;
       i.lost = !ok && !outcomes.empty() && !outcomes.back().result.responded;
-      if (!ok) i.failure = outcomes.empty() ? "create: not sent" : "create: " + Describe(outcomes.back());
+      if (!ok && i.heldDeleted)
+        i.failure = "deleted, not created again: create " +
+                    (outcomes.empty() || !outcomes.back().result.responded ? std::string("not answered")
+                                                                           : "refused: " + Describe(outcomes.back()));
+      else if (!ok)
+        i.failure = outcomes.empty() ? "create: not sent" : "create: " + Describe(outcomes.back());
       tick();
     };
     const size_t before = outcomes.size();
@@ -481,6 +520,7 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
       if (outcomes[k].op == AclWriteOp::kClose) {
         if (!Ok(outcomes[k])) plan.failure = "closing request: " + Describe(outcomes[k]);
         else closed.insert({OwnerAt(o), kind});
+        plan.closings[{OwnerAt(o), kind}] = Ok(outcomes[k]) ? ClosingResult::kSent : ClosingResult::kFailed;
       }
   };
   for (size_t o = 0; o < 2; ++o)
@@ -495,8 +535,10 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
         if (!again.empty()) return send(o, kind, again);
         // Every lost answer's record had landed: the closing request the first round held back.
         const SnmpSetResult r = SendClosingRequest(sw.target, OwnerAt(o), kind, options.timeoutMs);
-        if (r.responded && r.errorStatus == 0) closed.insert({OwnerAt(o), kind});
+        const bool ok = r.responded && r.errorStatus == 0;
+        if (ok) closed.insert({OwnerAt(o), kind});
         else plan.failure = "closing request: " + OutcomeWord(r);
+        plan.closings[{OwnerAt(o), kind}] = ok ? ClosingResult::kSent : ClosingResult::kFailed;
       });
     }
   // A closing request an earlier apply owes (it stopped after its records landed) goes out
@@ -506,8 +548,12 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
   for (const auto& owed : plan.owedClosings) {
     if (closed.count(owed) || !clean || !plan.failure.empty() || stopped()) continue;
     const SnmpSetResult r = SendClosingRequest(sw.target, owed.first, owed.second, options.timeoutMs);
-    if (!(r.responded && r.errorStatus == 0)) plan.failure = "owed closing request: " + OutcomeWord(r);
+    const bool ok = r.responded && r.errorStatus == 0;
+    if (!ok) plan.failure = "owed closing request: " + OutcomeWord(r);
+    plan.closings[owed] = ok ? ClosingResult::kSent : ClosingResult::kFailed;
   }
+  // The rest were held back: a record of the kind failed, or the apply was stopped first.
+  for (const auto& [key, binding] : ClosingRequests(plan)) plan.closings.emplace(key, ClosingResult::kHeldBack);
   {
     std::lock_guard<std::mutex> lock(g_collectMutex);
     g_collectors.erase(sw.target.ip);
@@ -515,16 +561,18 @@ void ApplySwitch(SwitchPlan& plan, const RunOptions& options, size_t index) {
   for (PlanItem& i : plan.items)
     if (Sends(i.change) && !i.done && i.failure.empty()) {
       i.skipped = true;
-      i.failure = "not sent: interrupted";
+      i.failure = NotCreated(i, "interrupted");
       plan.interrupted = true;
     }
-  if (total > 0) {
+  // Stopped before its first request: nothing changed on the switch, and reading it back
+  // would only keep the interrupted run waiting on it.
+  if (total > 0 && (sent > 0 || !stopped())) {
     status("verifying");
     std::array<bool, 2> owners{};
     for (const PlanItem& i : plan.items) owners[OwnerIndex(i.owner)] = true;
     plan.after = ReadSwitch(sw, owners, options.timeoutMs, options.retries);
     Verify(plan, expected);
-  } else {
+  } else if (total == 0) {
     plan.after = plan.before;
   }
   plan.seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,8 @@ struct PlanItem {
   Change change = Change::kCreate;
   AclOwner owner = AclOwner::kAcl;
   AclKind kind = AclKind::kProfiles;
-  AclType type = AclType::kEthernet;
+  AclType type = AclType::kEthernet;      // of `wanted`
+  AclType heldType = AclType::kEthernet;  // of `actual`: a replace may move the row to another type's table
   AclRecord wanted;       // create, replace, unchanged, kept
   AclRecord actual;       // delete, replace, unchanged, kept
   std::string protocol;   // IPv4: the protocol of the rule's profile, for naming its fields
@@ -35,8 +37,11 @@ struct PlanItem {
   bool verified = false;
   bool skipped = false;   // not sent: what it depends on failed, or the run was interrupted
   bool lost = false;      // sent, but its answer never came (it may have landed)
+  bool heldDeleted = false;  // replace: the row on the switch is gone, whether or not the new one landed
   std::string failure;    // the switch's answer when it refused, or why it was skipped
 };
+
+enum class ClosingResult { kSent, kFailed, kHeldBack };
 
 struct SwitchPlan {
   const SwitchEntry* sw = nullptr;
@@ -48,6 +53,8 @@ struct SwitchPlan {
   bool busy = false;         // another apply held the switch: nothing read or sent
   // Closing requests an earlier apply owes this switch (its records landed, then it stopped).
   std::vector<std::pair<AclOwner, AclKind>> owedClosings;  // (an OwedClosing)
+  // Filled by Apply: what became of each closing request it owed the switch.
+  std::map<std::pair<AclOwner, AclKind>, ClosingResult> closings;
   double seconds = 0;
   size_t count(Change c) const;
   bool pending() const;   // anything to create or delete, or a closing request owed
@@ -56,6 +63,10 @@ struct SwitchPlan {
 
 // The SETs of one change in the order they go out (the closing requests not included).
 std::vector<SnmpBinding> ItemBindings(const SwitchEntry& sw, const PlanItem& item);
+// The closing requests a plan calls for, in the order they go out: each kind it creates
+// records of, and those an earlier apply owes; with the SET of each (kinds whose model has
+// none are left out).
+std::vector<std::pair<std::pair<AclOwner, AclKind>, SnmpBinding>> ClosingRequests(const SwitchPlan& plan);
 // What the switch holds once its plan is carried out.
 SwitchHoldings PlannedHoldings(const SwitchPlan& plan);
 

@@ -1,10 +1,13 @@
 #include "cli/switch_state.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+
+#include "snmp/udp_transport.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -21,11 +24,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// An address as a file name (a port's colon is not allowed on Windows).
-std::string FileName(std::string address) {
-  for (char& c : address)
-    if (c == ':') c = '_';
-  return address;
+// One name per switch however its address is written ("10.0.0.5" and "10.0.0.5:161" are one
+// agent), usable as a file name (a port's colon is not allowed on Windows).
+std::string FileName(const std::string& address) {
+  snmp::Endpoint ep;
+  if (!snmp::ParseEndpoint(address, snmp::kSnmpPort, ep)) {
+    std::string name = address;
+    for (char& c : name)
+      if (c == ':') c = '_';
+    return name;
+  }
+  return std::to_string(ep.addr >> 24) + "." + std::to_string((ep.addr >> 16) & 255) + "." +
+         std::to_string((ep.addr >> 8) & 255) + "." + std::to_string(ep.addr & 255) + "_" + std::to_string(ep.port);
 }
 
 std::string Now() {
@@ -56,17 +66,18 @@ const char* OwedClosingName(const OwedClosing& o) {
 }
 
 std::string StateFolder() {
+  if (const char* dir = std::getenv("SENTREL_STATE_DIR"); dir != nullptr && *dir != '\0') return dir;
   const std::string log = DefaultAuditLogPath();
   return log.empty() ? std::string() : fs::path(log).parent_path().string();
 }
 
-bool SwitchLock::Acquire(const std::string& folder, const std::string& address, std::string& error) {
-  if (folder.empty()) return true;  // nowhere to keep locks: nothing to coordinate with
+bool SwitchLock::Acquire(const std::string& folder, const std::string& address, const std::string& user,
+                         std::string& error) {
   std::error_code ec;
   const fs::path dir = fs::path(folder) / "locks";
   fs::create_directories(dir, ec);
   const fs::path file = dir / (FileName(address) + ".lock");
-  const std::string holder = "pid " + std::to_string(SENTREL_GETPID()) + " of " + OperatorName() + " since " + Now();
+  const std::string holder = "pid " + std::to_string(SENTREL_GETPID()) + " of " + user + " since " + Now();
   // The holder's text stays readable: the lock is on a byte far past it (Windows) or on the
   // whole file as an advisory lock (POSIX).
 #ifdef _WIN32
@@ -115,12 +126,12 @@ SwitchLock::~SwitchLock() {
 #endif
 }
 
-std::set<OwedClosing>& ClosingLedger::Load(const std::string& address) {
-  auto found = owed_.find(address);
+std::set<OwedClosing>& ClosingLedger::Load(const std::string& key) {
+  auto found = owed_.find(key);
   if (found != owed_.end()) return found->second;
-  std::set<OwedClosing>& owed = owed_[address];
+  std::set<OwedClosing>& owed = owed_[key];
   if (folder_.empty()) return owed;
-  std::istringstream lines(ReadAll(fs::path(folder_) / "closing-owed" / FileName(address)));
+  std::istringstream lines(ReadAll(fs::path(folder_) / "closing-owed" / key));
   for (std::string line; std::getline(lines, line);)
     for (AclOwner o : {AclOwner::kAcl, AclOwner::kCpu})
       for (AclKind k : {AclKind::kProfiles, AclKind::kRules})
@@ -128,36 +139,53 @@ std::set<OwedClosing>& ClosingLedger::Load(const std::string& address) {
   return owed;
 }
 
-void ClosingLedger::Save(const std::string& address, const std::set<OwedClosing>& owed) {
+void ClosingLedger::Save(const std::string& key, const std::set<OwedClosing>& owed) {
   if (folder_.empty()) return;
   std::error_code ec;
   const fs::path dir = fs::path(folder_) / "closing-owed";
   fs::create_directories(dir, ec);
-  const fs::path file = dir / FileName(address);
+  const fs::path file = dir / key;
   if (owed.empty()) {
     fs::remove(file, ec);
     return;
   }
-  std::ofstream out(file, std::ios::binary | std::ios::trunc);
-  for (const OwedClosing& o : owed) out << OwedClosingName(o) << "\n";
+  // Written aside and renamed over the old note, so a kill mid-write leaves one or the other.
+  const fs::path temporary = fs::path(file).concat(".tmp");
+  {
+    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+    for (const OwedClosing& o : owed) out << OwedClosingName(o) << "\n";
+    if (!out.flush()) return;
+  }
+#ifdef _WIN32
+  MoveFileExW(temporary.wstring().c_str(), file.wstring().c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+#else
+  fs::rename(temporary, file, ec);
+#endif
 }
 
 std::vector<OwedClosing> ClosingLedger::Owed(const std::string& address) {
   std::lock_guard<std::mutex> lock(mutex_);
-  const std::set<OwedClosing>& owed = Load(address);
+  const std::set<OwedClosing>& owed = Load(FileName(address));
   return {owed.begin(), owed.end()};
 }
 
 void ClosingLedger::Observe(const AclWriteEvent& e) {
+  const bool answered = e.outcome != nullptr && e.outcome->responded;
   const bool request = e.op == AclWriteOp::kCreate && e.outcome == nullptr;
-  const bool settled = e.op == AclWriteOp::kClose && e.outcome != nullptr && e.outcome->responded &&
-                       e.outcome->errorStatus == 0;
-  if (!request && !settled) return;
+  const bool refused = e.op == AclWriteOp::kCreate && answered && e.outcome->errorStatus != 0;
+  const bool closed = e.op == AclWriteOp::kClose && answered && e.outcome->errorStatus == 0;
+  if (!request && !refused && !closed) return;
   std::lock_guard<std::mutex> lock(mutex_);
-  std::set<OwedClosing>& owed = Load(e.target.ip);
   const OwedClosing key{e.owner, e.kind};
+  const std::string name = FileName(e.target.ip);
+  std::set<OwedClosing>& refusedKinds = refused_[name];
+  // The batch goes on after a refusal, but its closing request will not be sent.
+  if (request && refusedKinds.count(key)) return;
+  if (refused) refusedKinds.insert(key);
+  if (closed) refusedKinds.erase(key);
+  std::set<OwedClosing>& owed = Load(name);
   if (request == (owed.count(key) > 0)) return;
   if (request) owed.insert(key);
   else owed.erase(key);
-  Save(e.target.ip, owed);
+  Save(name, owed);
 }

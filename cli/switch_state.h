@@ -13,7 +13,8 @@
 
 #include "acl/acl_audit.h"
 
-// $XDG_STATE_HOME/sentrel (%LOCALAPPDATA%\Sentrel on Windows); "" when none is known.
+// $SENTREL_STATE_DIR, else the default audit log's folder: $XDG_STATE_HOME/sentrel
+// (%LOCALAPPDATA%\Sentrel on Windows); "" when none is known.
 std::string StateFolder();
 
 class SwitchLock {
@@ -22,8 +23,9 @@ class SwitchLock {
   SwitchLock(const SwitchLock&) = delete;
   SwitchLock& operator=(const SwitchLock&) = delete;
   ~SwitchLock();
-  // Takes the switch's lock without waiting; false with a message naming the holder.
-  bool Acquire(const std::string& folder, const std::string& address, std::string& error);
+  // Takes the switch's lock without waiting; false with a message naming the holder. `user`
+  // is looked up once by the caller: the password database is not safe from many threads.
+  bool Acquire(const std::string& folder, const std::string& address, const std::string& user, std::string& error);
 
  private:
 #ifdef _WIN32
@@ -41,14 +43,19 @@ class ClosingLedger {
  public:
   explicit ClosingLedger(std::string folder) : folder_(std::move(folder)) {}
   std::vector<OwedClosing> Owed(const std::string& address);
-  // A record request makes its kind's closing request owed; an answered closing request
-  // settles it. Thread-safe (an observer of every SET).
+  // A record request makes its kind's closing request owed until a closing request is
+  // answered: what stays owed is a batch cut short by a kill, an interruption or a lost
+  // answer. A refused record settles it too: the apply rightly holds the closing request back
+  // for a partly refused batch, and the next apply sends the record again with its own.
+  // Thread-safe (an observer of every SET).
   void Observe(const AclWriteEvent& event);
 
  private:
-  std::set<OwedClosing>& Load(const std::string& address);
-  void Save(const std::string& address, const std::set<OwedClosing>& owed);
+  // By the switch's canonical name (its endpoint), not the address as written.
+  std::set<OwedClosing>& Load(const std::string& key);
+  void Save(const std::string& key, const std::set<OwedClosing>& owed);
   std::string folder_;
   std::mutex mutex_;
   std::map<std::string, std::set<OwedClosing>> owed_;
+  std::map<std::string, std::set<OwedClosing>> refused_;  // a record of the batch was refused
 };

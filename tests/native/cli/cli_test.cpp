@@ -438,7 +438,11 @@ TEST_F(CliTest, ReplacesVerifyAtTheEndRulesOfAFailedProfileWaitAndSummariesSayWh
   refuseProfile.refuseSets = {1};
   refuseProfile.refuseStatus = snmp::kBadValue;
   silent.silent = true;
-  Fleet({{"sw1", "TVR4820", {}}, {"sw2", "TVR4820", refuseProfile}, {"sw3", "TVR4820", silent}});
+  sim::Faults refuseReplacement;  // after the first apply's four SETs and a replace's two deletes
+  refuseReplacement.refuseSets = {7};
+  refuseReplacement.refuseStatus = snmp::kBadValue;
+  Fleet({{"sw1", "TVR4820", {}}, {"sw2", "TVR4820", refuseProfile}, {"sw3", "TVR4820", silent},
+         {"sw4", "TVR4820", refuseReplacement}});
   auto state = [&](const char* mask, const char* action = "deny") {
     Json acl = Json::parse(R"([{"id": 3, "type": "ipv4", "rules": [{"access_id": 9, "ports": "2", "dst_ip": "10.0.0.0"}]}])");
     acl[0]["dst_ip_mask"] = mask;
@@ -459,6 +463,19 @@ TEST_F(CliTest, ReplacesVerifyAtTheEndRulesOfAFailedProfileWaitAndSummariesSayWh
   EXPECT_EQ(replaced.status, kExitOk) << replaced.out;
   EXPECT_NE(replaced.out.find("created=2 deleted=2 unchanged=0 failed=0 verified=3/3"), std::string::npos) << replaced.out;
 
+  // The switch refuses the new profile after the old one and its rule were deleted: it holds
+  // neither, and the document says so rather than "not sent".
+  Result half = Run({"apply", "--json", "--yes", "--state", "replaced", "--limit", "sw4", state("255.255.0.0")});
+  EXPECT_EQ(half.status, kExitFailed);
+  const Json halfDoc = Json::parse(half.out);
+  const Json& profile = halfDoc["switches"][0]["changes"][1];
+  ASSERT_EQ(profile["action"], "replace") << halfDoc;
+  EXPECT_EQ(profile["result"], "deleted_only");
+  EXPECT_EQ(profile["error"].get<std::string>().rfind("deleted, not created again: create refused: error badValue", 0), 0u) << profile;
+#ifdef SENTREL_SOURCE_DIR
+  ExpectSchemaValid("plan-result.schema.json", {Write("half.json", half.out)});
+#endif
+
   // What the summary line says: kept records, silent switches, a deletion that names nothing.
   struct Case {
     std::vector<std::string> args;
@@ -466,6 +483,8 @@ TEST_F(CliTest, ReplacesVerifyAtTheEndRulesOfAFailedProfileWaitAndSummariesSayWh
   } cases[] = {
       {{"plan", "--limit", "sw1", state("255.255.0.0", "permit")}, "No changes in --state merged, but 1 record on the switches differ", "No changes. The"},
       {{"plan", "--limit", "sw1,sw3", state("255.255.0.0")}, "1 switch was not read (see above)", "No changes. The"},
+      // The refused profile owes no closing request: there is nothing to close.
+      {{"plan", "--limit", "sw2", state("255.255.255.0")}, "Plan: 2 to create, 0 to delete", "owed"},
       {{"plan", "--limit", "sw1", state("255.255.0.0")}, "No changes. The switches hold what the file says.", "not read"},
       {{"delete", "--limit", "sw1", "profile:99"}, "Nothing to delete: no switch holds any of these records.", "No changes."},
   };
@@ -474,6 +493,27 @@ TEST_F(CliTest, ReplacesVerifyAtTheEndRulesOfAFailedProfileWaitAndSummariesSayWh
     EXPECT_NE(plan.out.find(c.said), std::string::npos) << plan.out;
     EXPECT_EQ(plan.out.find(c.unsaid), std::string::npos) << plan.out;
   }
+
+  // A replace that changes a rule's type deletes the row from the table it is in: the IPv4
+  // profile goes by hand, its rule is left behind, and the file wants both as Ethernet.
+  const AclTarget sw1{agents_[0]->address(), kRead, kWrite, "TVR4820"};
+  ASSERT_TRUE(DeleteRow(sw1, RowStatusColumnOid(*LookupModel("TVR4820"), AclOwner::kAcl, AclKind::kProfiles, AclType::kIPv4),
+                        "3", "", 400));
+  const std::string retyped = Write("retyped.json", R"({"groups": {"all": {"acl": [{"id": 3, "type": "ethernet", "vlan": true,
+      "rules": [{"access_id": 9, "action": "deny", "ports": "2"}]}]}}})");
+  Result moved = Run({"apply", "--yes", "--state", "replaced", "--limit", "sw1", retyped});
+  EXPECT_EQ(moved.status, kExitOk) << moved.out;
+  Result shown = Run({"show", "--limit", "sw1"});
+  EXPECT_EQ(shown.err.find("has no ipv4 profile"), std::string::npos) << shown.err;
+  const std::string ethernetOnly = Write("ethernet.json", R"({"groups": {"all": {"acl": [{"id": 3, "type": "ethernet", "vlan": true}]}}})");
+  EXPECT_EQ(Run({"apply", "--yes", "--state", "overridden", "--limit", "sw1", ethernetOnly}).status, kExitOk);
+  // merged leaves the ethernet profile alone, so its ipv4 rule has no table to go to.
+  const size_t setsBefore = agents_[0]->sets().size();
+  EXPECT_EQ(Run({"apply", "--limit", "sw1", state("255.255.255.0")}).status, kExitOk);
+  EXPECT_EQ(agents_[0]->sets().size(), setsBefore);
+  Result orphan = Run({"plan", "--limit", "sw1", state("255.255.255.0")});
+  EXPECT_NE(orphan.out.find("not sent: profile 3 on the switch is ethernet, the file says ipv4; --state replaced replaces it"),
+            std::string::npos) << orphan.out;
 
   // Two entries for one switch would be two applies on it at once.
   Json inv = Json::parse(Read("inventory.json"));
@@ -490,14 +530,27 @@ TEST_F(CliTest, OneApplyPerSwitchAndAClosingRequestOwedIsSeenAndSent) {
   Fleet({{"sw1", "TVR4820", loseClosing}});
   const std::string file = Write("state.json", R"({"switches": {"sw1": {"acl": [{"id": 5, "type": "ethernet", "vlan": true}]}}})");
   {
+    // Held in a shared folder under the address spelled another way: still the one switch.
+    std::string otherSpelling = agents_[0]->address();
+    otherSpelling.insert(otherSpelling.rfind('.') + 1, "0");  // 127.0.13.2 as 127.0.13.02
     SwitchLock held;
     std::string error;
-    ASSERT_TRUE(held.Acquire((dir_ / "sentrel").string(), agents_[0]->address(), error)) << error;
-    Result busy = Run({"apply", file});
+    ASSERT_TRUE(held.Acquire((dir_ / "shared").string(), otherSpelling, "alice", error)) << error;
+    Result busy = Run({"apply", "--state-dir", (dir_ / "shared").string(), file});
     EXPECT_EQ(busy.status, kExitFailed);
-    EXPECT_TRUE(std::regex_search(busy.out, std::regex(R"(another apply holds this switch \(pid \d+ of .* since )"))) << busy.out;
+    EXPECT_TRUE(std::regex_search(busy.out, std::regex(R"(another apply holds this switch \(pid \d+ of alice since )"))) << busy.out;
     EXPECT_EQ(agents_[0]->requests(), 0u);
   }
+  // Nowhere to keep the locks: nothing is sent rather than no lock taken.
+  const std::string home = std::getenv("HOME") ? std::getenv("HOME") : "";
+  for (const char* name : {"XDG_STATE_HOME", "LOCALAPPDATA", "HOME"}) SetEnv(name, nullptr);
+  Result nowhere = Run({"apply", file});
+  SetEnv("HOME", home.empty() ? nullptr : home.c_str());
+  SetEnv("XDG_STATE_HOME", dir_.string().c_str());
+  SetEnv("LOCALAPPDATA", dir_.string().c_str());
+  EXPECT_EQ(nowhere.status, kExitUsage);
+  EXPECT_NE(nowhere.err.find("give --state-dir, or set SENTREL_STATE_DIR or XDG_STATE_HOME"), std::string::npos) << nowhere.err;
+  EXPECT_EQ(agents_[0]->requests(), 0u);
   Result lost = Run({"apply", file});
   EXPECT_EQ(lost.status, kExitFailed);
   ASSERT_EQ(agents_[0]->sets().size(), 2u);
@@ -505,8 +558,18 @@ TEST_F(CliTest, OneApplyPerSwitchAndAClosingRequestOwedIsSeenAndSent) {
   Result plan = Run({"plan", "--detailed-exitcode", file});
   EXPECT_EQ(plan.status, kExitPending) << plan.out;
   EXPECT_NE(plan.out.find("!   closing request of the acl profiles owed"), std::string::npos) << plan.out;
-  Result owed = Run({"apply", file});
+  const Json planned = Json::parse(Run({"plan", "--json", file}).out)["switches"][0]["closing"];
+  ASSERT_EQ(planned.size(), 1u);
+  EXPECT_EQ(planned[0]["kind"], "profile");
+  EXPECT_EQ(planned[0]["result"], "planned");
+  Result owed = Run({"apply", "--json", file});
   EXPECT_EQ(owed.status, kExitOk) << owed.out;
+  const Json closing = Json::parse(owed.out)["switches"][0]["closing"];
+  ASSERT_EQ(closing.size(), 1u);
+  EXPECT_EQ(closing[0]["result"], "sent");
+#ifdef SENTREL_SOURCE_DIR
+  ExpectSchemaValid("plan-result.schema.json", {Write("owed.json", owed.out)});
+#endif
   const auto sets = agents_[0]->sets();
   ASSERT_EQ(sets.size(), 3u);
   EXPECT_EQ(sets[2].varbinds.at(0).name, sets[1].varbinds.at(0).name);  // the closing request again
@@ -587,7 +650,7 @@ TEST_F(CliTest, CtrlCFinishesTheRequestInFlightClosesWhatLandedAndExits130) {
   Result r = Run({"apply", "--parallel", "2", file});
   interrupter.join();
   EXPECT_EQ(r.status, 130) << r.out;
-  EXPECT_NE(r.out.find("Total: 3 switches"), std::string::npos) << r.out;
+  EXPECT_NE(r.out.find("Total: 3 switches, 0 failed, 3 interrupted;"), std::string::npos) << r.out;
   EXPECT_TRUE(std::regex_search(r.out, std::regex(R"(sw1 +INTERRUPTED)"))) << r.out;
   EXPECT_TRUE(std::regex_search(r.out, std::regex(R"(sw3 +INTERRUPTED +created=0)"))) << r.out;
   // Every switch that got a record ended with the closing request, answered.

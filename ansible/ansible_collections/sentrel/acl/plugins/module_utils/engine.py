@@ -22,6 +22,8 @@ WRITE_ENV = "SENTREL_WRITE_COMMUNITY"
 # A change that the switch must be sent something for; "unchanged" and "kept" send nothing.
 WRITING_ACTIONS = ("create", "delete", "replace")
 FAILED_RESULTS = ("failed", "unreachable", "interrupted")
+# A closing request that went out, answered or not ("held_back" ones were not sent).
+SENT_CLOSING = ("sent", "failed")
 
 
 def strip_unset(value):
@@ -55,16 +57,16 @@ def after_deletion(current, config):
     No config: everything of both kinds. A kind given as an empty list: everything of it. A
     profile named without rules: the profile with its rules. A profile named with rules: only
     those rules. Records the switch does not hold are ignored. The result, applied as
-    `overridden`, leaves every other record as the switch holds it.
+    `overridden`, leaves every other record as the switch holds it; a kind not named is left
+    out of it, so the engine neither reads nor writes that kind.
     """
     wanted = strip_unset(config or {})
     named_kinds = [k for k in ACL_KINDS if wanted.get(k) is not None] or list(ACL_KINDS)
     out = {}
     for kind in ACL_KINDS:
-        held = copy.deepcopy((current or {}).get(kind) or [])
         if kind not in named_kinds:
-            out[kind] = held
             continue
+        held = copy.deepcopy((current or {}).get(kind) or [])
         named = wanted.get(kind)
         if not named:
             out[kind] = []
@@ -102,11 +104,15 @@ def commands_of(switch, only_done=False):
     for change in switch.get("changes") or []:
         if change.get("action") not in WRITING_ACTIONS:
             continue
-        if only_done and change.get("result") not in ("done", "failed"):
+        sets = change.get("sets") or []
+        if only_done and change.get("result") == "deleted_only":
+            sets = sets[:1]  # the old record's delete went out, its new one did not
+        elif only_done and change.get("result") not in ("done", "failed"):
             continue
-        out.extend(command_text(s) for s in change.get("sets") or [])
-    if out:
-        out.extend(command_text(s) for s in switch.get("closing_sets") or [])
+        out.extend(command_text(s) for s in sets)
+    for closing in switch.get("closing") or []:
+        if not only_done or closing.get("result") in SENT_CLOSING:
+            out.append(command_text(closing))
     return out
 
 
@@ -115,16 +121,30 @@ def is_changed(switch, applied):
     for change in switch.get("changes") or []:
         if change.get("action") not in WRITING_ACTIONS:
             continue
-        if not applied or change.get("result") in ("done", "failed"):
+        if not applied or change.get("result") in ("done", "failed", "deleted_only"):
             return True
-    return False
+    # A closing request alone changes the switch: it puts the records that landed to work.
+    return any(not applied or c.get("result") in SENT_CLOSING for c in switch.get("closing") or [])
+
+
+def kept_records(switch):
+    """The records `merged` left as the switch holds them although the config differs."""
+    out = []
+    for change in switch.get("changes") or []:
+        if change.get("action") != "kept":
+            continue
+        name = "%s %s %s" % (change.get("owner", ""), change.get("kind", ""), change.get("profile_id", ""))
+        if change.get("access_id") is not None:
+            name += "/%s" % change["access_id"]
+        out.append("%s: %s" % (name, change.get("note") or "differs on the switch; state replaced replaces it"))
+    return out
 
 
 def failures_of(switch):
     """The records the switch refused, each with the switch's answer."""
     out = []
     for change in switch.get("changes") or []:
-        if change.get("result") != "failed":
+        if change.get("result") not in ("failed", "deleted_only"):
             continue
         item = dict((k, change.get(k)) for k in ("action", "owner", "kind", "profile_id", "access_id")
                     if change.get(k) is not None)
@@ -161,7 +181,8 @@ def switch_result(switch, applied):
     result = {
         "changed": is_changed(switch, applied),
         "before": switch.get("before") or {},
-        "after": switch.get("after") or {},
+        # None when the switch was not read back: nothing is known of what it holds now.
+        "after": switch.get("after"),
         "commands": commands_of(switch, only_done=applied),
     }
     error = None

@@ -229,12 +229,15 @@ options:
         suboptions: *profile
   state:
     description:
-      - C(merged) creates the records the switch lacks and leaves the rest.
+      - C(merged) creates the records the switch lacks and leaves the rest. A record the switch
+        holds differently (or a rule of a profile the switch holds with another type) is kept
+        as it is, reported as a warning that lists each one; C(replaced) replaces them.
       - C(replaced) also deletes and creates again the records that differ (a replaced profile
         with its rules).
       - C(overridden) also deletes every record that I(config) does not name, in both kinds.
       - C(deleted) deletes the records I(config) names, or everything of the kinds it names, or
-        everything.
+        everything. Only the kinds I(config) names are read and written; the other kind is not
+        touched.
       - C(gathered) returns what the switch holds, in I(config) form.
       - C(rendered) returns the SETs that C(merged) would send to an empty switch, without one.
     type: str
@@ -367,6 +370,8 @@ before:
 after:
   description:
     - What the switch holds afterwards, as read back; in check mode, what it would hold.
+    - C(null) when the switch was not read back (interrupted) or did not answer: nothing is
+      known of what it holds, and no diff is shown.
   returned: when state is merged, replaced, overridden or deleted
   type: dict
 commands:
@@ -450,6 +455,10 @@ class Engine(object):
         found = engine.find_switch(report, self.params["name"])
         if found is None:
             self.module.fail_json(msg="sentrel-acl %s: no result for the switch: %s" % (command, err.strip()), rc=rc)
+        kept = engine.kept_records(found)
+        if kept:
+            self.module.warn("merged left %d record(s) as the switch holds them although config differs: %s"
+                             % (len(kept), "; ".join(kept)))
         return engine.switch_result(found, applied=not self.module.check_mode)
 
 
@@ -488,7 +497,7 @@ def main():
         result, error = runner.converge("overridden", switch)
     else:
         result, error = runner.converge(state, engine.switch_state(params["config"], state))
-    if module._diff:
+    if module._diff and result["after"] is not None:
         result["diff"] = {"before": result["before"], "after": result["after"]}
     if error:
         module.fail_json(msg=error, **result)

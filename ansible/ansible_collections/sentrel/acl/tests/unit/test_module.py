@@ -192,7 +192,10 @@ def apply_report(result="changed"):
         "before": {"acl": []}, "after": HELD,
         "changes": [{"action": "create", "owner": "acl", "kind": "profile", "profile_id": 10,
                      "before": None, "after": HELD["acl"][0], "result": "done",
-                     "sets": [{"oid": ".1.3.6.1.4.1.32473.1", "type": "INTEGER", "value": "4"}]}]}]}
+                     "sets": [{"oid": ".1.3.6.1.4.1.32473.1", "type": "INTEGER", "value": "4"}]},
+                    {"action": "kept", "owner": "acl", "kind": "rule", "profile_id": 10, "access_id": 2,
+                     "before": None, "after": None, "result": "planned", "sets": [],
+                     "note": "not sent: profile 10 on the switch is ipv4, the file says ethernet"}]}]}
 
 
 @pytest.mark.parametrize("check_mode, command", [(False, "apply"), (True, "plan")])
@@ -211,6 +214,8 @@ def test_merged_hands_the_engine_one_switch_by_stdin_and_communities_by_environm
     assert result["changed"] is True
     assert result["commands"] == [".1.3.6.1.4.1.32473.1 INTEGER 4"]
     assert result["diff"] == {"before": {"acl": []}, "after": HELD}
+    # merged does not pass over a record it leaves alone in silence
+    assert [w for w in result["warnings"] if "acl rule 10/2: not sent: profile 10 on the switch is ipv4" in w]
 
 
 @pytest.mark.parametrize("args, message", [
