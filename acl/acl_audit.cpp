@@ -26,6 +26,8 @@ std::string Env(const char* name) {
   return v != nullptr ? std::string(v) : std::string();
 }
 
+}  // namespace
+
 std::string UtcNow() {
   using namespace std::chrono;
   const auto now = system_clock::now();
@@ -42,8 +44,6 @@ std::string UtcNow() {
                 tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec, ms);
   return buf;
 }
-
-}  // namespace
 
 void SetAclWriteObserver(AclWriteObserver observer) {
   std::lock_guard<std::mutex> lock(g_observerMutex);

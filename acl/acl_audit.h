@@ -80,6 +80,8 @@ class AclAuditLog {
 // The default log: $XDG_STATE_HOME/sentrel/audit.jsonl, else ~/.local/state/sentrel/audit.jsonl;
 // on Windows %LOCALAPPDATA%\Sentrel\audit.jsonl. "" when none of these is known.
 std::string DefaultAuditLogPath();
+// The time as the audit log writes it: UTC, ISO 8601 with milliseconds.
+std::string UtcNow();
 // The operator's user name from the environment (USER, LOGNAME, USERNAME), "unknown" else.
 std::string OperatorName();
 // A binding as net-snmp tools name its type ("INTEGER", "Hex-STRING", "STRING", "IpAddress")

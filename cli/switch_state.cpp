@@ -38,19 +38,6 @@ std::string FileName(const std::string& address) {
          std::to_string((ep.addr >> 8) & 255) + "." + std::to_string(ep.addr & 255) + "_" + std::to_string(ep.port);
 }
 
-std::string Now() {
-  const std::time_t t = std::time(nullptr);
-  char text[32];
-  std::tm tm{};
-#ifdef _WIN32
-  gmtime_s(&tm, &t);
-#else
-  gmtime_r(&t, &tm);
-#endif
-  std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S UTC", &tm);
-  return text;
-}
-
 std::string ReadAll(const fs::path& file) {
   std::ifstream in(file, std::ios::binary);
   std::ostringstream s;
@@ -77,7 +64,7 @@ bool SwitchLock::Acquire(const std::string& folder, const std::string& address, 
   const fs::path dir = fs::path(folder) / "locks";
   fs::create_directories(dir, ec);
   const fs::path file = dir / (FileName(address) + ".lock");
-  const std::string holder = "pid " + std::to_string(SENTREL_GETPID()) + " of " + user + " since " + Now();
+  const std::string holder = "pid " + std::to_string(SENTREL_GETPID()) + " of " + user + " since " + UtcNow();
   // The holder's text stays readable: the lock is on a byte far past it (Windows) or on the
   // whole file as an advisory lock (POSIX).
 #ifdef _WIN32
